@@ -1,0 +1,9 @@
+#include "oxa/package/Package.h"
+
+namespace oxa {
+
+void RegisterAll()
+{
+}
+
+} // namespace oxa

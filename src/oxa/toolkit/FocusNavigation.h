@@ -1,0 +1,110 @@
+#pragma once
+
+#include "oxa/toolkit/WinControl.h"
+
+#include <QPointer>
+
+namespace oxa {
+
+// Indices of the neighbour properties, as SetFoc receives them.
+enum TFocusDirection { fdUp = 1, fdDown = 2, fdLeft = 3, fdRight = 4 };
+
+// The arrow key that moves the focus in a direction, and the reverse.
+bool FocusDirectionOfKey(Word key, TFocusDirection &direction);
+
+// The focus navigation shared by the data-entry controls: four weak
+// neighbour references (FocUp, FocDown, FocLeft, FocRight) and Ctrl+arrow
+// moving the focus to them, skipping disabled neighbours along the chain.
+//
+// Family is the class whose instances the chain may pass through (the class
+// that declares the navigation, e.g. TEditOxa: a derived TNumEditOxa is
+// followed further, any other control ends the chain).
+template <class Family, class QtBase>
+class TFocusNavigation : public TWinControl<QtBase>
+{
+    using Base = TWinControl<QtBase>;
+
+public:
+    using Base::Base;
+
+    QWidget *FocUp() const { return m_foc[fdUp - 1]; }
+    QWidget *FocDown() const { return m_foc[fdDown - 1]; }
+    QWidget *FocLeft() const { return m_foc[fdLeft - 1]; }
+    QWidget *FocRight() const { return m_foc[fdRight - 1]; }
+    QWidget *Foc(TFocusDirection direction) const { return m_foc[direction - 1]; }
+
+    void SetFocUp(QWidget *control) { SetFoc(fdUp, control); }
+    void SetFocDown(QWidget *control) { SetFoc(fdDown, control); }
+    void SetFocLeft(QWidget *control) { SetFoc(fdLeft, control); }
+    void SetFocRight(QWidget *control) { SetFoc(fdRight, control); }
+
+    // Stores the neighbour of the index (1 Up, 2 Down, 3 Left, 4 Right; any
+    // other index stores nothing) and asks the control to notify this one
+    // when it is destroyed.
+    void SetFoc(int index, QWidget *control)
+    {
+        if (index >= fdUp && index <= fdRight)
+            m_foc[index - 1] = control;
+        if (control)
+            this->FreeNotification(control);
+    }
+
+    void SetFocusUp(QWidget *control, int depth) { MoveFocus(fdUp, control, depth); }
+    void SetFocusDown(QWidget *control, int depth) { MoveFocus(fdDown, control, depth); }
+    void SetFocusLeft(QWidget *control, int depth) { MoveFocus(fdLeft, control, depth); }
+    void SetFocusRight(QWidget *control, int depth) { MoveFocus(fdRight, control, depth); }
+
+protected:
+    void KeyDown(Word &key, TShiftState shift) override
+    {
+        HandleFocusKey(key, shift);
+        Base::KeyDown(key, shift);
+    }
+
+    // Ctrl+arrow with a neighbour set: the key is consumed and the focus
+    // moves. Returns whether the key was consumed.
+    bool HandleFocusKey(Word &key, TShiftState shift)
+    {
+        TFocusDirection direction;
+        if (!FocusDirectionOfKey(key, direction) || !Foc(direction))
+            return false;
+        if (shift != TShiftState(ssCtrl))
+            return false;
+        key = 0;
+        MoveFocus(direction, Foc(direction), 0);
+        return true;
+    }
+
+    // One step of the move: the control itself when it is enabled, else its
+    // own neighbour in the same direction when it belongs to the family; at
+    // most four controls are tried.
+    void MoveFocus(TFocusDirection direction, QWidget *control, int depth)
+    {
+        ++depth;
+        if (depth >= 5 || !Foc(direction) || !control)
+            return;
+        if (ControlEnabled(control)) {
+            SetFocusTo(control);
+            return;
+        }
+        auto *member = dynamic_cast<Family *>(control);
+        if (member && member->Foc(direction))
+            MoveFocus(direction, member->Foc(direction), depth);
+    }
+
+    void Notification(QObject *component, TOperation operation) override
+    {
+        Base::Notification(component, operation);
+        if (operation != opRemove)
+            return;
+        for (QWidget *&neighbour : m_foc) {
+            if (neighbour == component)
+                neighbour = nullptr;
+        }
+    }
+
+private:
+    QWidget *m_foc[4] = {nullptr, nullptr, nullptr, nullptr};
+};
+
+} // namespace oxa
