@@ -20,9 +20,9 @@ bool FocusDirectionOfKey(Word key, TFocusDirection &direction);
 // that declares the navigation, e.g. TEditOxa: a derived TNumEditOxa is
 // followed further, any other control ends the chain).
 template <class Family, class QtBase>
-class TFocusNavigation : public TWinControl<QtBase>
+class TFocusNavigation : public WinControlOf<QtBase>::type
 {
-    using Base = TWinControl<QtBase>;
+    using Base = typename WinControlOf<QtBase>::type;
 
 public:
     using Base::Base;

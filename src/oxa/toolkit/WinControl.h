@@ -11,6 +11,7 @@
 #include <QObject>
 #include <QWidget>
 #include <functional>
+#include <type_traits>
 
 namespace oxa {
 
@@ -47,6 +48,8 @@ class TWinControl : public QtBase
 {
 public:
     using QtBase::QtBase;
+    // Marks classes that already carry the toolkit's event mapping.
+    using OxaWinControlTag = void;
 
     ~TWinControl() override
     {
@@ -114,8 +117,19 @@ protected:
         Q_UNUSED(component);
         Q_UNUSED(operation);
     }
-    // Called after a control was built from a stored form (a .ui file).
+    // Called once after the control's properties were set by whoever built
+    // it (a .ui form, the host's code) and before it is first shown.
     virtual void Loaded() {}
+
+    bool event(QEvent *event) override
+    {
+        if (event->type() == QEvent::Polish && !m_loaded) {
+            m_loaded = true;
+            bool failed = false;
+            guarded([this] { Loaded(); }, failed);
+        }
+        return QtBase::event(event);
+    }
 
     // Whether the control counts as entered: between DoEnter and DoExit.
     bool Entered() const { return m_entered; }
@@ -205,7 +219,20 @@ protected:
 private:
     TColor m_color = clWindow;
     bool m_entered = false;
+    bool m_loaded = false;
     QList<QMetaObject::Connection> m_freeNotifications;
+};
+
+// TWinControl<T>, unless T already is one (a grid of the toolkit, say).
+template <class T, class = void>
+struct WinControlOf
+{
+    using type = TWinControl<T>;
+};
+template <class T>
+struct WinControlOf<T, std::void_t<typename T::OxaWinControlTag>>
+{
+    using type = T;
 };
 
 } // namespace oxa

@@ -1,0 +1,40 @@
+#include "MainWindow.h"
+
+#include "PatientPage.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QStatusBar>
+#include <QTabWidget>
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent), m_tabs(new QTabWidget(this))
+{
+    setWindowTitle(QStringLiteral("Oxa – ukázková ambulance"));
+    setCentralWidget(m_tabs);
+    AddPage(new PatientPage(this), QStringLiteral("Pacient"), QStringLiteral("pacient"));
+    statusBar()->showMessage(QStringLiteral("Ctrl+šipky přesouvají mezi poli, Tab v pořadí formuláře."));
+    resize(1100, 720);
+}
+
+void MainWindow::AddPage(QWidget *page, const QString &title, const QString &fileName)
+{
+    m_tabs->addTab(page, title);
+    m_fileNames.append(fileName);
+}
+
+QStringList MainWindow::SaveScreenshots(const QString &directory)
+{
+    QDir().mkpath(directory);
+    QStringList written;
+    show();
+    for (int i = 0; i < m_tabs->count(); ++i) {
+        m_tabs->setCurrentIndex(i);
+        QApplication::processEvents();
+        const QString file = QDir(directory).filePath(
+            QStringLiteral("%1-%2.png").arg(i + 1).arg(m_fileNames.value(i)));
+        if (grab().save(file))
+            written.append(file);
+    }
+    return written;
+}
