@@ -130,7 +130,7 @@ private:
                              TJustifyType aJustify);
     void FreeImage(TErrorImage *image);
     void WatchControl(QWidget *control);
-    void UnwatchControl(const QObject *control);
+    void UnwatchControl(QWidget *control);
     bool IsMarked(const QObject *control) const;
     void RestartTimer();
 

@@ -6,8 +6,8 @@
 
 #include <memory>
 
-class QPushButton;
 class QLabel;
+class QPushButton;
 
 namespace oxa {
 
@@ -17,10 +17,14 @@ namespace Ui {
 class TMapaZnaku;
 }
 
-// The character map: a small modal dialog offering the characters a Czech
-// keyboard lacks. Show it with MessageService::ExecDialog(&form); a result of
-// 1 (mrOk) means GetVybranyZnak() holds the chosen character, 2 (mrCancel)
-// that the user closed it with "Zavřít".
+// The character map: a small modal dialog offering, in a grid, the 55
+// characters a Czech keyboard lacks. Show it with
+// MessageService::ExecDialog(&form); a result of 1 (mrOk) means that
+// GetVybranyZnak() holds the chosen character, 2 (mrCancel) that the user
+// closed it ("Zavřít", Escape or the window's close button).
+//
+// A click or keyboard move in the grid selects the character of the current
+// cell; a double click or Enter inserts it ("Vložit znak do textu").
 class TMapaZnaku : public QDialog
 {
     Q_OBJECT
@@ -42,16 +46,30 @@ public:
     QPushButton *btnZavrit() const;
 
     // The form's event handlers.
+    // OnShow: fills the grid and selects its first cell.
     void FormShow();
+    // Selects the character of the current cell; an empty cell disables
+    // the insert button.
     void StrGdMapaClick();
+    // Presses the insert button.
     void StrGdMapaDblClick();
+    // Enter runs the grid's OnDblClick.
     void StrGdMapaKeyPress(QChar &Key);
+    // Complains when no character is selected.
     void btnVlozitClick();
+
+    // Closing without a choice is "Zavřít": modal result 2.
+    void reject() override;
 
 protected:
     void showEvent(QShowEvent *event) override;
 
 private:
+    // The insert button's click: its handler, then closing with result 1
+    // when a character is selected. Without one the dialog stays open
+    // after the message, so that no empty character is ever inserted.
+    void PressVlozit();
+
     std::unique_ptr<Ui::TMapaZnaku> ui;
     QChar vybranyZnak;
 };

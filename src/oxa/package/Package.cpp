@@ -1,9 +1,41 @@
 #include "oxa/package/Package.h"
 
+#include "oxa/controls/ButtonOxa.h"
+#include "oxa/controls/ComboBoxOxa.h"
+#include "oxa/controls/DateTimePickerOxa.h"
+#include "oxa/controls/EditOxa.h"
+#include "oxa/controls/ErrorProvider.h"
+#include "oxa/controls/LabeledEditOxa.h"
+#include "oxa/controls/MaskEditOxa.h"
+#include "oxa/controls/MemoOxa.h"
+#include "oxa/controls/OxaPopupMenu.h"
+#include "oxa/controls/StringGridOxa.h"
+#include "oxa/diary/DayListView.h"
+#include "oxa/diary/EnhancedMonthCalendar.h"
+#include "oxa/spreadsheet/XLSfile.h"
+#include "oxa/utilities/BackgroundWorker.h"
+#include "oxa/utilities/ExecApp.h"
+
 namespace oxa {
 
+// The units register in the library's unit order.
 void RegisterAll()
 {
+    RegisterMaskEditOxa();
+    RegisterDateTimePickerOxa();
+    RegisterOxaPopupMenu();
+    RegisterEditOxa();
+    RegisterComboBoxOxa();
+    RegisterStringGridOxa();
+    RegisterExecApp();
+    RegisterMemoOxa();
+    RegisterLabeledEditOxa();
+    RegisterEnhancedMonthCalendar();
+    RegisterDayListView();
+    RegisterXLSfile();
+    RegisterButtonOxa();
+    RegisterErrorProvider();
+    RegisterBackgroundWorker();
 }
 
 } // namespace oxa

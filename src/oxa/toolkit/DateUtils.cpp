@@ -18,15 +18,28 @@ qint64 epochJulianDay()
     return jd;
 }
 
+// Beyond this many days from the epoch no calendar date exists (year 9999
+// ends at 2958465); the bound only keeps the conversion to an integer sane.
+constexpr double kMaxDays = 1.0e7;
+
 // Whole days of a value; the toolkit truncates towards zero and keeps the
 // time of day as the absolute fraction, also before the epoch.
 qint64 dayPart(TDateTime value)
 {
+    if (!std::isfinite(value) || std::fabs(value) > kMaxDays)
+        return 0;
     return qint64(std::trunc(value));
+}
+
+bool representable(TDateTime value)
+{
+    return std::isfinite(value) && std::fabs(value) <= kMaxDays;
 }
 
 double timeFraction(TDateTime value)
 {
+    if (!representable(value))
+        return 0;
     return std::fabs(value - std::trunc(value));
 }
 
@@ -101,35 +114,41 @@ bool splitCzechDate(const QString &cleaned, QString &d, QString &m, QString &y)
     return false;
 }
 
-// Reads a date by an explicit format of d/m/y runs and separators.
+bool isDateLetter(QChar c)
+{
+    const QChar l = c.toLower();
+    return l == QLatin1Char('d') || l == QLatin1Char('m') || l == QLatin1Char('y');
+}
+
+// Reads a date by an explicit format of d, m and y runs and separators ("/"
+// stands for the date separator). A field followed by a separator or ending
+// the format takes as many digits as it may hold; a field followed directly
+// by another field takes exactly the width of its run.
 bool splitByFormat(const QString &text, const QString &format, QString &d, QString &m, QString &y)
 {
     int pos = 0;
     for (int i = 0; i < format.size();) {
         const QChar f = format[i].toLower();
-        if (f == QLatin1Char('d') || f == QLatin1Char('m') || f == QLatin1Char('y')) {
-            int run = 0;
-            while (i + run < format.size() && format[i + run].toLower() == f)
-                ++run;
-            i += run;
-            const bool separated = i < format.size();
-            QString field;
-            while (pos < text.size() && text[pos].isDigit()
-                   && (separated || field.size() < run) && field.size() < std::max(run, 4))
-                field += text[pos++];
-            if (!separated || run >= 2) {
-                // fixed-width fields without a separator take exactly their width
-                if (!separated && field.size() != run && !(f == QLatin1Char('y') && field.size() == 2))
-                    return false;
-            }
-            (f == QLatin1Char('d') ? d : f == QLatin1Char('m') ? m : y) = field;
-        } else {
-            if (pos >= text.size() || text[pos] != format[i])
+        if (!isDateLetter(f)) {
+            const QChar expected = f == QLatin1Char('/') ? DateSeparator : format[i];
+            if (pos >= text.size() || text[pos] != expected)
                 return false;
             ++pos, ++i;
+            continue;
         }
+        int run = 0;
+        while (i + run < format.size() && format[i + run].toLower() == f)
+            ++run;
+        i += run;
+        const bool abutting = i < format.size() && isDateLetter(format[i]);
+        const int widest = f == QLatin1Char('y') ? 4 : 2;
+        const int width = abutting ? std::min(run, widest) : widest;
+        QString field;
+        while (pos < text.size() && text[pos].isDigit() && field.size() < width)
+            field += text[pos++];
+        (f == QLatin1Char('d') ? d : f == QLatin1Char('m') ? m : y) = field;
     }
-    return pos == text.size();
+    return pos == text.size() && (y.size() == 2 || y.size() == 4);
 }
 
 } // namespace
@@ -153,6 +172,8 @@ TDateTime QDateTimeToDateTime(const QDateTime &dateTime)
 
 QDate DateTimeToQDate(TDateTime value)
 {
+    if (!representable(value))
+        return QDate();
     return dateOfDays(dayPart(value));
 }
 
@@ -220,18 +241,27 @@ TDateTime Date()
     return QDateToDateTime(QDate::currentDate());
 }
 
+TDateTime ComposeDateTime(TDateTime date, TDateTime time)
+{
+    return combine(dayPart(date), timeFraction(time));
+}
+
+// Moves the whole days and keeps the time of day, also across the epoch
+// where the sign of the value flips.
 TDateTime IncDay(TDateTime value, int days)
 {
-    return value + days;
+    return combine(dayPart(value) + days, timeFraction(value));
 }
 
 TDateTime IncMonth(TDateTime value, int months)
 {
     int y = 0, m = 0, d = 0;
     DecodeDate(value, y, m, d);
-    const int total = y * 12 + (m - 1) + months;
-    const int ny = total / 12;
-    const int nm = total % 12 + 1;
+    const qint64 total = qint64(y) * 12 + (m - 1) + months;
+    if (total < 12 || total >= 10000 * 12)
+        throw EConvertError(QStringLiteral("Neplatný argument pro zakódování data"));
+    const int ny = int(total / 12);
+    const int nm = int(total % 12) + 1;
     const int nd = std::min(d, DaysInAMonth(ny, nm));
     return combine(QDate(ny, nm, nd).toJulianDay() - epochJulianDay(), timeFraction(value));
 }
@@ -243,7 +273,9 @@ TDateTime IncYear(TDateTime value, int years)
 
 TDateTime IncMinute(TDateTime value, qint64 minutes)
 {
-    return value + double(minutes) / (24.0 * 60.0);
+    const qint64 msec = dayPart(value) * kMsecPerDay + timeMsec(value) + minutes * 60 * 1000;
+    const qint64 days = msec >= 0 ? msec / kMsecPerDay : -((-msec + kMsecPerDay - 1) / kMsecPerDay);
+    return combine(days, double(msec - days * kMsecPerDay) / kMsecPerDay);
 }
 
 int DayOfTheWeek(TDateTime value)
@@ -335,7 +367,7 @@ QString FormatDateTime(const QString &format, TDateTime value)
             }
             afterHour = false;
         } else if (lc == QLatin1Char('m')) {
-            if (afterHour && run <= 2) {
+            if (afterHour) {
                 out += run == 1 ? QString::number(minute) : two(minute);
             } else {
                 switch (std::min(run, 4)) {
@@ -365,14 +397,18 @@ QString FormatDateTime(const QString &format, TDateTime value)
             out += FormatDateTime(ShortDateFormat(), value);
             if (timeFraction(value) != 0)
                 out += QLatin1Char(' ') + FormatDateTime(LongTimeFormat(), value);
+            afterHour = false;
         } else if (lc == QLatin1Char('t') && run <= 2) {
             out += FormatDateTime(run == 1 ? ShortTimeFormat() : LongTimeFormat(), value);
+            afterHour = false;
         } else if (c == QLatin1Char('/')) {
             out += QString(DateSeparator).repeated(run);
         } else if (c == QLatin1Char(':')) {
             out += QString(TimeSeparator).repeated(run);
         } else {
             out += format.mid(i, run);
+            if (c.isLetter())
+                afterHour = false;
         }
         i += run;
     }
@@ -402,8 +438,9 @@ TDateTime FormatStrToDate(const QString &text, const QString &format)
             cleaned += c;
     }
     QString d, m, y;
-    const bool shaped = format.trimmed().isEmpty() ? splitCzechDate(cleaned, d, m, y)
-                                                   : splitByFormat(cleaned, format, d, m, y);
+    const QString compactFormat = QString(format).remove(QLatin1Char(' '));
+    const bool shaped = compactFormat.isEmpty() ? splitCzechDate(cleaned, d, m, y)
+                                                : splitByFormat(cleaned, compactFormat, d, m, y);
     if (!shaped || !allDigits(d) || !allDigits(m) || !allDigits(y))
         throw EConvertError(invalidDateMessage(text));
     const int year = y.size() <= 2 ? expandTwoDigitYear(y.toInt()) : y.toInt();

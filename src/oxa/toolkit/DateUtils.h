@@ -28,13 +28,16 @@ void DecodeDate(TDateTime value, int &year, int &month, int &day);
 void DecodeTime(TDateTime value, int &hour, int &minute, int &second, int &msec);
 
 TDateTime DateOf(TDateTime value);
+// The whole days of date with the time of day of time.
+TDateTime ComposeDateTime(TDateTime date, TDateTime time);
 TDateTime TimeOf(TDateTime value);
 TDateTime Now();
 TDateTime Date();
 
+// The Inc functions keep the time of day.
 TDateTime IncDay(TDateTime value, int days = 1);
 // Adds months keeping the day where the target month has it, otherwise the
-// target month's last day; the time of day is kept.
+// target month's last day. Throws EConvertError beyond the years 1 to 9999.
 TDateTime IncMonth(TDateTime value, int months = 1);
 TDateTime IncYear(TDateTime value, int years = 1);
 TDateTime IncMinute(TDateTime value, qint64 minutes = 1);
@@ -70,8 +73,10 @@ QString TimeToStr(TDateTime value);
 QString DateTimeToStr(TDateTime value);
 
 // Reads a date typed in the masked date edit. With an empty format it
-// accepts d.m.yyyy, dd.mm.yyyy, dd.mm.yy and the same without separators,
-// ignoring blanks and the mask's placeholder characters. Throws EConvertError
+// accepts d.m.yyyy, dd.mm.yyyy, dd.mm.yy (also with "/" or "-") and
+// ddmmyyyy, ddmmyy without separators, ignoring blanks and the mask's
+// placeholder "_"; two-digit years fall within fifty years of this year.
+// A format of d, m and y runs ("dd.mm.yyyy", "ddmmyy") reads that layout. Throws EConvertError
 // with a Czech message naming the text when the text is not a real date.
 TDateTime FormatStrToDate(const QString &text, const QString &format = QString());
 TDateTime StrToDate(const QString &text);

@@ -1,0 +1,38 @@
+#include "oxa/controls/ButtonOxa.h"
+
+#include "oxa/toolkit/Catalogue.h"
+
+namespace oxa {
+
+TButtonOxa::TButtonOxa(QWidget *parent)
+    : Base(parent)
+{
+}
+
+TButtonOxa::TButtonOxa(const QString &caption, QWidget *parent)
+    : Base(caption, parent)
+{
+}
+
+void TButtonOxa::DoEnter()
+{
+    if (Enabled())
+        FIsFocused = true;
+    Base::DoEnter();
+}
+
+void TButtonOxa::DoExit()
+{
+    if (Enabled())
+        FIsFocused = false;
+    Base::DoExit();
+}
+
+void RegisterButtonOxa()
+{
+    Catalogue::Instance().RegisterComponents({WidgetEntry<TButtonOxa>(
+        QStringLiteral("Oxa"), QStringLiteral("TButtonOxa"), QStringLiteral("ButtonOxa"),
+        QStringLiteral("oxa/controls/ButtonOxa.h"))});
+}
+
+} // namespace oxa

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "oxa/toolkit/FocusNavigation.h"
+
+#include <QComboBox>
+
+namespace oxa {
+
+// A combo box with Ctrl+arrow focus navigation and focus colouring. Unlike
+// the edits it swallows every Ctrl+arrow, neighbour or not, and in a
+// drop-down list (a combo box that is not editable) Space selects the next
+// item, wrapping from the last to the first.
+class TComboBoxOxa : public TFocusNavigation<TComboBoxOxa, QComboBox>
+{
+    Q_OBJECT
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
+    Q_PROPERTY(bool IsFocused READ IsFocused)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+
+    using Base = TFocusNavigation<TComboBoxOxa, QComboBox>;
+
+public:
+    explicit TComboBoxOxa(QWidget *parent = nullptr);
+
+    TColor ActiveColor() const { return FActiveColor; }
+    void SetActiveColor(TColor color) { FActiveColor = color; }
+    TColor DefaultColor() const { return FDefaultColor; }
+    void SetDefaultColor(TColor color) { FDefaultColor = color; }
+    bool IsFocused() const { return FIsFocused; }
+
+    // The user changed the selection (mouse, keyboard, wheel, Space) or
+    // typed into an editable box.
+    TNotifyEvent OnChange;
+
+protected:
+    virtual void Change();
+
+    void KeyDown(Word &key, TShiftState shift) override;
+    void DoEnter() override;
+    void DoExit() override;
+    void Loaded() override;
+
+private:
+    void selectNextOnSpace(Word &key);
+
+    TColor FActiveColor = clYellow;
+    TColor FDefaultColor = clWindow;
+    bool FIsFocused = false;
+};
+
+void RegisterComboBoxOxa();
+
+} // namespace oxa

@@ -1,0 +1,535 @@
+#include "oxa/controls/DateTimePickerOxa.h"
+
+#include "oxa/toolkit/Catalogue.h"
+#include "oxa/toolkit/Exceptions.h"
+#include "oxa/toolkit/MessageService.h"
+
+#include <QCalendarWidget>
+#include <QFontMetrics>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QScopedValueRollback>
+#include <QStringList>
+#include <QStyle>
+
+namespace oxa {
+
+namespace {
+
+enum : quint8 { kDaySection = 0, kMonthSection = 1, kYearSection = 2 };
+
+const QString kDayFormat = QStringLiteral("dd.MM.yyyy");
+const QString kMonthYearFormat = QStringLiteral("MMMM.yyyy");
+const QString kBlankFormat = QStringLiteral(" ");
+
+QDateTimeEdit::Section qtSection(quint8 section)
+{
+    switch (section) {
+    case kDaySection: return QDateTimeEdit::DaySection;
+    case kMonthSection: return QDateTimeEdit::MonthSection;
+    default: return QDateTimeEdit::YearSection;
+    }
+}
+
+bool isBlankFormat(const QString &format)
+{
+    return !format.isEmpty() && format.trimmed().isEmpty();
+}
+
+} // namespace
+
+TDateTimePickerOxa::TDateTimePickerOxa(QWidget *owner)
+    : Base(owner)
+{
+    const QLocale czech(QLocale::Czech, QLocale::CzechRepublic);
+    setLocale(czech);
+    setCalendarPopup(true);
+    calendarWidget()->setLocale(czech);
+    {
+        const QScopedValueRollback guard(m_settingDate, true);
+        setDateRange(DateTimeEpoch(), QDate(9999, 12, 31));
+        setDate(DateTimeEpoch());
+    }
+    calendarWidget()->installEventFilter(this);
+    lineEdit()->installEventFilter(this);
+    connect(this, &QDateTimeEdit::dateTimeChanged, this, [this] {
+        if (!m_settingDate)
+            HandleExceptions(this, [this] { DateTimeChanged(); });
+    });
+    SetColor(FDefaultColor);
+    PaintRule();
+}
+
+TDateTimePickerOxa::~TDateTimePickerOxa()
+{
+    calendarWidget()->removeEventFilter(this);
+    lineEdit()->removeEventFilter(this);
+}
+
+// --- date -------------------------------------------------------------------
+
+TDateTime TDateTimePickerOxa::DateTime() const
+{
+    return ComposeDateTime(QDateToDateTime(date()), FTimeOfDay);
+}
+
+void TDateTimePickerOxa::SetDateTime(TDateTime value)
+{
+    MsgSetDateTime(value);
+    PaintRule();
+}
+
+TDateTime TDateTimePickerOxa::Date() const
+{
+    return DateOf(DateTime());
+}
+
+void TDateTimePickerOxa::SetDate(TDateTime value)
+{
+    SetDateTime(ComposeDateTime(value, FTimeOfDay));
+}
+
+void TDateTimePickerOxa::SetMinDate(TDateTime value)
+{
+    const QDate minimum = DateTimeToQDate(value);
+    if (!minimum.isValid())
+        throw EConvertError(QStringLiteral("Neplatné nejmenší datum"));
+    FMinDate = value;
+    {
+        const QScopedValueRollback guard(m_settingDate, true);
+        setMinimumDate(minimum);
+    }
+    PaintRule();
+}
+
+bool TDateTimePickerOxa::EmptyDate() const
+{
+    return SameDate(DateTime(), FMinDate);
+}
+
+bool TDateTimePickerOxa::MsgSetDateTime(TDateTime value)
+{
+    const QDate day = DateTimeToQDate(value);
+    if (!day.isValid() || day < minimumDate() || day > maximumDate()) {
+        MessageService::MessageBox(this, Name(), QStringLiteral("Chyba nastaveni"), mtError);
+        return false;
+    }
+    const QScopedValueRollback guard(m_settingDate, true);
+    FTimeOfDay = TimeOf(value);
+    setDate(day);
+    return true;
+}
+
+// --- format and the blank display ---------------------------------------------
+
+void TDateTimePickerOxa::SetFormat(const QString &format)
+{
+    // A real format the host chooses is also the one to come back to after
+    // the blank display.
+    if (!isBlankFormat(format))
+        FSavedFormat = format;
+    SetFormatField(format);
+    PaintRule();
+}
+
+bool TDateTimePickerOxa::IsMonthYearFormat() const
+{
+    return FFormat == kMonthYearFormat;
+}
+
+bool TDateTimePickerOxa::HoldsFocus() const
+{
+    // The open calendar has the keyboard, but the picker is still the field
+    // being edited.
+    return hasFocus() || FDroppedDown;
+}
+
+void TDateTimePickerOxa::SetFormatField(const QString &format)
+{
+    FFormat = format;
+    ApplyFormat();
+}
+
+// Shows FFormat: a blank format keeps the last real display format and shows
+// the empty date (Qt's minimum) as a blank through the special-value text.
+void TDateTimePickerOxa::ApplyFormat()
+{
+    QString display = FFormat.trimmed().isEmpty() ? FSavedFormat : FFormat;
+    if (display.trimmed().isEmpty())
+        display = kDayFormat;
+    if (displayFormat() != display) {
+        const QScopedValueRollback guard(m_settingDate, true);
+        setDisplayFormat(display);
+        if (displayFormat() != display) // a format without date sections
+            setDisplayFormat(kDayFormat);
+        RequestSectionSync();
+    }
+    const QString special = isBlankFormat(FFormat) ? kBlankFormat : QString();
+    if (specialValueText() != special)
+        setSpecialValueText(special);
+}
+
+void TDateTimePickerOxa::SetFocusRule()
+{
+    if (FFormat != kBlankFormat)
+        FSavedFormat = FFormat;
+    else
+        SetFormatField(FSavedFormat);
+}
+
+void TDateTimePickerOxa::KillFocusRule()
+{
+    if (EmptyDate()) {
+        FSavedFormat = FFormat;
+        SetFormatField(kBlankFormat);
+    } else {
+        SetFormatField(FSavedFormat);
+    }
+}
+
+void TDateTimePickerOxa::PaintRule()
+{
+    if (EmptyDate() && !HoldsFocus())
+        SetFormatField(kBlankFormat);
+    else if (FFormat.trimmed().isEmpty())
+        SetFormatField(FSavedFormat);
+}
+
+void TDateTimePickerOxa::AfterNotification()
+{
+    if (HoldsFocus())
+        return;
+    if (EmptyDate())
+        SetFormatField(kBlankFormat);
+    else if (FFormat.trimmed().isEmpty())
+        SetFormatField(kDayFormat);
+}
+
+// --- keys ------------------------------------------------------------------------
+
+void TDateTimePickerOxa::keyPressEvent(QKeyEvent *event)
+{
+    ++m_keyDepth;
+    Word key = 0;
+    TShiftState shift;
+    KeyFromEvent(event, key, shift);
+    if (key != 0)
+        HandleExceptions(this, [&] { WMKeyDown(key, shift); });
+    Base::keyPressEvent(event);
+    if (--m_keyDepth == 0 && m_sectionSyncPending)
+        SyncSection();
+}
+
+// The quick keys and the section moves, before the key's ordinary handling.
+void TDateTimePickerOxa::WMKeyDown(Word key, TShiftState shift)
+{
+    if (key == VK_MULTIPLY) {
+        const TDateTime today = oxa::Date();
+        if (today >= FMinDate) {
+            SetDateTime(today);
+            FireChange();
+        }
+    } else if (key == VK_DELETE) {
+        SetDateTime(FMinDate);
+        FireChange();
+    } else if (!(shift & ssCtrl)) {
+        if (!IsMonthYearFormat()) {
+            if (key == VK_LEFT)
+                FSection = quint8((FSection + 2) % 3);
+            else if (key == VK_RIGHT)
+                FSection = quint8((FSection + 1) % 3);
+        } else {
+            // No day in this format: only the month and the year take turns.
+            if (FSection == kDaySection)
+                FSection = kMonthSection;
+            if (key == VK_LEFT || key == VK_RIGHT)
+                FSection = FSection == kMonthSection ? kYearSection : kMonthSection;
+        }
+    }
+}
+
+void TDateTimePickerOxa::KeyDown(Word &Key, TShiftState Shift)
+{
+    FLastKey = Key;
+    Base::KeyDown(Key, Shift);
+    if (Key != 0)
+        PlatformKeyDown(Key, Shift);
+}
+
+// What the picker control itself does with a key that nobody consumed: the
+// step keys change the date (the date-changed notification then steps by the
+// section), Left/Right move between the sections, F4 and Alt+Down open the
+// calendar; star and Delete were handled before and do nothing more.
+void TDateTimePickerOxa::PlatformKeyDown(Word &Key, TShiftState Shift)
+{
+    if ((Key == VK_DOWN && (Shift & ssAlt)) || Key == VK_F4) {
+        OpenCalendar();
+        Key = 0;
+        return;
+    }
+    switch (Key) {
+    case VK_UP:
+    case VK_DOWN:
+    case VK_ADD:
+    case VK_SUBTRACT:
+        if (!isReadOnly())
+            DateTimeChanged();
+        Key = 0;
+        break;
+    case VK_LEFT:
+    case VK_RIGHT:
+        RequestSectionSync();
+        Key = 0;
+        break;
+    case VK_MULTIPLY:
+    case VK_DELETE:
+        Key = 0;
+        break;
+    default:
+        break;
+    }
+}
+
+bool TDateTimePickerOxa::focusNextPrevChild(bool next)
+{
+    // Tab leaves the picker instead of walking through its sections.
+    return QWidget::focusNextPrevChild(next);
+}
+
+void TDateTimePickerOxa::stepBy(int steps)
+{
+    // Stepping belongs to the section rules (keys), not to Qt's spin box.
+    Q_UNUSED(steps);
+}
+
+void TDateTimePickerOxa::wheelEvent(QWheelEvent *event)
+{
+    event->ignore();
+}
+
+// --- notifications ------------------------------------------------------------------
+
+// The control changed its date: by typing, or (emulated) by a step key.
+void TDateTimePickerOxa::DateTimeChanged()
+{
+    if (!FDroppedDown) {
+        bool changed = true;
+        switch (FLastKey) {
+        case VK_UP:
+        case VK_ADD:
+            changed = StepDate(1);
+            break;
+        case VK_DOWN:
+        case VK_SUBTRACT:
+            changed = StepDate(-1);
+            break;
+        case VK_LEFT:
+        case VK_RIGHT:
+            break;
+        default:
+            SendKeyDown(this, VK_RIGHT); // a typed digit moves on to the next section
+            break;
+        }
+        if (changed)
+            FireChange();
+    }
+    AfterNotification();
+}
+
+// One day, month or year by the section. Going back is blocked when the day
+// before lies before MinDate, except on the first two days of the calendar.
+bool TDateTimePickerOxa::StepDate(int direction)
+{
+    const TDateTime current = DateTime();
+    if (direction < 0 && DateOf(current) - 1 < FMinDate && DateOf(current) > 1)
+        return false;
+    TDateTime next = current;
+    if (FSection == kDaySection)
+        next = IncDay(current, direction);
+    else if (FSection == kMonthSection)
+        next = IncMonth(current, direction);
+    else
+        next = IncYear(current, direction);
+    return MsgSetDateTime(next) && next != current;
+}
+
+void TDateTimePickerOxa::DroppedDown()
+{
+    FDroppedDown = true;
+    AfterNotification();
+}
+
+void TDateTimePickerOxa::ClosedUp()
+{
+    FDroppedDown = false;
+    const QDate selected = calendarWidget()->selectedDate();
+    const TDateTime chosen = QDateToDateTime(selected);
+    if (selected.isValid() && !(SameDate(chosen, DateTime()) && SameDate(chosen, FMinDate))) {
+        MsgSetDateTime(ComposeDateTime(chosen, FTimeOfDay));
+        if (OnCloseUp)
+            OnCloseUp(this);
+        Q_EMIT closedUp();
+        FireChange();
+        FSection = kDaySection;
+        RequestSectionSync();
+    }
+    AfterNotification();
+}
+
+void TDateTimePickerOxa::FireChange()
+{
+    if (OnChange)
+        OnChange(this);
+    Q_EMIT changed();
+}
+
+void TDateTimePickerOxa::OpenCalendar()
+{
+    QWidget *popup = calendarWidget()->window();
+    if (isReadOnly() || popup->isVisible())
+        return;
+    popup->move(mapToGlobal(rect().bottomLeft()));
+    popup->show();
+}
+
+bool TDateTimePickerOxa::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == calendarWidget()) {
+        // The calendar shows and hides with its popup, after the popup's own
+        // handling (which may put the old date back when it is cancelled).
+        if (event->type() == QEvent::Show)
+            HandleExceptions(this, [this] { DroppedDown(); });
+        else if (event->type() == QEvent::Hide)
+            HandleExceptions(this, [this] { ClosedUp(); });
+    } else if (watched == lineEdit() && event->type() == QEvent::MouseButtonPress) {
+        // The text field covers most of the picker: its click is the
+        // picker's click, evaluated after the field placed the caret.
+        auto *mouse = static_cast<QMouseEvent *>(event);
+        static_cast<QObject *>(lineEdit())->event(event);
+        if (mouse->button() == Qt::LeftButton) {
+            const int x = lineEdit()->mapTo(this, mouse->position().toPoint()).x();
+            HandleExceptions(this, [this, x] { ClickAt(x); });
+        }
+        return true;
+    }
+    return Base::eventFilter(watched, event);
+}
+
+// --- mouse and sections -------------------------------------------------------------
+
+void TDateTimePickerOxa::mousePressEvent(QMouseEvent *event)
+{
+    Base::mousePressEvent(event);
+    if (event->button() == Qt::LeftButton) {
+        const int x = event->position().toPoint().x();
+        HandleExceptions(this, [this, x] { ClickAt(x); });
+    }
+}
+
+void TDateTimePickerOxa::ClickAt(int x)
+{
+    FPrevSection = FSection;
+    FSection = quint8(VyhodnotStisk(x));
+    RequestSectionSync();
+}
+
+QWidget *TDateTimePickerOxa::FindCanvas() const
+{
+    for (QWidget *w = parentWidget(); w; w = w->parentWidget()) {
+        if (w->isWindow())
+            return w;
+    }
+    throw Exception(QStringLiteral("Neexistuje parent třídy TForm"));
+}
+
+int TDateTimePickerOxa::VyhodnotStisk(int x)
+{
+    if (x < 2 || FDroppedDown)
+        return FSection;
+    const QFontMetrics metrics(font(), FindCanvas());
+    const QStringList fields = text().split(QLatin1Char('.'));
+    const QString first = fields.value(0);
+    if (FFormat.isEmpty() || FFormat == kDayFormat) {
+        const QString day = (first + QLatin1Char('.')).left(3);
+        if (metrics.horizontalAdvance(day) + 1 >= x)
+            return kDaySection;
+        const QString dayMonth = (first + QLatin1Char('.') + fields.value(1) + QLatin1Char('.')).left(6);
+        return metrics.horizontalAdvance(dayMonth) + 1 < x ? kYearSection : kMonthSection;
+    }
+    if (IsMonthYearFormat()) {
+        // Counted from the right-hand edge, unlike the day format.
+        const int month = metrics.horizontalAdvance(first.left(4));
+        const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
+        return width() - month - scrollBar - 9 < x ? kYearSection : kMonthSection;
+    }
+    return kDaySection;
+}
+
+void TDateTimePickerOxa::RequestSectionSync()
+{
+    if (m_keyDepth > 0)
+        m_sectionSyncPending = true;
+    else
+        SyncSection();
+}
+
+// Qt's current section follows the picker's, so that the highlighted part
+// is the one the step keys change and typing replaces.
+void TDateTimePickerOxa::SyncSection()
+{
+    m_sectionSyncPending = false;
+    const QDateTimeEdit::Section section = qtSection(FSection);
+    if (!hasFocus() || !(displayedSections() & section) || isBlankFormat(FFormat))
+        return;
+    setCurrentSection(section);
+    setSelectedSection(section);
+}
+
+// --- focus and painting ----------------------------------------------------------------
+
+void TDateTimePickerOxa::focusInEvent(QFocusEvent *event)
+{
+    SetFocusRule();
+    Base::focusInEvent(event);
+    if (event->reason() != Qt::MouseFocusReason && event->reason() != Qt::PopupFocusReason)
+        RequestSectionSync();
+}
+
+void TDateTimePickerOxa::focusOutEvent(QFocusEvent *event)
+{
+    KillFocusRule();
+    Base::focusOutEvent(event);
+}
+
+void TDateTimePickerOxa::paintEvent(QPaintEvent *event)
+{
+    PaintRule();
+    Base::paintEvent(event);
+}
+
+void TDateTimePickerOxa::DoEnter()
+{
+    Base::DoEnter();
+    SetColor(FActiveColor);
+}
+
+void TDateTimePickerOxa::DoExit()
+{
+    Base::DoExit();
+    SetColor(FDefaultColor);
+}
+
+void TDateTimePickerOxa::Loaded()
+{
+    Base::Loaded();
+    SetColor(FDefaultColor);
+}
+
+void RegisterDateTimePickerOxa()
+{
+    Catalogue::Instance().RegisterComponents({WidgetEntry<TDateTimePickerOxa>(
+        QStringLiteral("Oxa"), QStringLiteral("TDateTimePickerOxa"),
+        QStringLiteral("DateTimePickerOxa"), QStringLiteral("oxa/controls/DateTimePickerOxa.h"))});
+}
+
+} // namespace oxa

@@ -1,0 +1,142 @@
+#pragma once
+
+#include "oxa/toolkit/Color.h"
+#include "oxa/toolkit/DateUtils.h"
+#include "oxa/toolkit/FocusNavigation.h"
+
+#include <QDateEdit>
+#include <QString>
+
+namespace oxa {
+
+// The drop-down date picker of the data-entry forms: a QDateEdit with a
+// calendar popup, the focus neighbours and focus colours of the edits, and
+//  - an empty date: the date equal to MinDate (initially 0, 30.12.1899),
+//    shown as a blank field while the picker does not hold the focus;
+//  - a section (day, month, year) chosen by Left/Right and by clicks, which
+//    Up/Down and keypad plus/minus step with IncDay/IncMonth/IncYear;
+//    typing a digit that changes the date moves on to the next section;
+//  - quick keys: keypad star today, Delete the empty date; F4 and Alt+Down
+//    open the calendar.
+// Format takes the display formats "dd.MM.yyyy" (also what an empty Format
+// shows) and "MMMM.yyyy"; a Format of a single space shows the blank field.
+// Month names are those of the Czech locale. Qt's own stepping (wheel,
+// PageUp/PageDown) is off: the section rules alone change the date.
+class TDateTimePickerOxa : public TFocusNavigation<TDateTimePickerOxa, QDateEdit>
+{
+    Q_OBJECT
+    Q_PROPERTY(oxa::TColor ActiveColor READ ActiveColor WRITE SetActiveColor)
+    Q_PROPERTY(oxa::TColor DefaultColor READ DefaultColor WRITE SetDefaultColor)
+    Q_PROPERTY(double Date READ Date WRITE SetDate)
+    Q_PROPERTY(double DateTime READ DateTime WRITE SetDateTime)
+    Q_PROPERTY(double MinDate READ MinDate WRITE SetMinDate)
+    Q_PROPERTY(QString Format READ Format WRITE SetFormat)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+
+    using Base = TFocusNavigation<TDateTimePickerOxa, QDateEdit>;
+
+public:
+    explicit TDateTimePickerOxa(QWidget *owner = nullptr);
+    ~TDateTimePickerOxa() override;
+
+    TColor ActiveColor() const { return FActiveColor; }
+    void SetActiveColor(TColor color) { FActiveColor = color; }
+    TColor DefaultColor() const { return FDefaultColor; }
+    void SetDefaultColor(TColor color) { FDefaultColor = color; }
+
+    // The date with its time of day; a date outside MinDate and the last
+    // day of 9999 is refused (see MsgSetDateTime) and the old one stays.
+    TDateTime DateTime() const;
+    void SetDateTime(TDateTime value);
+    // The whole days; setting keeps the time of day.
+    TDateTime Date() const;
+    void SetDate(TDateTime value);
+
+    // The earliest date, which is also the empty date. A later MinDate moves
+    // an earlier date up to it.
+    TDateTime MinDate() const { return FMinDate; }
+    void SetMinDate(TDateTime value);
+
+    QString Format() const { return FFormat; }
+    void SetFormat(const QString &format);
+
+    // Whether the date's day is MinDate's day.
+    bool EmptyDate() const;
+
+    // The section (0 day, 1 month, 2 year) that a click at x, in the
+    // picker's coordinates, hits. Throws oxa::Exception when the picker
+    // stands in no window.
+    int VyhodnotStisk(int x);
+    // The window whose font metrics measure the picker's text.
+    QWidget *FindCanvas() const;
+
+    TNotifyEvent OnChange;
+    TNotifyEvent OnCloseUp;
+
+Q_SIGNALS:
+    void changed();
+    void closedUp();
+
+protected:
+    // Sets the date in the control; a date the control refuses shows a
+    // message box captioned "Chyba nastaveni" with the picker's name.
+    virtual bool MsgSetDateTime(TDateTime value);
+
+    void KeyDown(Word &Key, TShiftState Shift) override;
+    void DoEnter() override;
+    void DoExit() override;
+    void Loaded() override;
+
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+    void stepBy(int steps) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    bool IsMonthYearFormat() const;
+    bool HoldsFocus() const;
+    void WMKeyDown(Word key, TShiftState shift);
+    void PlatformKeyDown(Word &Key, TShiftState Shift);
+    void ClickAt(int x);
+    void DateTimeChanged();
+    void DroppedDown();
+    void ClosedUp();
+    void AfterNotification();
+    bool StepDate(int direction);
+    void FireChange();
+    void SetFormatField(const QString &format);
+    void ApplyFormat();
+    void SetFocusRule();
+    void KillFocusRule();
+    void PaintRule();
+    void RequestSectionSync();
+    void SyncSection();
+    void OpenCalendar();
+
+    TColor FActiveColor = clYellow;
+    TColor FDefaultColor = clWindow;
+    Word FLastKey = 0;
+    quint8 FSection = 0;
+    quint8 FPrevSection = 0;
+    bool FDroppedDown = false;
+    QString FSavedFormat;
+    QString FFormat;
+    TDateTime FMinDate = 0;
+    TDateTime FTimeOfDay = 0;
+    // Dates set by the picker itself are not the control's notification.
+    bool m_settingDate = false;
+    int m_keyDepth = 0;
+    bool m_sectionSyncPending = false;
+};
+
+void RegisterDateTimePickerOxa();
+
+} // namespace oxa

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "oxa/controls/OxaPopupMenu.h"
+#include "oxa/toolkit/FocusNavigation.h"
+
+#include <QLineEdit>
+#include <QMenu>
+#include <QPointer>
+
+namespace oxa {
+
+// The library's single-line text edit: Ctrl+arrow focus navigation, focus
+// colouring, the Czech context menu with the character map, and an optional
+// correction of typed diacritic sequences ("a -> ä and the like).
+//
+// The context menu: on entry (when MapaZnaku is set and the edit is enabled
+// and writable) the edit builds a TOxaPopUpMenu of its own, or adds a
+// "Mapa znaků..." item to the menu the host gave it through PopupMenu; on
+// exit it destroys its own menu, or takes the item out of the host's menu
+// again. Right-click shows PopupMenu when there is one; an edit without a
+// menu (read-only, MapaZnaku off, not entered yet) shows Qt's standard
+// context menu of a line edit, as the platform's edit control does.
+class TEditOxa : public TFocusNavigation<TEditOxa, QLineEdit>
+{
+    Q_OBJECT
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
+    Q_PROPERTY(bool IsFocused READ IsFocused)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+    Q_PROPERTY(bool KorekceTextu READ KorekceTextu WRITE SetKorekceTextu)
+    Q_PROPERTY(bool MapaZnaku READ MapaZnaku WRITE SetMapaZnaku)
+    Q_PROPERTY(QMenu *PopupMenu READ PopupMenu WRITE SetPopupMenu)
+
+    using Base = TFocusNavigation<TEditOxa, QLineEdit>;
+
+public:
+    explicit TEditOxa(QWidget *parent = nullptr);
+
+    TColor ActiveColor() const { return FActiveColor; }
+    void SetActiveColor(TColor color) { FActiveColor = color; }
+    TColor DefaultColor() const { return FDefaultColor; }
+    void SetDefaultColor(TColor color) { FDefaultColor = color; }
+    bool IsFocused() const { return FIsFocused; }
+
+    bool KorekceTextu() const { return FKorekceTextu; }
+    void SetKorekceTextu(bool on) { FKorekceTextu = on; }
+    bool MapaZnaku() const { return fMapaZnaku; }
+    void SetMapaZnaku(bool on) { fMapaZnaku = on; }
+
+    // The context menu; the host may set a menu of its own (not owned).
+    QMenu *PopupMenu() const { return FPopupMenu; }
+    void SetPopupMenu(QMenu *menu);
+
+    // Handlers of the edit's TOxaPopUpMenu.
+    void PopUpOnItemClick(QObject *Sender, TItemTyp Item, QChar Key);
+    void PopUpOnPopUp(QObject *Sender);
+    // Click handler of the "Mapa znaků..." item added to a host menu.
+    void PopUpMapaZnaku(QObject *Sender);
+
+    TNotifyEvent OnChange;
+    TNotifyEvent OnClick;
+
+protected:
+    // Runs on every change of the text: the correction when KorekceTextu is
+    // set, then OnChange.
+    virtual void Change();
+
+    void DoEnter() override;
+    void DoExit() override;
+
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+
+private:
+    void attachPopupMenu();
+    void detachPopupMenu();
+    void replaceSelection(QChar key);
+
+    TColor FActiveColor = clYellow;
+    TColor FDefaultColor = clWindow;
+    bool FIsFocused = false;
+    bool FKorekceTextu = false;
+    bool fMapaZnaku = true;
+    QPointer<QMenu> FPopupMenu;
+    QPointer<TOxaPopUpMenu> FOwnMenu; // the menu this edit built on entry
+    QPointer<QAction> itemMapaZnaku;  // owned by the edit, lent to a host menu
+};
+
+// Replaces the typed sequences "a "e "o "u "A "E "O "U in the edit's text
+// with ä ë ö ü Ä Ë Ö Ü (the first occurrence of each per call) and keeps the
+// caret beside the text it stood by. Returns whether anything was replaced.
+bool ProvedKorekciTextu(QLineEdit *edit);
+
+// The replacement of s when s is exactly one of the typed sequences,
+// otherwise s itself; changed tells whether the result differs from s.
+QString GetKorigovanySubString(const QString &s, bool &changed);
+
+void RegisterEditOxa();
+
+} // namespace oxa

@@ -1,0 +1,373 @@
+#include "oxa/controls/ErrorProvider.h"
+
+#include "oxa/toolkit/Catalogue.h"
+#include "oxa/toolkit/MessageService.h"
+
+#include <QEvent>
+#include <QMouseEvent>
+#include <QTimer>
+
+#include <utility>
+
+namespace oxa {
+
+namespace {
+
+const char *resourceName(TErrorType type)
+{
+    switch (type) {
+    case etError: return "ERROR";
+    case etWarning: return "WARNING";
+    case etInformation: return "INFORMATION";
+    case etConfirmation: return "CONFIRMATION";
+    }
+    return "ERROR";
+}
+
+TMsgDlgType messageType(TErrorType type)
+{
+    switch (type) {
+    case etError: return mtError;
+    case etWarning: return mtWarning;
+    case etInformation: return mtInformation;
+    case etConfirmation: return mtConfirmation;
+    }
+    return mtError;
+}
+
+bool isLeftOfControl(TJustifyType justify)
+{
+    return justify == jtTopLeft || justify == jtBottomLeft || justify == jtCenterLeft;
+}
+
+int markLeft(const QRect &control, TJustifyType justify)
+{
+    const int gap = 2;
+    return isLeftOfControl(justify) ? control.left() - TErrorImage::ImageSize - gap
+                                    : control.left() + control.width() + gap;
+}
+
+int markTop(const QRect &control, TJustifyType justify)
+{
+    switch (justify) {
+    case jtTopLeft:
+    case jtTopRight:
+        return control.top();
+    case jtCenterRight:
+    case jtCenterLeft:
+        // Integer division rounds toward zero, also for controls lower than the mark.
+        return control.top() + (control.height() - TErrorImage::ImageSize) / 2;
+    case jtBottomLeft:
+    case jtBottomRight:
+        return control.top() + control.height() - TErrorImage::ImageSize;
+    }
+    return control.top();
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- TErrorImage
+
+TErrorImage::TErrorImage(QWidget *parent)
+    : QLabel(parent)
+{
+    setFixedSize(ImageSize, ImageSize);
+    setAlignment(Qt::AlignCenter);
+}
+
+void TErrorImage::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    event->accept();
+    Q_EMIT DblClick(this);
+}
+
+void TErrorImage::Attach(QWidget *control, TJustifyType justify)
+{
+    fControl = control;
+    fControlKey = control;
+    fJustify = justify;
+    FollowControl();
+}
+
+void TErrorImage::FollowControl()
+{
+    QWidget *controlParent = fControl ? fControl->parentWidget() : nullptr;
+    if (parentWidget() != controlParent)
+        setParent(controlParent); // hides the mark; ApplyVisibility shows it again
+    PlaceBesideControl();
+    if (controlParent)
+        raise();
+    ApplyVisibility();
+}
+
+void TErrorImage::PlaceBesideControl()
+{
+    if (!fControl)
+        return;
+    const QRect geometry = fControl->geometry();
+    move(markLeft(geometry, fJustify), markTop(geometry, fJustify));
+}
+
+void TErrorImage::SetShown(bool shown)
+{
+    fShown = shown;
+    ApplyVisibility();
+}
+
+void TErrorImage::ApplyVisibility()
+{
+    // A mark without a parent would become a window of its own: keep it hidden.
+    const bool onForm = parentWidget() && fControl && !fControl->isHidden();
+    setVisible(fShown && onForm);
+}
+
+// ------------------------------------------------------------- TErrorProvider
+
+TErrorProvider::TErrorProvider(QObject *aOwner)
+    : QObject(aOwner)
+    , fTimer(new QTimer(this))
+{
+    fTimer->setInterval(fBlickInterval);
+    connect(fTimer, &QTimer::timeout, this, [this] {
+        // BeginUpdate detaches the handler: the timer runs on, blinking pauses.
+        if (!fUpdating)
+            OnTimer();
+    });
+}
+
+TErrorProvider::~TErrorProvider()
+{
+    fTimer->stop();
+    ClearAllErrors();
+}
+
+void TErrorProvider::SetError(QWidget *aControl, const QString &aErrorText,
+                              TErrorType aErrorType, TJustifyType aJustify)
+{
+    if (!aControl)
+        return;
+    if (aErrorText.isEmpty()) {
+        ClearError(aControl);
+        return;
+    }
+    const QString name = aControl->objectName();
+    const qsizetype index = IndexOf(fErrorList, name);
+    if (index >= 0) {
+        TErrorImage *existing = fErrorList.at(index).Image;
+        if (existing->fErrorType < aErrorType) {
+            // A weaker message never replaces a stronger one; remind of it instead.
+            Blick(existing, name);
+            return;
+        }
+        ClearError(aControl);
+    }
+    TErrorImage *image = CreateImage(aControl, aErrorText, aErrorType, aJustify);
+    fErrorList.append({name, image});
+    Blick(image, name);
+}
+
+TErrorImage *TErrorProvider::CreateImage(QWidget *aControl, const QString &aErrorText,
+                                         TErrorType aErrorType, TJustifyType aJustify)
+{
+    auto *image = new TErrorImage(aControl->parentWidget());
+    image->setObjectName(QStringLiteral("ErrorImage_") + aControl->objectName());
+    image->setToolTip(aErrorText);
+    image->setPixmap(ErrorBitmap(aErrorType));
+    image->fErrorType = aErrorType;
+    image->fShown = !fUpdating;
+    image->Attach(aControl, aJustify);
+    connect(image, &TErrorImage::DblClick, this, &TErrorProvider::OnDblClick);
+    connect(image, &QObject::destroyed, this, &TErrorProvider::ImageDestroyed);
+    WatchControl(aControl);
+    return image;
+}
+
+void TErrorProvider::ClearError(QWidget *aControl)
+{
+    if (!aControl)
+        return;
+    fTimer->stop();
+    const QString name = aControl->objectName();
+    const qsizetype blickIndex = IndexOf(fBlickList, name);
+    if (blickIndex >= 0)
+        fBlickList.removeAt(blickIndex);
+    const qsizetype index = IndexOf(fErrorList, name);
+    if (index >= 0)
+        FreeImage(fErrorList.takeAt(index).Image);
+    if (!fBlickList.isEmpty())
+        fTimer->start();
+}
+
+void TErrorProvider::ClearAllErrors()
+{
+    fTimer->stop();
+    // Take the lists first: freeing an image must not find itself in them.
+    const TMarkList marks = std::exchange(fErrorList, {});
+    fBlickList.clear();
+    for (const TMarkEntry &mark : marks)
+        FreeImage(mark.Image);
+}
+
+void TErrorProvider::FreeImage(TErrorImage *image)
+{
+    disconnect(image, nullptr, this, nullptr);
+    QWidget *control = image->fControl;
+    image->hide();
+    delete image;
+    if (control && !IsMarked(control))
+        UnwatchControl(control);
+}
+
+void TErrorProvider::BeginUpdate()
+{
+    fUpdating = true;
+}
+
+void TErrorProvider::EndUpdate()
+{
+    fUpdating = false;
+    fVisible = true;
+}
+
+void TErrorProvider::Blick(TErrorImage *image, const QString &name)
+{
+    if (!image)
+        return;
+    if (IndexOf(fBlickList, name) < 0)
+        fBlickList.append({name, image});
+    image->fNumberOfBlick = BlickSteps;
+    fTimer->stop();
+    fTimer->setInterval(fBlickInterval);
+    fTimer->start();
+}
+
+void TErrorProvider::OnTimer()
+{
+    if (fBlickList.isEmpty())
+        return;
+    fVisible = !fVisible;
+    fTimer->stop();
+    for (qsizetype i = fBlickList.size() - 1; i >= 0; --i) {
+        TErrorImage *image = fBlickList.at(i).Image;
+        if (image->fNumberOfBlick < 1) {
+            image->SetShown(true);
+            fBlickList.removeAt(i);
+        } else {
+            image->SetShown(fVisible);
+        }
+        --image->fNumberOfBlick;
+    }
+    if (!fBlickList.isEmpty())
+        fTimer->start();
+}
+
+void TErrorProvider::OnDblClick(TErrorImage *sender)
+{
+    MessageService::MessageDlg(sender->Hint(), messageType(sender->fErrorType), mbOK,
+                               sender->window());
+}
+
+void TErrorProvider::SetBlickInterval(int aMilliseconds)
+{
+    fBlickInterval = qMax(1, aMilliseconds);
+    fTimer->setInterval(fBlickInterval);
+}
+
+TErrorImage *TErrorProvider::ErrorImage(const QWidget *aControl) const
+{
+    return aControl ? ErrorImage(aControl->objectName()) : nullptr;
+}
+
+TErrorImage *TErrorProvider::ErrorImage(const QString &aName) const
+{
+    const qsizetype index = IndexOf(fErrorList, aName);
+    return index >= 0 ? fErrorList.at(index).Image : nullptr;
+}
+
+QPixmap TErrorProvider::ErrorBitmap(TErrorType aErrorType)
+{
+    return QPixmap(QStringLiteral(":/oxa/ErrorProvider/") + QLatin1String(resourceName(aErrorType)));
+}
+
+qsizetype TErrorProvider::IndexOf(const TMarkList &list, const QString &name)
+{
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        if (list.at(i).Name == name)
+            return i;
+    }
+    return -1;
+}
+
+// --- following the marked controls
+
+void TErrorProvider::WatchControl(QWidget *control)
+{
+    control->installEventFilter(this);
+    connect(control, &QObject::destroyed, this, &TErrorProvider::ControlDestroyed,
+            Qt::UniqueConnection);
+}
+
+void TErrorProvider::UnwatchControl(QWidget *control)
+{
+    control->removeEventFilter(this);
+    disconnect(control, &QObject::destroyed, this, &TErrorProvider::ControlDestroyed);
+}
+
+bool TErrorProvider::IsMarked(const QObject *control) const
+{
+    for (const TMarkEntry &mark : fErrorList) {
+        if (mark.Image->fControlKey == control)
+            return true;
+    }
+    return false;
+}
+
+bool TErrorProvider::eventFilter(QObject *watched, QEvent *event)
+{
+    const QEvent::Type type = event->type();
+    const bool follows = type == QEvent::Move || type == QEvent::Resize
+                         || type == QEvent::ShowToParent || type == QEvent::HideToParent
+                         || type == QEvent::ParentChange;
+    if (follows) {
+        for (const TMarkEntry &mark : fErrorList) {
+            if (mark.Image->fControlKey == watched)
+                mark.Image->FollowControl();
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void TErrorProvider::ControlDestroyed(QObject *control)
+{
+    fTimer->stop();
+    for (qsizetype i = fErrorList.size() - 1; i >= 0; --i) {
+        TErrorImage *image = fErrorList.at(i).Image;
+        if (image->fControlKey != control)
+            continue;
+        fBlickList.removeIf([image](const TMarkEntry &e) { return e.Image == image; });
+        fErrorList.removeAt(i);
+        disconnect(image, nullptr, this, nullptr);
+        delete image;
+    }
+    if (!fBlickList.isEmpty())
+        fTimer->start();
+}
+
+void TErrorProvider::ImageDestroyed(QObject *image)
+{
+    // The mark went with its parent widget before the provider freed it.
+    auto sameImage = [image](const TMarkEntry &e) { return e.Image == image; };
+    fBlickList.removeIf(sameImage);
+    fErrorList.removeIf(sameImage);
+    if (fBlickList.isEmpty())
+        fTimer->stop();
+}
+
+void RegisterErrorProvider()
+{
+    Catalogue::Instance().RegisterComponents({ComponentEntry<TErrorProvider>(
+        QStringLiteral("Oxa"), QStringLiteral("TErrorProvider"), QStringLiteral("ErrorProvider"),
+        QStringLiteral("oxa/controls/ErrorProvider.h"))});
+}
+
+} // namespace oxa

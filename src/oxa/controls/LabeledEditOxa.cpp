@@ -1,0 +1,134 @@
+#include "oxa/controls/LabeledEditOxa.h"
+
+#include "oxa/toolkit/Catalogue.h"
+
+#include <QEvent>
+
+namespace oxa {
+
+TLabeledEditOxa::TLabeledEditOxa(QWidget *parent)
+    : Base(parent)
+    , FEditLabel(new QLabel(parent))
+{
+    FEditLabel->setObjectName(QStringLiteral("SubEditLabel"));
+    FEditLabel->setBuddy(this);
+    // A label without a parent would be a window of its own: it stays
+    // hidden until the edit is placed on a parent.
+    if (!parent)
+        FEditLabel->hide();
+    SetColor(FDefaultColor);
+    placeLabel();
+}
+
+TLabeledEditOxa::~TLabeledEditOxa()
+{
+    delete FEditLabel; // may already be gone with the parent
+}
+
+QString TLabeledEditOxa::LabelCaption() const
+{
+    return FEditLabel ? FEditLabel->text() : QString();
+}
+
+void TLabeledEditOxa::SetLabelCaption(const QString &caption)
+{
+    if (!FEditLabel)
+        return;
+    FEditLabel->setText(caption);
+    placeLabel();
+}
+
+void TLabeledEditOxa::SetLabelPosition(TLabelPosition position)
+{
+    FLabelPosition = position;
+    placeLabel();
+}
+
+void TLabeledEditOxa::SetLabelSpacing(int spacing)
+{
+    FLabelSpacing = spacing;
+    placeLabel();
+}
+
+void TLabeledEditOxa::placeLabel()
+{
+    if (!FEditLabel)
+        return;
+    FEditLabel->adjustSize();
+    const QSize label = FEditLabel->size();
+    const int middle = y() + (height() - label.height()) / 2;
+    QPoint at;
+    switch (FLabelPosition) {
+    case lpAbove: at = {x(), y() - label.height() - FLabelSpacing}; break;
+    case lpBelow: at = {x(), y() + height() + FLabelSpacing}; break;
+    case lpLeft: at = {x() - label.width() - FLabelSpacing, middle}; break;
+    case lpRight: at = {x() + width() + FLabelSpacing, middle}; break;
+    }
+    FEditLabel->move(at);
+}
+
+void TLabeledEditOxa::followParent()
+{
+    if (!FEditLabel)
+        return;
+    QWidget *parent = parentWidget();
+    FEditLabel->setParent(parent);
+    // Shown with the new parent unless the edit itself was hidden.
+    if (parent)
+        FEditLabel->setHidden(isHidden() && testAttribute(Qt::WA_WState_ExplicitShowHide));
+    placeLabel();
+}
+
+void TLabeledEditOxa::DoEnter()
+{
+    FIsFocused = true;
+    SetColor(FActiveColor);
+    Base::DoEnter();
+}
+
+void TLabeledEditOxa::DoExit()
+{
+    FIsFocused = false;
+    SetColor(FDefaultColor);
+    Base::DoExit();
+}
+
+void TLabeledEditOxa::changeEvent(QEvent *event)
+{
+    Base::changeEvent(event);
+    if (event->type() == QEvent::ParentChange)
+        followParent();
+    else if (event->type() == QEvent::EnabledChange && FEditLabel)
+        FEditLabel->setEnabled(isEnabled());
+}
+
+void TLabeledEditOxa::moveEvent(QMoveEvent *event)
+{
+    Base::moveEvent(event);
+    placeLabel();
+}
+
+void TLabeledEditOxa::resizeEvent(QResizeEvent *event)
+{
+    Base::resizeEvent(event);
+    placeLabel();
+}
+
+bool TLabeledEditOxa::event(QEvent *event)
+{
+    // Shown or hidden by the program, not merely with its window.
+    if (FEditLabel && event->type() == QEvent::ShowToParent && parentWidget())
+        FEditLabel->show();
+    else if (FEditLabel && event->type() == QEvent::HideToParent)
+        FEditLabel->hide();
+    return Base::event(event);
+}
+
+void RegisterLabeledEditOxa()
+{
+    Catalogue::Instance().RegisterComponents({WidgetEntry<TLabeledEditOxa>(
+        QStringLiteral("Oxa"), QStringLiteral("TLabeledEditOxa"), QStringLiteral("LabeledEditOxa"),
+        QStringLiteral("oxa/controls/LabeledEditOxa.h"))});
+}
+
+} // namespace oxa

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "oxa/toolkit/FocusNavigation.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+
+namespace oxa {
+
+// A single-line edit with a caption label, Ctrl+arrow focus navigation and
+// focus colouring. The label (EditLabel) is created on the edit's parent and
+// kept beside the edit, LabelSpacing pixels away on the LabelPosition side;
+// it follows the edit's visibility, enabled state and parent, and is
+// destroyed with the edit. Meant for forms with placed (not laid-out)
+// controls, like the designer's.
+//
+// Unlike the library's other controls, Loaded keeps the colour the control
+// was given.
+class TLabeledEditOxa : public TFocusNavigation<TLabeledEditOxa, QLineEdit>
+{
+    Q_OBJECT
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
+    Q_PROPERTY(bool IsFocused READ IsFocused)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+    Q_PROPERTY(QLabel *EditLabel READ EditLabel)
+    Q_PROPERTY(QString LabelCaption READ LabelCaption WRITE SetLabelCaption)
+    Q_PROPERTY(TLabelPosition LabelPosition READ LabelPosition WRITE SetLabelPosition)
+    Q_PROPERTY(int LabelSpacing READ LabelSpacing WRITE SetLabelSpacing)
+
+    using Base = TFocusNavigation<TLabeledEditOxa, QLineEdit>;
+
+public:
+    enum TLabelPosition { lpAbove, lpBelow, lpLeft, lpRight };
+    Q_ENUM(TLabelPosition)
+
+    explicit TLabeledEditOxa(QWidget *parent = nullptr);
+    ~TLabeledEditOxa() override;
+
+    TColor ActiveColor() const { return FActiveColor; }
+    void SetActiveColor(TColor color) { FActiveColor = color; }
+    TColor DefaultColor() const { return FDefaultColor; }
+    void SetDefaultColor(TColor color) { FDefaultColor = color; }
+    bool IsFocused() const { return FIsFocused; }
+
+    QLabel *EditLabel() const { return FEditLabel; }
+    QString LabelCaption() const;
+    // Sets the label's text and sizes the label to it.
+    void SetLabelCaption(const QString &caption);
+    TLabelPosition LabelPosition() const { return FLabelPosition; }
+    void SetLabelPosition(TLabelPosition position);
+    int LabelSpacing() const { return FLabelSpacing; }
+    void SetLabelSpacing(int spacing);
+
+protected:
+    void DoEnter() override;
+    void DoExit() override;
+
+    void changeEvent(QEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    bool event(QEvent *event) override;
+
+private:
+    void placeLabel();
+    void followParent();
+
+    TColor FActiveColor = clYellow;
+    TColor FDefaultColor = clWindow;
+    bool FIsFocused = false;
+    QPointer<QLabel> FEditLabel;
+    TLabelPosition FLabelPosition = lpAbove;
+    int FLabelSpacing = 3;
+};
+
+void RegisterLabeledEditOxa();
+
+} // namespace oxa

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "oxa/toolkit/FocusNavigation.h"
+
+#include <QPlainTextEdit>
+
+namespace oxa {
+
+// A multi-line text with Ctrl+arrow focus navigation and focus colouring.
+// Plain arrows keep moving the caret inside the text; only Ctrl+arrow
+// leaves for a neighbour.
+class TMemoOxa : public TFocusNavigation<TMemoOxa, QPlainTextEdit>
+{
+    Q_OBJECT
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
+    Q_PROPERTY(bool IsFocused READ IsFocused)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+
+    using Base = TFocusNavigation<TMemoOxa, QPlainTextEdit>;
+
+public:
+    explicit TMemoOxa(QWidget *parent = nullptr);
+
+    TColor ActiveColor() const { return FActiveColor; }
+    void SetActiveColor(TColor color) { FActiveColor = color; }
+    TColor DefaultColor() const { return FDefaultColor; }
+    void SetDefaultColor(TColor color) { FDefaultColor = color; }
+    bool IsFocused() const { return FIsFocused; }
+
+protected:
+    void DoEnter() override;
+    void DoExit() override;
+    void Loaded() override;
+
+private:
+    TColor FActiveColor = clYellow;
+    TColor FDefaultColor = clWindow;
+    bool FIsFocused = false;
+};
+
+void RegisterMemoOxa();
+
+} // namespace oxa

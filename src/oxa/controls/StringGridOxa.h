@@ -1,0 +1,73 @@
+#pragma once
+
+#include "oxa/toolkit/Color.h"
+#include "oxa/toolkit/FocusNavigation.h"
+#include "oxa/toolkit/StringGrid.h"
+
+#include <functional>
+
+namespace oxa {
+
+// The string grid of the data-entry family: Ctrl+arrow moves the focus to
+// the neighbours FocUp/FocDown/FocLeft/FocRight, plain arrows move between
+// cells, and cells are coloured by state:
+//   selected, grid focused    ActiveColor
+//   selected, grid unfocused  DeactiveColor, text in DeactiveTextColor
+//   fixed                     FixedColor
+//   other                     DefaultColor, or CantSelectColor where
+//                             CanSelectCell refuses the cell
+// BeforeDrawCell runs for every cell after these colours are set on the
+// canvas and before the cell is drawn.
+class TStringGridOxa : public TFocusNavigation<TStringGridOxa, TStringGrid>
+{
+    Q_OBJECT
+    Q_PROPERTY(oxa::TColor CantSelectColor READ CantSelectColor WRITE SetCantSelectColor)
+    Q_PROPERTY(oxa::TColor ActiveColor READ ActiveColor WRITE SetActiveColor)
+    Q_PROPERTY(oxa::TColor DefaultColor READ DefaultColor WRITE SetDefaultColor)
+    Q_PROPERTY(oxa::TColor DeactiveTextColor READ DeactiveTextColor WRITE SetDeactiveTextColor)
+    Q_PROPERTY(oxa::TColor DeactiveColor READ DeactiveColor WRITE SetDeactiveColor)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+
+public:
+    using TCanSelectCellEvent = std::function<void(int ACol, int ARow, bool &CanSelect)>;
+
+    explicit TStringGridOxa(QWidget *parent = nullptr);
+
+    TColor CantSelectColor() const { return FCantSelectColor; }
+    void SetCantSelectColor(TColor Value);
+    TColor ActiveColor() const { return FActiveColor; }
+    void SetActiveColor(TColor Value);
+    TColor DefaultColor() const { return FDefaultColor; }
+    void SetDefaultColor(TColor Value);
+    TColor DeactiveTextColor() const { return FDeactiveTextColor; }
+    void SetDeactiveTextColor(TColor Value);
+    TColor DeactiveColor() const { return FDeactiveColor; }
+    void SetDeactiveColor(TColor Value);
+
+    // Asked whether a cell may be selected: by SelectCell, and by the
+    // drawing of every unselected cell (refused cells get CantSelectColor).
+    TCanSelectCellEvent CanSelectCell;
+    TDrawCellEvent BeforeDrawCell;
+
+protected:
+    void DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State) override;
+    // true, then CanSelectCell, then OnSelectCell may change the answer.
+    bool SelectCell(int ACol, int ARow) override;
+
+private:
+    QColor Resolve(TColor color) const;
+
+    TColor FCantSelectColor = clInactiveBorder;
+    TColor FActiveColor = clYellow;
+    TColor FDefaultColor = clWindow;
+    TColor FDeactiveTextColor = clWindowText;
+    TColor FDeactiveColor = 0x00B9FFFF;
+};
+
+// Adds TStringGridOxa to the catalogue, page "Oxa".
+void RegisterStringGridOxa();
+
+} // namespace oxa

@@ -1,0 +1,376 @@
+#pragma once
+
+#include "oxa/toolkit/Exceptions.h"
+
+#include <QFlags>
+#include <QHash>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+class QIODevice;
+
+namespace oxa {
+
+class TMyReader;
+class TMyWriter;
+
+// ---------------------------------------------------------------------------
+// The record layer: a worksheet file is a flat sequence of records, each a
+// 16-bit opcode, a 16-bit payload length and the payload, little-endian.
+// ---------------------------------------------------------------------------
+
+// Declared for opcode and length faults of a record stream; reading collects
+// such faults as messages instead and ends in EReadError.
+class EopCodeError : public Exception { using Exception::Exception; };
+class EOverUnderError : public Exception { using Exception::Exception; };
+
+// A record object: knows its opcode and writes (and reads) its own payload.
+class TMyPersistent
+{
+public:
+    TMyPersistent() = default;
+    virtual ~TMyPersistent() = default;
+    TMyPersistent(const TMyPersistent &) = delete;
+    TMyPersistent &operator=(const TMyPersistent &) = delete;
+
+    virtual void Write(TMyWriter &Writer);
+    virtual void Read(TMyReader &Reader);
+
+    quint16 opCode = 0;
+};
+
+// The base of every record class of a worksheet file.
+class TData : public TMyPersistent
+{
+};
+
+// Holds the byte stream a reader or writer works on; the stream is not owned.
+class TMyFiler
+{
+public:
+    explicit TMyFiler(QIODevice *stream = nullptr) : FStream(stream) {}
+    virtual ~TMyFiler() = default;
+    TMyFiler(const TMyFiler &) = delete;
+    TMyFiler &operator=(const TMyFiler &) = delete;
+
+    QIODevice *Stream() const { return FStream; }
+    virtual void SetStream(QIODevice *stream) { FStream = stream; }
+
+protected:
+    QIODevice *FStream;
+};
+
+// Reads little-endian values from the stream. A stream that ends too early
+// fails with EReadError "Stream read error".
+class TMyReader : public TMyFiler
+{
+public:
+    using TMyFiler::TMyFiler;
+
+    quint8 readByte();
+    quint16 readWord();
+    qint32 readInt();
+    double readDouble();
+    // Reads a 16-bit count n, then n bytes into the storage of a text of n
+    // UTF-16 units: the bytes fill the first half of the text, the rest stays
+    // zero. Nothing in the library reads text this way; kept as it always was.
+    QString readStr();
+
+private:
+    void ReadBuffer(void *dest, qint64 count);
+};
+
+// Writes little-endian values and code page 1250 text. The writer collects
+// the bytes in a buffer of its own and hands them to the stream in large
+// blocks by FlushBuffer, so writing a value costs no system call. Whoever
+// writes through it directly calls FlushBuffer at the end; a failed stream
+// write throws EWriteError.
+class TMyWriter : public TMyFiler
+{
+public:
+    using TMyFiler::TMyFiler;
+
+    void WriteByte(quint8 Value);
+    void WriteWord(quint16 Value);
+    void WriteInt(qint32 Value);
+    void WriteDouble(double Value);
+    // The text in code page 1250, one byte per UTF-16 unit, without a length.
+    void WriteSingleStr(QStringView Value);
+    // The same, preceded by the 16-bit byte count.
+    void WriteStr(QStringView Value);
+
+    void SetStream(QIODevice *stream) override;
+
+    // Bytes written through the writer since it was bound to its stream.
+    qint64 Position() const { return m_flushed + qint64(m_used); }
+    // Bytes written but not yet handed to the stream.
+    qsizetype Buffered() const { return qsizetype(m_used); }
+    // Overwrites the two bytes written at Position() == position: in the
+    // buffer, or, once they have gone out, in the (then seekable) stream.
+    void PatchWord(qint64 position, quint16 Value);
+    // Hands the buffered bytes to the stream; throws EWriteError when the
+    // stream takes fewer than all of them. The buffer is empty afterwards.
+    void FlushBuffer();
+    // Forgets the buffered bytes (after a failed write).
+    void DiscardBuffer() { m_used = 0; }
+
+private:
+    char *Append(size_t count);
+    template <class T> void WriteLittleEndian(T value);
+    void PatchByte(qint64 position, char value);
+
+    std::vector<char> m_buffer;
+    size_t m_used = 0;
+    qint64 m_flushed = 0;
+};
+
+// Keeps the record objects of a file in registration order, writes them with
+// their record headers and reads a record stream back.
+class TDispatcher
+{
+public:
+    TDispatcher();
+    ~TDispatcher();
+    TDispatcher(const TDispatcher &) = delete;
+    TDispatcher &operator=(const TDispatcher &) = delete;
+
+    QIODevice *Stream() const { return FStream; }
+    // Binds the reader and the writer to stream (not owned).
+    void SetStream(QIODevice *stream);
+
+    // The opcode of the end record; 999 unless set.
+    quint16 OpcodeEOF() const { return FOpcodeEOF; }
+    void SetOpcodeEOF(quint16 value) { FOpcodeEOF = value; }
+
+    // Appends a record object, which the dispatcher owns from now on. Neither
+    // sorted nor checked for duplicates.
+    TMyPersistent *RegisterObj(std::unique_ptr<TMyPersistent> MyPers);
+    // Frees every registered object and forgets the read messages.
+    void Clear();
+
+    // The registered objects in order, each under the decimal text of the
+    // opcode it had when it was registered.
+    qsizetype Count() const { return qsizetype(StrList.size()); }
+    TMyPersistent *Objects(qsizetype index) const { return StrList.at(size_t(index)).Object.get(); }
+    QString Strings(qsizetype index) const;
+
+    // Writes every registered object as a record, then the end record.
+    void Write();
+    // Reads records until the end record, collecting in SLError a message
+    // for every unknown opcode and every record its object under- or
+    // over-reads; throws EReadError when SLError then holds any message.
+    // Messages of an earlier Read stay until Clear. A stream that ends or
+    // is left before the end record throws EReadError "Stream read error".
+    void Read();
+
+    TMyReader &Reader() { return *FReader; }
+    TMyWriter &Writer() { return *FWriter; }
+    // The messages collected by the last Read.
+    QStringList &SLError() { return FSLError; }
+    const QStringList &SLError() const { return FSLError; }
+
+private:
+    struct TRegistered
+    {
+        quint16 OpCode;
+        std::unique_ptr<TMyPersistent> Object;
+    };
+
+    void WriteRecord(quint16 opCode, TMyPersistent *object);
+    QHash<quint16, TMyPersistent *> FirstByOpcode() const;
+    void SeekRelative(qint64 offset);
+
+    std::vector<TRegistered> StrList;
+    std::unique_ptr<TMyReader> FReader;
+    std::unique_ptr<TMyWriter> FWriter;
+    QIODevice *FStream = nullptr;
+    QStringList FSLError;
+    quint16 FOpcodeEOF = 999;
+};
+
+// ---------------------------------------------------------------------------
+// The records of a worksheet file.
+// ---------------------------------------------------------------------------
+
+// The file header: a worksheet.
+class TBOF : public TData
+{
+public:
+    TBOF();
+    void Write(TMyWriter &Writer) override;
+};
+
+// Declares code page 1250 for the texts of the file.
+class TCodePage : public TData
+{
+public:
+    TCodePage();
+    void Write(TMyWriter &Writer) override;
+};
+
+// The sheet's extent. Always claims rows 0-1000 and columns 0-100, whatever
+// the cells: readers take it as a hint only.
+class TDimension : public TData
+{
+public:
+    TDimension();
+    void Write(TMyWriter &Writer) override;
+
+    quint16 MinSaveRecs = 0;
+    quint16 MaxSaveRecs = 1000;
+    quint16 MinSaveCols = 0;
+    quint16 MaxSaveCols = 100;
+};
+
+// Cell attributes. The values are bit masks so that they combine in a
+// TSetOfAtribut.
+enum TAtributCell : quint16 {
+    acHidden = 1 << 0,
+    acLocked = 1 << 1,
+    acShaded = 1 << 2,
+    acBottomBorder = 1 << 3,
+    acTopBorder = 1 << 4,
+    acRightBorder = 1 << 5,
+    acLeftBorder = 1 << 6,
+    acLeft = 1 << 7,
+    acCenter = 1 << 8,
+    acRight = 1 << 9,
+    acFill = 1 << 10,
+};
+Q_DECLARE_FLAGS(TSetOfAtribut, TAtributCell)
+Q_DECLARE_OPERATORS_FOR_FLAGS(TSetOfAtribut)
+
+// A cell record: zero-based row and column and three attribute bytes, then
+// the value of the descendant.
+class TCell : public TData
+{
+    Q_GADGET
+    Q_PROPERTY(oxa::TSetOfAtribut Atribut READ Atribut WRITE SetAtribut)
+
+public:
+    // The attribute set as last given to SetAtribut.
+    TSetOfAtribut Atribut() const { return FAtributSet; }
+    // Turns the set into the three attribute bytes.
+    void SetAtribut(TSetOfAtribut Value);
+
+    void Write(TMyWriter &Writer) override;
+
+    std::array<quint8, 3> FAtribut{};
+    quint16 Col = 0;
+    quint16 Row = 0;
+
+private:
+    TSetOfAtribut FAtributSet;
+};
+
+// Makes a new cell of one cell class: the class reference AddCell takes.
+using TCellClass = std::unique_ptr<TCell> (*)();
+
+template <class T>
+TCellClass CellClassOf()
+{
+    return []() -> std::unique_ptr<TCell> { return std::make_unique<T>(); };
+}
+
+// An empty cell. Written with no payload at all: no row, column or attributes.
+class TBlankCell : public TCell
+{
+public:
+    TBlankCell();
+    void Write(TMyWriter &Writer) override;
+};
+
+// A small integer, 0 to 65535.
+class TWordCell : public TCell
+{
+public:
+    TWordCell();
+    void Write(TMyWriter &Writer) override;
+
+    quint16 Value = 0;
+};
+
+// A number.
+class TDoubleCell : public TCell
+{
+public:
+    TDoubleCell();
+    void Write(TMyWriter &Writer) override;
+
+    double Value = 0.0;
+};
+
+// A text. Its length byte counts UTF-16 units modulo 256, so a text of 256
+// units or more is read back shortened by spreadsheet programs.
+class TStrCell : public TCell
+{
+public:
+    TStrCell();
+    void Write(TMyWriter &Writer) override;
+    void Read(TMyReader &Reader) override;
+
+    QString Value;
+};
+
+// ---------------------------------------------------------------------------
+// The component.
+// ---------------------------------------------------------------------------
+
+// Collects cells and writes them to a worksheet file. Columns and rows are
+// counted from 1 by the callers; nothing is range-checked.
+class TXLSfile : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString FileName READ FileName WRITE SetFileName)
+
+public:
+    explicit TXLSfile(QObject *owner = nullptr);
+    ~TXLSfile() override;
+
+    QString FileName() const { return FFileName; }
+    void SetFileName(const QString &value) { FFileName = value; }
+
+    // Removes every cell and starts again with the header, code page and
+    // dimensions records.
+    void clear();
+
+    TWordCell *AddWordCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut, quint16 aValue);
+    TDoubleCell *AddDoubleCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut, double aValue);
+    TStrCell *AddStrCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut, const QString &aValue);
+    // Adds a cell of CellClass at (vCol - 1, vRow - 1), computed in 16 bits.
+    TCell *AddCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut, TCellClass CellClass);
+    // Adds any record; the component owns it from now on.
+    TData *AddData(std::unique_ptr<TData> Data);
+
+    // Creates FileName anew and writes the records into it. A file that
+    // cannot be created throws EFCreateError, a failed write EWriteError; the
+    // cells stay in either case.
+    void write();
+
+    bool ModeOpen() const { return FModeOpen; }
+    TDispatcher &Dispatcher() const { return *FDispatcher; }
+    TBOF *BOF() const { return FBOF; }
+    TCodePage *CodePage() const { return FCodePage; }
+    TDimension *Dimension() const { return FDimension; }
+
+private:
+    template <class T>
+    T *AddTypedCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut);
+
+    QString FFileName;
+    bool FModeOpen = false;
+    std::unique_ptr<TDispatcher> FDispatcher;
+    TBOF *FBOF = nullptr;
+    TCodePage *FCodePage = nullptr;
+    TDimension *FDimension = nullptr;
+};
+
+// Offers TXLSfile on the "Oxa" page of the component catalogue.
+void RegisterXLSfile();
+
+} // namespace oxa

@@ -1,0 +1,254 @@
+#include "oxa/diary/DiarShared.h"
+
+#include <QTest>
+
+using namespace oxa;
+
+namespace {
+
+TTime Cas(int h, int n, int s = 0)
+{
+    return EncodeTime(h, n, s, 0);
+}
+
+TDayRecord Zaznam(qint32 id, TTime od = 0, TTime doCasu = 0, const char *popis = "")
+{
+    TDayRecord z;
+    z.ID_DIAR = id;
+    z.CasOd = od;
+    z.CasDo = doCasu;
+    z.Popis = popis;
+    return z;
+}
+
+QList<qint32> Klice(const TDayRecordArray &zaznamy)
+{
+    QList<qint32> klice;
+    for (const TDayRecord &z : zaznamy)
+        klice.append(z.ID_DIAR);
+    return klice;
+}
+
+} // namespace
+
+class TestDiarShared : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void shortStringsAreCut_data();
+    void shortStringsAreCut();
+    void recordsAreCopiedByValue();
+    void indexOutsideFails();
+    void diarKonfigListOwnsItems();
+    void storeSlots();
+    void removingEntries();
+    void findDayRecordBySpan_data();
+    void findDayRecordBySpan();
+    void findDayRecordGivesReferencesIntoStore();
+};
+
+void TestDiarShared::shortStringsAreCut_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("popis");
+    QTest::addColumn<int>("parafa");
+
+    QTest::newRow("short") << "Kontrola" << "Kontrola" << 8;
+    QTest::newRow("34 letters") << QString(34, 'x') << QString(33, 'x') << 34;
+    QTest::newRow("diacritics") << QString(40, QChar(0x0159)) << QString(33, QChar(0x0159)) << 40;
+    QTest::newRow("past 255") << QString(300, 'a') << QString(33, 'a') << 255;
+    // A character outside the basic plane is never cut in half.
+    QTest::newRow("surrogates") << QString(32, 'a') + QString::fromUtf8("\xF0\x9F\x98\x80")
+                                << QString(32, 'a') << 34;
+}
+
+void TestDiarShared::shortStringsAreCut()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, popis);
+    QFETCH(int, parafa);
+
+    TDayRecord z;
+    z.Popis = text;
+    z.Parafa = text;
+    TDovolena d;
+    d.Poznamka = text;
+    QCOMPARE(z.Popis.Text(), popis);
+    QCOMPARE(z.Parafa.Length(), parafa);
+    QCOMPARE(d.Poznamka.Length(), parafa);
+}
+
+void TestDiarShared::recordsAreCopiedByValue()
+{
+    TDayRecord original = Zaznam(7, Cas(8, 0), Cas(9, 0), "Převaz");
+    original.KONTAKT = QStringLiteral("Novák");
+    TDayRecord kopie = original;
+    QVERIFY(kopie == original);
+    kopie.Popis = "Kontrola";
+    kopie.KONTAKT = QStringLiteral("Svoboda");
+    QCOMPARE(original.Popis.Text(), QStringLiteral("Převaz"));
+    QCOMPARE(original.KONTAKT, QStringLiteral("Novák"));
+
+    TDiarNastaveni nastaveni;
+    nastaveni.objednaniKLekari[3].append(TPracDobaCas{Cas(8, 0), Cas(10, 0), 0, 0});
+    TDiarNastaveni kopieNastaveni = nastaveni;
+    kopieNastaveni.objednaniKLekari[3][0].CasDo = Cas(11, 0);
+    QCOMPARE(nastaveni.objednaniKLekari[3][0].CasDo, Cas(10, 0));
+}
+
+void TestDiarShared::indexOutsideFails()
+{
+    TCalDaysArray dny;
+    dny[31] = 31;
+    QCOMPARE(dny[31], 31u);
+    QVERIFY_THROWS_EXCEPTION(oxa::Exception, dny[0]);
+    QVERIFY_THROWS_EXCEPTION(oxa::Exception, dny[32]);
+    QVERIFY_THROWS_EXCEPTION(oxa::Exception, DaysColor[8]);
+    QCOMPARE(DaysColor[6], TColor(0xE0E0E0));
+}
+
+void TestDiarShared::diarKonfigListOwnsItems()
+{
+    TDiarKonfigList list;
+    QVERIFY_THROWS_EXCEPTION(oxa::Exception, list.First());
+    for (int i = 1; i <= 3; ++i) {
+        auto konfig = std::make_unique<TDiarKonfig>();
+        konfig->ID_DIARKONFIG = i;
+        list.Add(std::move(konfig));
+    }
+    auto nahrada = std::make_unique<TDiarKonfig>(*list.First());
+    nahrada->ID_DIARKONFIG = 20;
+    list.SetItems(1, std::move(nahrada)); // frees the second one
+    QCOMPARE(list.Items(1)->ID_DIARKONFIG, 20);
+    QCOMPARE(list.Last()->ID_DIARKONFIG, 3);
+
+    TDiarKonfig *druhy = list[1];
+    std::unique_ptr<TDiarKonfig> vyjmuty = list.Extract(druhy);
+    QCOMPARE(vyjmuty.get(), druhy);
+    QCOMPARE(list.Count(), 2);
+    QVERIFY(!list.Extract(druhy));
+    QVERIFY_THROWS_EXCEPTION(oxa::Exception, list.Items(2));
+    QVERIFY_THROWS_EXCEPTION(oxa::Exception, list.SetItems(-1, nullptr));
+}
+
+void TestDiarShared::storeSlots()
+{
+    TMonthArray store(3, 4);
+    QCOMPARE(store.SlotCount(), 3 + 31 + 4);
+    // February 2019 has 28 days; slots 29 to 31 exist all the same.
+    store.AddDayRecord(Zaznam(1), store.SlotOfDay(31));
+    store.AddDayRecord(Zaznam(2), -1);
+    store.AddDayRecord(Zaznam(3), store.SlotCount());
+    QCOMPARE(Klice(store.GetDayRecordArray(31, true)), QList<qint32>{1});
+    QCOMPARE(Klice(store.GetDayRecordArray(3 + 30, false)), QList<qint32>{1});
+    QVERIFY(store.GetDayRecordArray(store.SlotCount(), false).empty());
+    QVERIFY(store.GetDayRecordArray(-1, false).empty());
+    QVERIFY(store.IsDayEmpty(store.SlotCount()));
+
+    store.AddDayRecord(Zaznam(4), store.SlotOfDay(15));
+    store.AddDayRecord(Zaznam(5), store.SlotOfDay(15));
+    store.AddDayRecord(Zaznam(6), 0); // before the month
+    TCalDaysArray dny;
+    dny[2] = 77;
+    store.getAktualniPocty(dny);
+    for (int den = 1; den <= 31; ++den)
+        QCOMPARE(dny[den], (den == 15 || den == 31) ? quint32(den) : 0u);
+    QCOMPARE(store.getZaznamyCount(15), 2);
+    QCOMPARE(store.getZaznamyCount(40), 0);
+
+    // A copy is handed out.
+    TDayRecordArray kopie = store.GetDayRecordArray(15, true);
+    kopie[0].ID_DIAR = 99;
+    QCOMPARE(store.GetDayRecordArray(15, true)[0].ID_DIAR, 4);
+
+    store.Clear();
+    QCOMPARE(store.SlotCount(), 38);
+    QVERIFY(store.IsDayEmpty(store.SlotOfDay(15)));
+}
+
+void TestDiarShared::removingEntries()
+{
+    TMonthArray store(1, 1);
+    store.AddDayRecord(Zaznam(1), 4);
+    store.AddDayRecord(Zaznam(8, 0, 0, "první"), 4);
+    store.AddDayRecord(Zaznam(8, 0, 0, "druhý"), 4);
+    store.AddDayRecord(Zaznam(2), 4);
+    store.RemoveDayRecord(4, 8);
+    store.RemoveDayRecord(4, 77);
+    const TDayRecordArray zbytek = store.GetDayRecordArray(4, false);
+    QCOMPARE(Klice(zbytek), (QList<qint32>{1, 8, 2}));
+    QCOMPARE(zbytek[1].Popis.Text(), QStringLiteral("druhý"));
+
+    store.AddDayRecord(Zaznam(9), 10);
+    QStringList klice{"5", "9"};
+    QVERIFY(store.RemoveRecords(klice));
+    QCOMPARE(klice, QStringList{"5"});
+    QVERIFY(store.IsDayEmpty(10));
+    QCOMPARE(store.getZaznamyCount(4), 3);
+
+    // One key removes one entry, the one in the lowest slot.
+    store.AddDayRecord(Zaznam(3), 2);
+    store.AddDayRecord(Zaznam(3), 1);
+    klice = QStringList{"3", "ne", "42"};
+    QVERIFY(store.RemoveRecords(klice));
+    QCOMPARE(klice, (QStringList{"ne", "42"}));
+    QVERIFY(store.IsDayEmpty(1));
+    QVERIFY(!store.IsDayEmpty(2));
+    QVERIFY(!store.RemoveRecords(klice));
+}
+
+void TestDiarShared::findDayRecordBySpan_data()
+{
+    QTest::addColumn<TTime>("od");
+    QTest::addColumn<TTime>("doCasu");
+    QTest::addColumn<QList<qint32>>("found");
+
+    // Entry 1: 10:00:30 to 10:30:45, taken as 10:00 to 10:30.
+    // Entry 2: the moment 10:15.  Entry 3: negative start, never found.
+    QTest::newRow("inside") << Cas(10, 20) << Cas(10, 25) << QList<qint32>{1};
+    QTest::newRow("last minute") << Cas(10, 29) << Cas(10, 30) << QList<qint32>{1};
+    QTest::newRow("touches end") << Cas(10, 30, 10) << Cas(10, 45) << QList<qint32>{};
+    QTest::newRow("touches start") << Cas(9, 45) << Cas(10, 0) << QList<qint32>{};
+    QTest::newRow("encloses") << Cas(9, 0) << Cas(11, 0) << QList<qint32>{1, 2};
+    QTest::newRow("moment at start") << Cas(10, 15) << Cas(10, 30) << QList<qint32>{1, 2};
+    QTest::newRow("moment at end") << Cas(10, 0) << Cas(10, 15) << QList<qint32>{1};
+}
+
+void TestDiarShared::findDayRecordBySpan()
+{
+    QFETCH(TTime, od);
+    QFETCH(TTime, doCasu);
+    QFETCH(QList<qint32>, found);
+
+    TMonthArray store(2, 0);
+    store.AddDayRecord(Zaznam(1, Cas(10, 0, 30), Cas(10, 30, 45)), store.SlotOfDay(6));
+    store.AddDayRecord(Zaznam(2, Cas(10, 15), Cas(10, 15)), store.SlotOfDay(6));
+    store.AddDayRecord(Zaznam(3, -Cas(10, 0), Cas(11, 0)), store.SlotOfDay(6));
+    store.AddDayRecord(Zaznam(4, Cas(10, 0), Cas(11, 0)), store.SlotOfDay(7));
+
+    QList<qint32> klice;
+    for (PDayRecord z : store.FindDayRecord(6, od, doCasu))
+        klice.append(z->ID_DIAR);
+    QCOMPARE(klice, found);
+}
+
+void TestDiarShared::findDayRecordGivesReferencesIntoStore()
+{
+    TMonthArray store(0, 0);
+    store.AddDayRecord(Zaznam(1, Cas(8, 0), Cas(9, 0)), 0);
+    store.AddDayRecord(Zaznam(2, Cas(8, 0), Cas(9, 0)), 0);
+    const TDayRecordArray handedOut = store.GetDayRecordArray(1, true);
+
+    PDayRecord druhy = store.FindDayRecord(1, true, 2);
+    QVERIFY(druhy);
+    QCOMPARE(store.FindDayRecord(1, Cas(8, 30), Cas(8, 45)).value(1), druhy);
+    druhy->Popis = "upraveno";
+    QCOMPARE(store.GetDayRecordArray(0, false)[1].Popis.Text(), QStringLiteral("upraveno"));
+    QVERIFY(handedOut[1].Popis.IsEmpty());
+    QVERIFY(!store.FindDayRecord(1, true, 3));
+    QVERIFY(!store.FindDayRecord(40, true, 1));
+}
+
+QTEST_MAIN(TestDiarShared)
+#include "tst_diarshared.moc"
