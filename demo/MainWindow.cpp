@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include "ExportPage.h"
 #include "PatientPage.h"
 
 #include <QApplication>
@@ -13,6 +14,7 @@ MainWindow::MainWindow(QWidget *parent)
     setWindowTitle(QStringLiteral("Oxa – ukázková ambulance"));
     setCentralWidget(m_tabs);
     AddPage(new PatientPage(this), QStringLiteral("Pacient"), QStringLiteral("pacient"));
+    AddPage(new ExportPage(this), QStringLiteral("Export"), QStringLiteral("export"));
     statusBar()->showMessage(QStringLiteral("Ctrl+šipky přesouvají mezi poli, Tab v pořadí formuláře."));
     resize(1100, 720);
 }

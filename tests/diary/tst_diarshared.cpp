@@ -89,12 +89,6 @@ void TestDiarShared::recordsAreCopiedByValue()
     kopie.KONTAKT = QStringLiteral("Svoboda");
     QCOMPARE(original.Popis.Text(), QStringLiteral("Převaz"));
     QCOMPARE(original.KONTAKT, QStringLiteral("Novák"));
-
-    TDiarNastaveni nastaveni;
-    nastaveni.objednaniKLekari[3].append(TPracDobaCas{Cas(8, 0), Cas(10, 0), 0, 0});
-    TDiarNastaveni kopieNastaveni = nastaveni;
-    kopieNastaveni.objednaniKLekari[3][0].CasDo = Cas(11, 0);
-    QCOMPARE(nastaveni.objednaniKLekari[3][0].CasDo, Cas(10, 0));
 }
 
 void TestDiarShared::indexOutsideFails()
@@ -105,7 +99,6 @@ void TestDiarShared::indexOutsideFails()
     QVERIFY_THROWS_EXCEPTION(oxa::Exception, dny[0]);
     QVERIFY_THROWS_EXCEPTION(oxa::Exception, dny[32]);
     QVERIFY_THROWS_EXCEPTION(oxa::Exception, DaysColor[8]);
-    QCOMPARE(DaysColor[6], TColor(0xE0E0E0));
 }
 
 void TestDiarShared::diarKonfigListOwnsItems()
@@ -150,7 +143,7 @@ void TestDiarShared::storeSlots()
     store.AddDayRecord(Zaznam(5), store.SlotOfDay(15));
     store.AddDayRecord(Zaznam(6), 0); // before the month
     TCalDaysArray dny;
-    dny[2] = 77;
+    dny[2] = 77; // every day is written
     store.getAktualniPocty(dny);
     for (int den = 1; den <= 31; ++den)
         QCOMPARE(dny[den], (den == 15 || den == 31) ? quint32(den) : 0u);
@@ -239,7 +232,6 @@ void TestDiarShared::findDayRecordGivesReferencesIntoStore()
     store.AddDayRecord(Zaznam(1, Cas(8, 0), Cas(9, 0)), 0);
     store.AddDayRecord(Zaznam(2, Cas(8, 0), Cas(9, 0)), 0);
     const TDayRecordArray handedOut = store.GetDayRecordArray(1, true);
-
     PDayRecord druhy = store.FindDayRecord(1, true, 2);
     QVERIFY(druhy);
     QCOMPARE(store.FindDayRecord(1, Cas(8, 30), Cas(8, 45)).value(1), druhy);

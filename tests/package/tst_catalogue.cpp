@@ -117,7 +117,9 @@ void TestCatalogue::hostCreatesClassesByName()
         QObject *object = Catalogue::Instance().Create(entry.ClassName, &form);
         QVERIFY2(object, qPrintable(entry.ClassName));
         QCOMPARE(object->parent(), &form);
-        QCOMPARE(bool(qobject_cast<QWidget *>(object)), entry.IsWidget);
+        // Form widgets are widgets; a non-visual class may still be one (a menu).
+        if (entry.IsWidget)
+            QVERIFY(qobject_cast<QWidget *>(object));
         // The object is an instance of the class it was asked for.
         QVERIFY2(QString::fromLatin1(object->metaObject()->className()).endsWith(entry.ClassName),
                  object->metaObject()->className());

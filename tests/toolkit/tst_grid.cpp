@@ -3,6 +3,7 @@
 
 #include "support/TestSupport.h"
 
+#include <QApplication>
 #include <QLineEdit>
 #include <QPainter>
 #include <QScrollBar>
@@ -72,7 +73,6 @@ class TestGrid : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void defaults();
     void cellGeometry();
     void cellGeometryWithoutLines();
     void mouseToCellRoundTrip_data();
@@ -92,6 +92,8 @@ private Q_SLOTS:
     void scrollingKeepsCurrentVisible();
     void scrollBarFollowsTopRow();
     void mouseClicks();
+    void wheelMovesCurrentRow();
+    void sizingAndMovingByMouse();
     void paintsOnlyVisibleCellsWithState();
     void variableRowHeights();
     void stringGridStorage();
@@ -99,22 +101,6 @@ private Q_SLOTS:
     void editing();
     void editingByTyping();
 };
-
-void TestGrid::defaults()
-{
-    TDrawGrid grid;
-    QCOMPARE(grid.ColCount(), 5);
-    QCOMPARE(grid.RowCount(), 5);
-    QCOMPARE(grid.FixedCols(), 1);
-    QCOMPARE(grid.FixedRows(), 1);
-    QCOMPARE(grid.DefaultColWidth(), 64);
-    QCOMPARE(grid.DefaultRowHeight(), 24);
-    QCOMPARE(grid.Col(), 1);
-    QCOMPARE(grid.Row(), 1);
-    QCOMPARE(grid.Options(), DefaultGridOptions);
-    QCOMPARE(grid.Selection(), (TGridRect{1, 1, 1, 1}));
-    QCOMPARE(grid.property("ColCount").toInt(), 5);
-}
 
 void TestGrid::cellGeometry()
 {
@@ -443,6 +429,50 @@ void TestGrid::mouseClicks()
     QCOMPARE(doubleClicks, 1);
     QCOMPARE(spy.count(), 1);
     QVERIFY(clicks >= 1);
+}
+
+void TestGrid::wheelMovesCurrentRow()
+{
+    GridWindow w;
+    int clicks = 0;
+    w.grid->OnClick = [&](QObject *) { ++clicks; };
+    QVERIFY(w.show());
+    auto wheel = [&](int delta) {
+        const QPointF at(50, 50);
+        QWheelEvent event(at, w.grid->viewport()->mapToGlobal(at), QPoint(), QPoint(0, delta),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(w.grid->viewport(), &event);
+    };
+    wheel(-240);
+    QCOMPARE(w.grid->Row(), 3);
+    wheel(60); // half notches add up
+    QCOMPARE(w.grid->Row(), 3);
+    wheel(60);
+    QCOMPARE(w.grid->Row(), 2);
+    QCOMPARE(clicks, 3);
+}
+
+void TestGrid::sizingAndMovingByMouse()
+{
+    GridWindow w;
+    w.grid->SetOptions(w.grid->Options() | goColSizing | goColMoving);
+    w.grid->SetRows(1, {QStringLiteral("0"), QStringLiteral("1")});
+    QVERIFY(w.show());
+    QWidget *vp = w.grid->viewport();
+    const QRect header = w.grid->CellRect(1, 0);
+    const QPoint line(header.right() + 1, header.center().y());
+    QTest::mousePress(vp, Qt::LeftButton, {}, line);
+    QCOMPARE(w.grid->GridState(), gsColSizing);
+    QTest::mouseMove(vp, line + QPoint(20, 0));
+    QTest::mouseRelease(vp, Qt::LeftButton, {}, line + QPoint(20, 0));
+    QCOMPARE(w.grid->ColWidths(1), 84);
+    QCOMPARE(w.grid->GridState(), gsNormal);
+    // Dragging a header moves its column, width and texts included.
+    QTest::mousePress(vp, Qt::LeftButton, {}, w.centre(1, 0));
+    QCOMPARE(w.grid->GridState(), gsColMoving);
+    QTest::mouseRelease(vp, Qt::LeftButton, {}, w.centre(3, 0));
+    QCOMPARE(w.grid->Cells(3, 1), QStringLiteral("1"));
+    QCOMPARE(w.grid->ColWidths(3), 84);
 }
 
 void TestGrid::paintsOnlyVisibleCellsWithState()

@@ -223,6 +223,8 @@ void TDateTimePickerOxa::keyPressEvent(QKeyEvent *event)
 // The quick keys and the section moves, before the key's ordinary handling.
 void TDateTimePickerOxa::WMKeyDown(Word key, TShiftState shift)
 {
+    if (isReadOnly() && (key == VK_MULTIPLY || key == VK_DELETE))
+        return;
     if (key == VK_MULTIPLY) {
         const TDateTime today = oxa::Date();
         if (today >= FMinDate) {

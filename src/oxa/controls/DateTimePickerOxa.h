@@ -17,7 +17,7 @@ namespace oxa {
 //    Up/Down and keypad plus/minus step with IncDay/IncMonth/IncYear;
 //    typing a digit that changes the date moves on to the next section;
 //  - quick keys: keypad star today, Delete the empty date; F4 and Alt+Down
-//    open the calendar.
+//    open the calendar. A read-only picker ignores the date keys.
 // Format takes the display formats "dd.MM.yyyy" (also what an empty Format
 // shows) and "MMMM.yyyy"; a Format of a single space shows the blank field.
 // Month names are those of the Czech locale. Qt's own stepping (wheel,

@@ -32,18 +32,9 @@ int selStart(const QLineEdit *edit)
     return edit->hasSelectedText() ? edit->selectionStart() : edit->cursorPosition();
 }
 
-QAction *findTopLevelItem(const QMenu *menu, const QString &caption)
-{
-    for (QAction *item : menu->actions()) {
-        if (!item->isSeparator() && item->text() == caption)
-            return item;
-    }
-    return nullptr;
-}
-
 void enableItem(const QMenu *menu, const QString &caption, bool enabled)
 {
-    if (QAction *item = findTopLevelItem(menu, caption))
+    if (QAction *item = FindMenuItem(menu, caption))
         item->setEnabled(enabled);
 }
 
@@ -134,8 +125,10 @@ void TEditOxa::SetPopupMenu(QMenu *menu)
         return;
     if (FPopupMenu && itemMapaZnaku)
         FPopupMenu->removeAction(itemMapaZnaku);
-    if (FOwnMenu && FOwnMenu != menu)
+    if (FOwnMenu && FOwnMenu != menu) {
         FOwnMenu->deleteLater();
+        FOwnMenu = nullptr;
+    }
     FPopupMenu = menu;
 }
 
@@ -153,7 +146,7 @@ void TEditOxa::attachPopupMenu()
         FPopupMenu = menu;
         return;
     }
-    if (qobject_cast<TOxaPopUpMenu *>(FPopupMenu) || findTopLevelItem(FPopupMenu, MapaZnakuCaption()))
+    if (qobject_cast<TOxaPopUpMenu *>(FPopupMenu) || FindMenuItem(FPopupMenu, MapaZnakuCaption()))
         return;
     if (!itemMapaZnaku) {
         itemMapaZnaku = new QAction(MapaZnakuCaption(), this);
@@ -181,7 +174,7 @@ void TEditOxa::detachPopupMenu()
         }
         return;
     }
-    if (QAction *item = findTopLevelItem(FPopupMenu, MapaZnakuCaption()))
+    if (QAction *item = FindMenuItem(FPopupMenu, MapaZnakuCaption()))
         FPopupMenu->removeAction(item);
 }
 

@@ -54,8 +54,9 @@ public:
     QMenu *PopupMenu() const { return FPopupMenu; }
     void SetPopupMenu(QMenu *menu);
 
-    // Handlers of the edit's TOxaPopUpMenu.
-    void PopUpOnItemClick(QObject *Sender, TItemTyp Item, QChar Key);
+    // Handlers of the edit's TOxaPopUpMenu. A derived edit may take over a
+    // command (the numeric edit rewrites what "Vložit" pasted).
+    virtual void PopUpOnItemClick(QObject *Sender, TItemTyp Item, QChar Key);
     void PopUpOnPopUp(QObject *Sender);
     // Click handler of the "Mapa znaků..." item added to a host menu.
     void PopUpMapaZnaku(QObject *Sender);

@@ -111,7 +111,7 @@ void TMaskEditOxa::SetIsDateFormat(bool value)
 void TMaskEditOxa::KeyDown(Word &Key, TShiftState Shift)
 {
     HandleFocusKey(Key, Shift);
-    if (FDateFormat)
+    if (FDateFormat && !isReadOnly())
         DateKeyDown(Key);
     TWinControl<QLineEdit>::KeyDown(Key, Shift);
 }

@@ -17,7 +17,7 @@ namespace oxa {
 //   "*", "+", "-"       never typed into the mask;
 // and leaving the edit with a text that is no date keeps the focus in it and
 // shows the parser's error. An untouched mask counts as no date and may be
-// left.
+// left. A read-only edit ignores the date keys.
 //
 // EditMask takes the toolkit's mask syntax ("!99/99/0000;1;_": 0 a required
 // digit, 9 an optional one, "/" the date separator, the blank character

@@ -72,9 +72,9 @@ QAction *TOxaPopUpMenu::Item(const QString &name) const
     return nullptr;
 }
 
-QAction *TOxaPopUpMenu::FindItem(const QString &caption) const
+QAction *FindMenuItem(const QMenu *menu, const QString &caption)
 {
-    for (QAction *item : actions()) {
+    for (QAction *item : menu->actions()) {
         if (!item->isSeparator() && item->text() == caption)
             return item;
     }

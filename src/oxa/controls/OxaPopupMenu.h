@@ -34,8 +34,6 @@ public:
 
     // The item with the object name ("_zpet", "_vyjmout", ...), or nullptr.
     QAction *Item(const QString &name) const;
-    // The top-level item with the caption, or nullptr (the toolkit's Find).
-    QAction *FindItem(const QString &caption) const;
 
     TOnItemClick OnItemClick;
     // Run just before the menu opens, so that its owner can enable the items.
@@ -58,6 +56,10 @@ private:
     QAction *addSeparatorItem(const QString &name);
     void reportItem(TItemTyp item, QChar key = QChar());
 };
+
+// The top-level item of the menu with the caption (separators aside), or
+// nullptr: how items of a menu are found, also in menus of the host's.
+QAction *FindMenuItem(const QMenu *menu, const QString &caption);
 
 // Shows the character map as a modal dialog owned by owner. Returns true when
 // the user confirmed with "Vložit znak do textu" (modal result 1); znak then

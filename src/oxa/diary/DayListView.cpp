@@ -1,5 +1,7 @@
 #include "oxa/diary/DayListView.h"
 
+#include "oxa/diary/DiarPanel.h"
+
 #include "oxa/toolkit/Catalogue.h"
 #include "oxa/toolkit/Exceptions.h"
 
@@ -280,7 +282,7 @@ void TDayListView::SetDenMesicRok(int aDen, qint16 aMesicRok)
         return;
     FMesicRok = aMesicRok;
     if (OnDateOfMonthListView)
-        OnDateOfMonthListView(this, FMesicRok);
+        Safely([this] { OnDateOfMonthListView(this, FMesicRok); });
 }
 
 void TDayListView::SortItems()
@@ -310,7 +312,7 @@ void TDayListView::resizeEvent(QResizeEvent *event)
     TWinControl<QTreeWidget>::resizeEvent(event);
     Resize();
     if (OnResize)
-        OnResize(this);
+        Safely([this] { OnResize(this); });
 }
 
 void TDayListView::mousePressEvent(QMouseEvent *event)
@@ -326,7 +328,7 @@ void TDayListView::mouseReleaseEvent(QMouseEvent *event)
                        && viewport()->rect().contains(event->position().toPoint());
     FPressedInside = false;
     if (click && OnClick)
-        OnClick(this);
+        Safely([this] { OnClick(this); });
 }
 
 void TDayListView::mouseDoubleClickEvent(QMouseEvent *event)
@@ -335,7 +337,7 @@ void TDayListView::mouseDoubleClickEvent(QMouseEvent *event)
     // The release that ends a double click is no click of its own.
     FPressedInside = false;
     if (event->button() == Qt::LeftButton && OnDblClick)
-        OnDblClick(this);
+        Safely([this] { OnDblClick(this); });
 }
 
 void TDayListView::startDrag(Qt::DropActions supportedActions)
@@ -346,7 +348,7 @@ void TDayListView::startDrag(Qt::DropActions supportedActions)
     TTextDragObject dragObject(selected.isEmpty() ? currentItem() : selected.first());
     bool allow = true;
     if (OnStartDrag)
-        OnStartDrag(this, dragObject, allow);
+        Safely([&] { OnStartDrag(this, dragObject, allow); }, allow);
     if (allow)
         dragObject.CreateDrag(this)->exec(Qt::MoveAction);
 }
@@ -357,7 +359,7 @@ bool TDayListView::AcceptsDrag(QDropEvent *event)
     if (!OnDragOver || !TTextDragObject::DraggedID(event->mimeData(), id))
         return false;
     bool accept = true;
-    OnDragOver(this, event->source(), event->position().toPoint(), accept);
+    Safely([&] { OnDragOver(this, event->source(), event->position().toPoint(), accept); }, accept);
     return accept;
 }
 
@@ -390,7 +392,7 @@ void TDayListView::dropEvent(QDropEvent *event)
     }
     event->acceptProposedAction();
     if (OnDragDrop)
-        OnDragDrop(this, event->source(), event->position().toPoint());
+        Safely([&] { OnDragDrop(this, event->source(), event->position().toPoint()); });
 }
 
 // --- TDayGroupBox ------------------------------------------------------------
@@ -631,6 +633,7 @@ void RegisterDayListView()
     Catalogue::Instance().RegisterComponents({
         DiarEntry<TDayListView>("TDayListView"),
         DiarEntry<TDayGroupBox>("TDayGroupBox"),
+        DiarEntry<TDiarPanel>("TDiarPanel", "oxa/diary/DiarPanel.h"),
     });
 }
 

@@ -10,6 +10,7 @@
 #include <QTreeWidget>
 
 #include <functional>
+#include <utility>
 
 class QDrag;
 class QMimeData;
@@ -111,6 +112,7 @@ public:
     TNotifyEvent OnResize;
     TOnDateOfMonthListView OnDateOfMonthListView;
     TStartDragEvent OnStartDrag;
+    // Without OnDragOver the list accepts no drop.
     TDragOverEvent OnDragOver;
     TDragDropEvent OnDragDrop;
 
@@ -133,6 +135,21 @@ private:
 
     void ItemsChanged();
     void SortItems();
+    // Runs a handler of the host; an exception it raises is shown to the
+    // user, and a given answer becomes false.
+    template <class Fn>
+    void Safely(Fn &&fn)
+    {
+        bool failed = false;
+        guarded(std::forward<Fn>(fn), failed);
+    }
+    template <class Fn>
+    void Safely(Fn &&fn, bool &answer)
+    {
+        bool failed = false;
+        guarded(std::forward<Fn>(fn), failed);
+        answer = answer && !failed;
+    }
     bool AcceptsDrag(QDropEvent *event);
 
     QList<QIcon> FItemListImages;

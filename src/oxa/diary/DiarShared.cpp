@@ -75,13 +75,8 @@ TTime TruncToMinutes(TTime aCas)
 
 bool EntryMeetsSpan(const TDayRecord &aZaznam, TTime aCasOd, TTime aCasDo)
 {
-    const TTime a = TruncToMinutes(aZaznam.CasOd);
-    const TTime b = TruncToMinutes(aZaznam.CasDo);
-    if (a < 0 || b < 0)
-        return false;
-    if (b > a)
-        return a < aCasDo && aCasOd < b;
-    return b == a && aCasOd <= a && a < aCasDo;
+    return MinutesMeetSpan(TruncToMinutes(aZaznam.CasOd), TruncToMinutes(aZaznam.CasDo), aCasOd,
+                           aCasDo);
 }
 
 // --- TMonthArray -------------------------------------------------------------

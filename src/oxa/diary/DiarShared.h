@@ -51,6 +51,10 @@ public:
 
     friend bool operator==(const TShortString &, const TShortString &) = default;
     friend bool operator==(const TShortString &a, const QString &b) { return a.m_text == b; }
+    friend bool operator==(const TShortString &a, const char *utf8)
+    {
+        return a.m_text == QString::fromUtf8(utf8);
+    }
 
     // The text as it is stored: its first MaxLength characters, never half
     // of a surrogate pair.
@@ -273,6 +277,15 @@ TTime TruncToMinutes(TTime aCas);
 // span that contains it (aCasOd <= a < aCasDo). The store, the grids and the
 // panel all use this rule.
 bool EntryMeetsSpan(const TDayRecord &aZaznam, TTime aCasOd, TTime aCasDo);
+// The same rule for a start a and an end b already cut to whole minutes.
+inline bool MinutesMeetSpan(TTime a, TTime b, TTime aCasOd, TTime aCasDo)
+{
+    if (a < 0 || b < 0)
+        return false;
+    if (b > a)
+        return a < aCasDo && aCasOd < b;
+    return b == a && aCasOd <= a && a < aCasDo;
+}
 
 // The store of the entries of a displayed period: one slot per day. Slots 0
 // to DnuPred - 1 are the days shown before the month, slot DnuPred + d - 1 is

@@ -90,17 +90,23 @@ char FromHighUnit(char16_t unit) noexcept
     return it != HighTable.end() && it->Unit == unit ? it->Byte : Replacement;
 }
 
-} // namespace
-
-char FromUnicode(char16_t unit) noexcept
+inline char Encode(char16_t unit) noexcept
 {
     return unit < DirectLimit ? DirectTable[unit] : FromHighUnit(unit);
 }
 
+} // namespace
+
+char FromUnicode(char16_t unit) noexcept
+{
+    return Encode(unit);
+}
+
 void FromUnicode(QStringView text, char *dest) noexcept
 {
-    for (const QChar ch : text)
-        *dest++ = FromUnicode(ch.unicode());
+    const char16_t *units = text.utf16();
+    for (qsizetype i = 0, n = text.size(); i < n; ++i)
+        dest[i] = Encode(units[i]);
 }
 
 QByteArray FromUnicode(QStringView text)

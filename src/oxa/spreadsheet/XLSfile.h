@@ -7,8 +7,10 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QtEndian>
 
 #include <array>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -95,10 +97,16 @@ class TMyWriter : public TMyFiler
 public:
     using TMyFiler::TMyFiler;
 
-    void WriteByte(quint8 Value);
-    void WriteWord(quint16 Value);
-    void WriteInt(qint32 Value);
-    void WriteDouble(double Value);
+    void WriteBuffer(const void *data, qsizetype count) { std::memcpy(Append(count), data, size_t(count)); }
+    void WriteByte(quint8 Value) { *Append(1) = char(Value); }
+    void WriteWord(quint16 Value) { qToLittleEndian(Value, Append(sizeof Value)); }
+    void WriteInt(qint32 Value) { qToLittleEndian(Value, Append(sizeof Value)); }
+    void WriteDouble(double Value)
+    {
+        quint64 bits;
+        std::memcpy(&bits, &Value, sizeof bits);
+        qToLittleEndian(bits, Append(sizeof bits));
+    }
     // The text in code page 1250, one byte per UTF-16 unit, without a length.
     void WriteSingleStr(QStringView Value);
     // The same, preceded by the 16-bit byte count.
@@ -107,25 +115,41 @@ public:
     void SetStream(QIODevice *stream) override;
 
     // Bytes written through the writer since it was bound to its stream.
-    qint64 Position() const { return m_flushed + qint64(m_used); }
+    qint64 Position() const { return m_flushed + Buffered(); }
     // Bytes written but not yet handed to the stream.
-    qsizetype Buffered() const { return qsizetype(m_used); }
+    qsizetype Buffered() const { return m_cur - m_buffer.data(); }
     // Overwrites the two bytes written at Position() == position: in the
     // buffer, or, once they have gone out, in the (then seekable) stream.
-    void PatchWord(qint64 position, quint16 Value);
+    void PatchWord(qint64 position, quint16 Value)
+    {
+        if (position >= m_flushed)
+            qToLittleEndian(Value, m_buffer.data() + (position - m_flushed));
+        else
+            PatchFlushed(position, Value);
+    }
     // Hands the buffered bytes to the stream; throws EWriteError when the
     // stream takes fewer than all of them. The buffer is empty afterwards.
     void FlushBuffer();
     // Forgets the buffered bytes (after a failed write).
-    void DiscardBuffer() { m_used = 0; }
+    void DiscardBuffer() { m_cur = m_buffer.data(); }
 
 private:
-    char *Append(size_t count);
-    template <class T> void WriteLittleEndian(T value);
+    // Room for count more bytes at the end of the buffer.
+    char *Append(qsizetype count)
+    {
+        if (m_end - m_cur < count)
+            Grow(count);
+        char *dest = m_cur;
+        m_cur += count;
+        return dest;
+    }
+    void Grow(qsizetype count);
+    void PatchFlushed(qint64 position, quint16 Value);
     void PatchByte(qint64 position, char value);
 
     std::vector<char> m_buffer;
-    size_t m_used = 0;
+    char *m_cur = nullptr;
+    char *m_end = nullptr;
     qint64 m_flushed = 0;
 };
 
@@ -156,7 +180,7 @@ public:
     // The registered objects in order, each under the decimal text of the
     // opcode it had when it was registered.
     qsizetype Count() const { return qsizetype(StrList.size()); }
-    TMyPersistent *Objects(qsizetype index) const { return StrList.at(size_t(index)).Object.get(); }
+    TMyPersistent *Objects(qsizetype index) const { return StrList.at(size_t(index)).get(); }
     QString Strings(qsizetype index) const;
 
     // Writes every registered object as a record, then the end record.
@@ -175,17 +199,14 @@ public:
     const QStringList &SLError() const { return FSLError; }
 
 private:
-    struct TRegistered
-    {
-        quint16 OpCode;
-        std::unique_ptr<TMyPersistent> Object;
-    };
-
-    void WriteRecord(quint16 opCode, TMyPersistent *object);
+    static void WriteRecord(TMyWriter &writer, quint16 opCode, TMyPersistent *object);
     QHash<quint16, TMyPersistent *> FirstByOpcode() const;
     void SeekRelative(qint64 offset);
 
-    std::vector<TRegistered> StrList;
+    // The registered objects, and apart from them (writing walks only the
+    // objects) the opcodes they were registered under.
+    std::vector<std::unique_ptr<TMyPersistent>> StrList;
+    std::vector<quint16> StrListOpcodes;
     std::unique_ptr<TMyReader> FReader;
     std::unique_ptr<TMyWriter> FWriter;
     QIODevice *FStream = nullptr;
@@ -263,6 +284,11 @@ public:
     std::array<quint8, 3> FAtribut{};
     quint16 Col = 0;
     quint16 Row = 0;
+
+protected:
+    // The 7 bytes the cell records begin with: row, column, attributes.
+    static constexpr qsizetype HeaderSize = 7;
+    void PutHeader(quint8 *dest) const;
 
 private:
     TSetOfAtribut FAtributSet;

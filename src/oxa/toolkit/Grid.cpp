@@ -362,11 +362,8 @@ public:
     {
         if (!editorMode || !editor)
             return;
-        const QRect r = q->CellRect(editCell.X, editCell.Y);
-        if (r.isEmpty())
-            editor->setGeometry(-r.width() - 1, 0, 0, 0);
-        else
-            editor->setGeometry(r);
+        // A cell scrolled out of view leaves the editor without a size.
+        editor->setGeometry(q->CellRect(editCell.X, editCell.Y));
     }
 };
 
@@ -1500,18 +1497,51 @@ void TCustomGrid::SetCanvasColors(const QColor &Background, const QColor &Text)
     }
 }
 
-namespace {
-
 // The colours of one paint, resolved once.
-struct PaintColors
+struct TCustomGrid::PaintColors
 {
     QColor background, text, fixedBackground, highlight, highlightText;
     QColor line, fixedLine, edgeLight, edgeDark;
 };
 
+namespace {
+
 enum CellKind { ckNormal, ckFixed, ckHighlight, ckKindCount };
 
 } // namespace
+
+// The grid lines, drawn after the cells as one strip per line and kind:
+// lines in the fixed area take the fixed style.
+void TCustomGrid::PaintGridLines(QPainter &painter, const PaintColors &colors, int gridRight,
+                                 int gridBottom)
+{
+    const int fixedRight = std::min(d->cols.fixedExtent(), gridRight);
+    const int fixedBottom = std::min(d->rows.fixedExtent(), gridBottom);
+    const QColor fixedVert =
+        d->options.testFlag(goFixedVertLine) ? colors.fixedLine : colors.fixedBackground;
+    const QColor fixedHorz =
+        d->options.testFlag(goFixedHorzLine) ? colors.fixedLine : colors.fixedBackground;
+    for (const ShownLine &col : d->shownCols) {
+        const int width = d->cols.lineAfter(col.index);
+        if (width == 0)
+            continue;
+        const int x = col.pos + d->cols.sizes.at(col.index);
+        const bool fixedCol = col.index < d->cols.fixed;
+        painter.fillRect(x, 0, width, fixedBottom, fixedVert);
+        painter.fillRect(x, fixedBottom, width, gridBottom - fixedBottom,
+                         fixedCol ? fixedVert : colors.line);
+    }
+    for (const ShownLine &row : d->shownRows) {
+        const int height = d->rows.lineAfter(row.index);
+        if (height == 0)
+            continue;
+        const int y = row.pos + d->rows.sizes.at(row.index);
+        const bool fixedRow = row.index < d->rows.fixed;
+        painter.fillRect(0, y, fixedRight, height, fixedHorz);
+        painter.fillRect(fixedRight, y, gridRight - fixedRight, height,
+                         fixedRow ? fixedHorz : colors.line);
+    }
+}
 
 void TCustomGrid::paintEvent(QPaintEvent *event)
 {
@@ -1578,8 +1608,10 @@ void TCustomGrid::paintEvent(QPaintEvent *event)
                         && (!state.testFlag(gdFocused) || drawFocusSelected))
                         kind = ckHighlight;
                 }
-                painter.setBrush(brushes[kind]);
-                painter.setPen(pens[kind]);
+                if (painter.brush() != brushes[kind])
+                    painter.setBrush(brushes[kind]);
+                if (painter.pen() != pens[kind])
+                    painter.setPen(pens[kind]);
                 if (d->defaultDrawing)
                     painter.fillRect(rect, kind == ckNormal ? colors.background
                                            : kind == ckFixed ? colors.fixedBackground
@@ -1604,18 +1636,6 @@ void TCustomGrid::paintEvent(QPaintEvent *event)
                     painter.setBrush(Qt::NoBrush);
                     painter.drawRect(rect.adjusted(0, 0, -1, -1));
                 }
-                // The grid lines right of and below the cell.
-                const QColor vertLine = fixed
-                    ? (d->options.testFlag(goFixedVertLine) ? colors.fixedLine : colors.fixedBackground)
-                    : colors.line;
-                const QColor horzLine = fixed
-                    ? (d->options.testFlag(goFixedHorzLine) ? colors.fixedLine : colors.fixedBackground)
-                    : colors.line;
-                if (colLine > 0)
-                    painter.fillRect(rect.right() + 1, rect.top(), colLine, rowHeight, vertLine);
-                if (rowLine > 0)
-                    painter.fillRect(rect.left(), rect.bottom() + 1, colWidth + colLine, rowLine,
-                                     horzLine);
             }
         }
     } catch (const std::exception &error) {
@@ -1629,9 +1649,11 @@ void TCustomGrid::paintEvent(QPaintEvent *event)
     }
     d->canvas = nullptr;
 
-    // The area beyond the last column and row.
     const int gridRight = TCustomGridPrivate::shownExtent(d->cols, d->shownCols);
     const int gridBottom = TCustomGridPrivate::shownExtent(d->rows, d->shownRows);
+    PaintGridLines(painter, colors, gridRight, gridBottom);
+
+    // The area beyond the last column and row.
     if (gridRight < width)
         painter.fillRect(gridRight, 0, width - gridRight, height, colors.background);
     if (gridBottom < height)

@@ -114,6 +114,14 @@ class TCustomGridPrivate;
 // Fixed rows and columns never scroll; LeftCol and TopRow are the first
 // scrollable column and row shown.
 //
+// Keys: arrows move one cell (with Shift and goRangeSelect they extend the
+// selection), Home/End go to the first/last column, Ctrl+Home/End to the
+// first/last cell, PgUp/PgDn move a page, Ctrl+PgUp/PgDn to the top/bottom
+// row shown, Ctrl+Up/Down scroll a row, Ctrl+Left/Right a page sideways, and
+// with goTabs Tab/Shift+Tab go through the cells row by row. With goRowSelect
+// Left/Right scroll and Home/End go to the first/last row. The current cell
+// is always scrolled into view.
+//
 // Painting: only the cells that intersect the repainted area are drawn. For
 // each, the grid prepares Canvas() - the painter of the viewport, valid only
 // while the grid paints - with the cell's background as the brush, its text
@@ -206,14 +214,17 @@ public:
     TGridRect Selection() const;
     void SetSelection(const TGridRect &Value);
 
-    // Cell geometry in viewport pixels. CellRect is empty for a cell that is
-    // not shown; a partly shown cell gets its whole rectangle.
+    // Cell geometry in viewport pixels. CellRect is the cell without its
+    // grid lines, empty for a cell that is not shown; a partly shown cell
+    // gets its whole rectangle. BoxRect covers the shown part of a range of
+    // cells, their grid lines included.
     QRect CellRect(int ACol, int ARow) const;
     QRect BoxRect(int ALeft, int ATop, int ARight, int ABottom) const;
     // The cell at a viewport point; -1 where there is no cell.
     void MouseToCell(int X, int Y, int &ACol, int &ARow) const;
     TGridCoord MouseCoord(int X, int Y) const;
-    // Width and height of all cells shown, lines included.
+    // Width and height of all cells shown, lines included, at most the
+    // viewport's.
     int GridWidth() const;
     int GridHeight() const;
 
@@ -223,20 +234,25 @@ public:
     void InvalidateRect(const TGridRect &ARect);
     void InvalidateGrid();
 
-    // Moves a column (row) with its width (height) to another index.
+    // Moves a column (row) with its width (height) to another index; the
+    // current cell moves along. ColumnMoved (RowMoved) follows.
     void MoveColumn(int FromIndex, int ToIndex);
     void MoveRow(int FromIndex, int ToIndex);
 
     TGridState GridState() const;
 
-    // In-place editing (goEditing): the editor shows over the current cell.
-    // Setting EditorMode to false commits the edited text.
+    // In-place editing (goEditing) in the grid that holds the focus: F2,
+    // Enter, typing or a click on the current cell open the editor over the
+    // current cell; Enter, moving to another cell or leaving the grid commit
+    // the text through SetEditText, Escape drops it. Setting EditorMode to
+    // false commits.
     bool EditorMode() const;
     void SetEditorMode(bool Value);
     // The editor widget; nullptr until editing first starts.
     QLineEdit *InplaceEditor() const;
 
-    // The painter of the cell being drawn; nullptr outside painting.
+    // The painter of the cell being drawn; nullptr outside painting (see
+    // the class comment).
     QPainter *Canvas() const;
 
     TDrawCellEvent OnDrawCell;
@@ -254,6 +270,7 @@ public:
     TNotifyEvent OnMouseLeave;
 
 Q_SIGNALS:
+    // The same notifications as OnClick, OnDblClick and OnTopLeftChanged.
     void clicked();
     void doubleClicked();
     void topLeftChanged();
@@ -263,6 +280,10 @@ protected:
     virtual void DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State);
     // Whether the cell may become current; the default asks OnSelectCell.
     virtual bool SelectCell(int ACol, int ARow);
+    // Click follows every move of the current cell made by the user or by
+    // Col/Row (on the mouse's release for a mouse selection); the default
+    // calls OnClick and emits clicked(). DblClick acts on the cell under the
+    // mouse.
     virtual void Click();
     virtual void DblClick();
     virtual void TopLeftChanged();
@@ -283,6 +304,7 @@ protected:
 
     // Mouse handlers in the toolkit's terms; the grid's own selecting,
     // sizing and moving happen in them, then the On... events.
+    // The wheel moves the current row by one per notch.
     virtual void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y);
     virtual void MouseMove(TShiftState Shift, int X, int Y);
     virtual void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y);
@@ -336,6 +358,8 @@ private:
     void DoubleClickAt(int X, int Y);
     void UpdateSizingCursor(int X, int Y);
     void ApplyScrollBarPolicies();
+    struct PaintColors;
+    void PaintGridLines(QPainter &painter, const PaintColors &colors, int gridRight, int gridBottom);
 
     friend class TCustomGridPrivate;
     std::unique_ptr<TCustomGridPrivate> d;

@@ -180,7 +180,7 @@ void ShowExceptionLater(std::exception_ptr error)
 } // namespace
 
 EOSError::EOSError(int errorCode)
-    : Exception(QString::fromStdString(std::system_category().message(errorCode))),
+    : Exception(QString::fromLocal8Bit(std::system_category().message(errorCode))),
       m_errorCode(errorCode)
 {
 }

@@ -1,0 +1,1070 @@
+#include "oxa/diary/DiarPanel.h"
+
+#include "oxa/diary/MonthGrid.h"
+#include "oxa/toolkit/Exceptions.h"
+
+#include <QAction>
+#include <QCursor>
+#include <QDropEvent>
+#include <QItemSelectionModel>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QScopedValueRollback>
+#include <QStyle>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace oxa {
+
+namespace {
+
+// A box narrower than this is not worth laying out below the month grid.
+constexpr int MinBoxHeight = 90;
+// One notch of a mouse wheel.
+constexpr int WheelStep = 120;
+
+int WholeDays(TDate aDatum)
+{
+    return int(std::floor(aDatum));
+}
+
+bool IsWeekend(TDate aDatum)
+{
+    return DayOfTheWeek(aDatum) >= 6;
+}
+
+// A working day of the same ISO week: Saturday and Sunday become its Friday.
+TDate WorkingDayOf(TDate aDatum)
+{
+    const int dow = DayOfTheWeek(aDatum);
+    return dow >= 6 ? aDatum - (dow - 5) : aDatum;
+}
+
+// The caption of an entry in the month grid's menu: "08:30-09:15 Popis".
+// An ampersand of the description is shown, not taken for a mnemonic.
+QString MenuCaption(const TDayRecord &aZaznam)
+{
+    QString popis = aZaznam.Popis.Text();
+    popis.replace(QLatin1Char('&'), QLatin1String("&&"));
+    return FormatDateTime(QStringLiteral("hh:mm"), aZaznam.CasOd)
+           + FormatDateTime(QStringLiteral("\"-\"hh:mm\" \""), aZaznam.CasDo) + popis;
+}
+
+} // namespace
+
+// --- construction --------------------------------------------------------------
+
+TDiarPanel::TDiarPanel(QWidget *AOwner)
+    : TWinControl<QFrame>(AOwner),
+      fMonthRecords(std::make_unique<TMonthArray>(DnuPred, DnuPo))
+{
+    setMinimumSize(120, 80);
+
+    fPopUpMenu = new QMenu(this);
+    fPopUpMenu->setObjectName(QStringLiteral("PopupMenu"));
+    fMenuItemEdit = fPopUpMenu->addAction(QStringLiteral("Editovat"));
+    fMenuItemEdit->setObjectName(QStringLiteral("MenuItemEdit"));
+    fMenuItemPacient = fPopUpMenu->addAction(QStringLiteral("Přejít na pacienta"));
+    fMenuItemPacient->setObjectName(QStringLiteral("MenuItemPacient"));
+    connect(fMenuItemEdit, &QAction::triggered, this, [this] { MenuItemEventEditovat(); });
+    connect(fMenuItemPacient, &QAction::triggered, this, [this] { MenuItemEventPacient(); });
+    connect(fPopUpMenu, &QMenu::aboutToShow, this, [this] { fPopUpMenuOnPopUp(); });
+
+    fMonthGridMenu = new QMenu(this);
+    fMonthGridMenu->setObjectName(QStringLiteral("MonthGridMenu"));
+
+    GenerujBunky();
+    GotoDate(Date());
+    fcanCallReanrangeDay = true;
+    RearangeDays();
+}
+
+TDiarPanel::~TDiarPanel()
+{
+    // The boxes are freed with the panel's children, after this part of it.
+    for (TDayGroupBox *box : std::as_const(fBoxPool)) {
+        box->removeEventFilter(this);
+        box->DayListView()->viewport()->removeEventFilter(this);
+        box->DayListView()->selectionModel()->disconnect(this);
+    }
+    if (FMonthGrid) {
+        FMonthGrid->SetZaznamy(nullptr);
+        FMonthGrid->OnSelectCell = nullptr;
+        FMonthGrid->OnClick = nullptr;
+        FMonthGrid->OnDblClick = nullptr;
+        FMonthGrid->OnKeyDown = nullptr;
+    }
+}
+
+TDayGroupBox *TDiarPanel::CreateDayGroupBox()
+{
+    auto *box = new TDayGroupBox(this);
+    TDayListView *list = box->DayListView();
+    box->OnSelectDayItem = [this, box](QObject *, int) { SelectBoxDay(box); };
+    box->OnDoubleClickDayItem = [this](QObject *Sender, const TDayRecord &aZaznam) {
+        DoubleClickDayEvent(Sender, aZaznam);
+    };
+    box->installEventFilter(this);
+    list->viewport()->installEventFilter(this);
+
+    list->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(list, &QWidget::customContextMenuRequested, this,
+            [this, box](const QPoint &pos) { ShowEntryMenu(box, pos); });
+    connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this, list](const QItemSelection &selected, const QItemSelection &deselected) {
+                ListSelectionChanged(list, selected, deselected);
+            });
+
+    list->OnStartDrag = [this](QObject *, TTextDragObject &DragObject, bool &Allow) {
+        Allow = !FReadOnly && TDayListView::ItemRecord(DragObject.DataItem);
+    };
+    list->OnDragOver = [this, box](QObject *, QObject *, const QPoint &, bool &Accept) {
+        Accept = CanDropOn(box);
+    };
+    list->OnDragDrop = [this, box](QObject *, QObject *, const QPoint &) { DropOn(box); };
+    fBoxPool.append(box);
+    return box;
+}
+
+// --- the shown period ----------------------------------------------------------
+
+int TDiarPanel::BoxCountFor(TDiarSize aSize) const
+{
+    switch (aSize) {
+    case dsWorkWeek:
+        return 5;
+    case dsWeek:
+        return 7;
+    case dsDay:
+    case dsMonth:
+        break;
+    }
+    return 1;
+}
+
+void TDiarPanel::SetDiarSize(TDiarSize Value)
+{
+    if (Value == FDiarSize)
+        return;
+    FDiarSize = Value;
+    GenerujBunky();
+    if (FDiarSize == dsMonth) {
+        EnsureMonthGrid();
+        FMonthGrid->show();
+    } else if (FMonthGrid) {
+        FMonthGrid->hide();
+    }
+    GotoDate(FSelectedDay);
+    RearangeDays();
+}
+
+TDate TDiarPanel::MonthFirstDate() const
+{
+    return SpocitejDatum(1, FMonthYear);
+}
+
+TDate TDiarPanel::DataDateMin() const
+{
+    return MonthFirstDate() - DnuPred;
+}
+
+TDate TDiarPanel::DataDateMax() const
+{
+    const TDate first = MonthFirstDate();
+    return first + DaysInAMonth(FMonthYear / 100 + 1900, FMonthYear % 100) - 1 + DnuPo;
+}
+
+void TDiarPanel::GotoDate(TDate aValue)
+{
+    int year = 0, month = 0, day = 0;
+    DecodeDate(aValue, year, month, day);
+    GotoDate(day, DateToMesicRok(aValue));
+}
+
+void TDiarPanel::GotoDate(int aDay, qint16 aMonthYear)
+{
+    TDate datum = SpocitejDatum(aDay, aMonthYear);
+    if (FDiarSize == dsWorkWeek)
+        datum = WorkingDayOf(datum);
+    int year = 0, month = 0, day = 0;
+    DecodeDate(datum, year, month, day);
+    const qint16 monthYear = DateToMesicRok(datum);
+    const bool monthChanged = monthYear != FMonthYear;
+
+    FDay = day;
+    FMonthYear = monthYear;
+    FSelectedDay = datum;
+    FVisibleDateMin = FirstVisibleDate(datum, FDiarSize);
+    FVisibleDateMax = LastVisibleDate(datum, FDiarSize);
+    if (monthChanged) {
+        // The store's slots count from the month: the entries of the old
+        // month are no longer where they belong.
+        fMonthRecords->Clear();
+        fBoxesStale = true;
+        fMonthGridDirty = true;
+    }
+    InitDays();
+    SyncMonthGrid();
+    if (monthChanged) {
+        // Months differ in length, and so does the month grid.
+        if (FDiarSize == dsMonth)
+            RearangeDays();
+        Q_EMIT monthYearChanged(FMonthYear);
+    }
+}
+
+void TDiarPanel::GotoMonth(int aMonth, int aYear)
+{
+    if (aMonth < 1 || aMonth > 12)
+        throw EConvertError(QStringLiteral("Neplatný měsíc %1").arg(aMonth));
+    const int day = std::min(std::max(FDay, 1), DaysInAMonth(aYear, aMonth));
+    GotoDate(day, qint16((aYear - 1900) * 100 + aMonth));
+}
+
+void TDiarPanel::GotoMonth(qint16 aMonthYear)
+{
+    GotoMonth(aMonthYear % 100, aMonthYear / 100 + 1900);
+}
+
+// --- the day boxes -------------------------------------------------------------
+
+TDayGroupBox *TDiarPanel::DayGroupBox(int Index) const
+{
+    return Index >= 0 && Index < FDayGroupBoxArray.size() ? FDayGroupBoxArray.at(Index) : nullptr;
+}
+
+TDayGroupBox *TDiarPanel::GetDayGroupBox(TDate aDatum) const
+{
+    for (TDayGroupBox *box : FDayGroupBoxArray) {
+        if (SameDate(box->Date(), aDatum))
+            return box;
+    }
+    return nullptr;
+}
+
+TDayGroupBox *TDiarPanel::GetDayGroupBox(int aDay, qint16 aMonthYear) const
+{
+    TDate datum = 0;
+    if (!TryEncodeDate(aMonthYear / 100 + 1900, aMonthYear % 100, aDay, datum))
+        return nullptr;
+    return GetDayGroupBox(datum);
+}
+
+TDayGroupBox *TDiarPanel::ActiveDayGroupBox() const
+{
+    return GetDayGroupBox(FSelectedDay);
+}
+
+TDayListView *TDiarPanel::DayListView() const
+{
+    TDayGroupBox *box = ActiveDayGroupBox();
+    return box ? box->DayListView() : nullptr;
+}
+
+void TDiarPanel::GenerujBunky()
+{
+    const int count = BoxCountFor(FDiarSize);
+    while (fBoxPool.size() < count)
+        CreateDayGroupBox();
+    FDayGroupBoxArray = fBoxPool.mid(0, count);
+    // Boxes the view does not need wait hidden and empty for another view.
+    for (int i = 0; i < fBoxPool.size(); ++i) {
+        TDayGroupBox *box = fBoxPool.at(i);
+        box->setVisible(i < count);
+        if (i >= count && box->DayListView()->Count() > 0) {
+            ++fSilentSelection;
+            box->Clear();
+            --fSilentSelection;
+        }
+    }
+    fBoxesStale = true;
+}
+
+TDate TDiarPanel::FirstShownDate() const
+{
+    switch (FDiarSize) {
+    case dsWorkWeek:
+    case dsWeek:
+        return FVisibleDateMin + 1; // the Monday
+    case dsDay:
+    case dsMonth:
+        break;
+    }
+    return FSelectedDay;
+}
+
+void TDiarPanel::InitDays()
+{
+    const TDate first = FirstShownDate();
+    for (int i = 0; i < FDayGroupBoxArray.size(); ++i) {
+        const TDate datum = first + i;
+        if (fBoxesStale || !SameDate(FDayGroupBoxArray.at(i)->Date(), datum))
+            SetDayGroupBox(i, datum);
+    }
+    fBoxesStale = false;
+    UpdateActiveBox();
+}
+
+void TDiarPanel::SetDayGroupBox(int Index, TDate aDatum)
+{
+    TDayGroupBox *box = DayGroupBox(Index);
+    if (!box)
+        throw EInvalidOperation(QStringLiteral("Den %1 panel nezobrazuje").arg(Index));
+    box->SetDate(DateOf(aDatum));
+    FillBox(box);
+    box->SetActive(SameDate(aDatum, FSelectedDay));
+}
+
+void TDiarPanel::UpdateActiveBox()
+{
+    for (TDayGroupBox *box : std::as_const(FDayGroupBoxArray)) {
+        const bool active = SameDate(box->Date(), FSelectedDay);
+        if (box->Active() != active)
+            box->SetActive(active);
+    }
+}
+
+void TDiarPanel::RearangeDays()
+{
+    if (!fcanCallReanrangeDay)
+        return;
+    QRect area = contentsRect();
+    if (FDiarSize == dsMonth && FMonthGrid) {
+        int gridHeight = MonthGridHeight();
+        if (area.height() - gridHeight < MinBoxHeight)
+            gridHeight = std::max(area.height() * 2 / 3, area.height() - MinBoxHeight);
+        FMonthGrid->setGeometry(area.left(), area.top(), area.width(), gridHeight);
+        area.setTop(area.top() + gridHeight);
+    }
+    // The days side by side, the width shared out evenly.
+    const int count = int(FDayGroupBoxArray.size());
+    int left = area.left();
+    for (int i = 0; i < count; ++i) {
+        const int width = area.width() / count + (i < area.width() % count ? 1 : 0);
+        FDayGroupBoxArray.at(i)->setGeometry(left, area.top(), width, area.height());
+        left += width;
+    }
+}
+
+// The height that shows every day of the month without a vertical scroll bar.
+int TDiarPanel::MonthGridHeight() const
+{
+    const int line = FMonthGrid->GridLineWidth();
+    int height = 2 * FMonthGrid->frameWidth()
+                 + style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, FMonthGrid);
+    for (int row = 0; row < FMonthGrid->RowCount(); ++row)
+        height += FMonthGrid->RowHeights(row) + line;
+    return height;
+}
+
+void TDiarPanel::resizeEvent(QResizeEvent *event)
+{
+    TWinControl<QFrame>::resizeEvent(event);
+    RearangeDays();
+}
+
+// --- the store -----------------------------------------------------------------
+
+TDate TDiarPanel::RecordDate(const TDayRecord &aZaznam) const
+{
+    return SpocitejDatum(aZaznam.Den, aZaznam.RokMesic);
+}
+
+// Slots before the month count back from its first day, slots after it from
+// the 32nd slot (the month always has 31 of them).
+int TDiarPanel::SlotOfDate(TDate aDatum) const
+{
+    const int first = WholeDays(MonthFirstDate());
+    const int last = first + DaysInAMonth(FMonthYear / 100 + 1900, FMonthYear % 100) - 1;
+    const int day = WholeDays(aDatum);
+    if (day < first)
+        return DnuPred - (first - day);
+    if (day <= last)
+        return DnuPred + (day - first);
+    return DnuPred + 31 + (day - last - 1);
+}
+
+PDayRecord TDiarPanel::FindStored(qint32 aID)
+{
+    for (int slot = 0; slot < fMonthRecords->SlotCount(); ++slot) {
+        if (PDayRecord zaznam = fMonthRecords->FindDayRecord(slot, false, aID))
+            return zaznam;
+    }
+    return nullptr;
+}
+
+bool TDiarPanel::RemoveFromStore(qint32 aID, TDate *aDatum)
+{
+    for (int slot = 0; slot < fMonthRecords->SlotCount(); ++slot) {
+        if (PDayRecord zaznam = fMonthRecords->FindDayRecord(slot, false, aID)) {
+            *aDatum = RecordDate(*zaznam);
+            fMonthRecords->RemoveDayRecord(slot, aID);
+            return true;
+        }
+    }
+    return false;
+}
+
+void TDiarPanel::FillBox(TDayGroupBox *aBox)
+{
+    TDayListView *list = aBox->DayListView();
+    const TDayRecord *selected = list->SelectedRecord();
+    const qint32 selectedID = selected ? selected->ID_DIAR : -1;
+    ++fSilentSelection;
+    list->setUpdatesEnabled(false);
+    list->Clear();
+    if (!fAddDayRecord) {
+        for (const TDayRecord &zaznam : fMonthRecords->GetDayRecordArray(SlotOfDate(aBox->Date()), false))
+            list->AddItem(zaznam);
+        if (selectedID >= 0) {
+            if (QTreeWidgetItem *item = list->topLevelItem(list->VratIndexPrvku(selectedID)))
+                list->setCurrentItem(item);
+        }
+    }
+    list->setUpdatesEnabled(true);
+    --fSilentSelection;
+}
+
+void TDiarPanel::RefreshBoxes()
+{
+    for (TDayGroupBox *box : std::as_const(FDayGroupBoxArray))
+        FillBox(box);
+    fMonthGridDirty = true;
+    SyncMonthGrid();
+}
+
+void TDiarPanel::ShowRecordChange(TDate aDatum)
+{
+    if (DateToMesicRok(aDatum) != FMonthYear)
+        return;
+    if (!MonthGridShowing()) {
+        fMonthGridDirty = true;
+        return;
+    }
+    int year = 0, month = 0, day = 0;
+    DecodeDate(aDatum, year, month, day);
+    FMonthGrid->InitVykreslovani(day);
+    FMonthGrid->InvalidateRow(day);
+}
+
+void TDiarPanel::AddDayRecord(const TDayRecord &aZaznam)
+{
+    const TDate datum = RecordDate(aZaznam);
+    const int slot = SlotOfDate(datum);
+    if (slot < 0 || slot >= fMonthRecords->SlotCount())
+        return;
+    fMonthRecords->AddDayRecord(aZaznam, slot);
+    if (fAddDayRecord)
+        return;
+    if (TDayGroupBox *box = GetDayGroupBox(datum)) {
+        ++fSilentSelection;
+        box->DayListView()->AddItem(aZaznam);
+        --fSilentSelection;
+    }
+    ShowRecordChange(datum);
+}
+
+void TDiarPanel::AddDayRecord_BeginUpdate()
+{
+    ++fAddDayRecord;
+}
+
+void TDiarPanel::AddDayRecord_EndUpdate()
+{
+    if (fAddDayRecord == 0 || --fAddDayRecord > 0)
+        return;
+    RefreshBoxes();
+}
+
+void TDiarPanel::RemoveDayRecord(const TDayRecord &aZaznam)
+{
+    TDate datum = 0;
+    if (!RemoveFromStore(aZaznam.ID_DIAR, &datum))
+        return;
+    if (fAddDayRecord)
+        return;
+    if (TDayGroupBox *box = GetDayGroupBox(datum)) {
+        ++fSilentSelection;
+        box->DayListView()->RemoveItem(aZaznam.ID_DIAR);
+        --fSilentSelection;
+    }
+    ShowRecordChange(datum);
+}
+
+void TDiarPanel::ChangeDayRecord(const TDayRecord &aZaznam)
+{
+    const bool wasSelected = GetSelectedItemID() == aZaznam.ID_DIAR;
+    RemoveDayRecord(aZaznam);
+    AddDayRecord(aZaznam);
+    if (wasSelected)
+        SelectItem(aZaznam.ID_DIAR);
+}
+
+bool TDiarPanel::RemoveRecords(QStringList &aList)
+{
+    const bool removed = fMonthRecords->RemoveRecords(aList);
+    if (removed && !fAddDayRecord)
+        RefreshBoxes();
+    return removed;
+}
+
+void TDiarPanel::Clear()
+{
+    fMonthRecords->Clear();
+    if (!fAddDayRecord)
+        RefreshBoxes();
+}
+
+const TDayRecord *TDiarPanel::GetSelectedItem() const
+{
+    const TDayListView *list = DayListView();
+    return list ? list->SelectedRecord() : nullptr;
+}
+
+qint32 TDiarPanel::GetSelectedItemID() const
+{
+    const TDayRecord *zaznam = GetSelectedItem();
+    return zaznam ? zaznam->ID_DIAR : -1;
+}
+
+bool TDiarPanel::SelectItem(qint32 aID)
+{
+    TDayListView *list = DayListView();
+    QTreeWidgetItem *item = list ? list->topLevelItem(list->VratIndexPrvku(aID)) : nullptr;
+    if (!item)
+        return false;
+    ++fSilentSelection;
+    list->setCurrentItem(item);
+    --fSilentSelection;
+    return true;
+}
+
+bool TDiarPanel::IsDayEmpty(TDate aDatum) const
+{
+    return fMonthRecords->IsDayEmpty(SlotOfDate(aDatum));
+}
+
+void TDiarPanel::getAktualniPocty(TCalDaysArray &aktMesic) const
+{
+    fMonthRecords->getAktualniPocty(aktMesic);
+}
+
+int TDiarPanel::getZaznamyCount(int aDen) const
+{
+    return fMonthRecords->getZaznamyCount(aDen);
+}
+
+QList<PDayRecord> TDiarPanel::returnRecords(TTime casOd, TTime casDo)
+{
+    return fMonthRecords->FindDayRecord(FDay, casOd, casDo);
+}
+
+// --- settings ------------------------------------------------------------------
+
+void TDiarPanel::SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni)
+{
+    FDiarNastaveni = aDiarNastaveni;
+    const int minut = aDiarNastaveni.minutDilek;
+    const int dilek = minut > 0 && minut <= 60 && 60 % minut == 0 ? minut : 15;
+    if (dilek != fDilekMinut) {
+        fDilekMinut = dilek;
+        // The grid's columns are fixed by its slot length: a new grid.
+        DiscardMonthGrid();
+        if (FDiarSize == dsMonth) {
+            EnsureMonthGrid();
+            FMonthGrid->show();
+            RearangeDays();
+        }
+    }
+    if (FMonthGrid) {
+        FMonthGrid->SetDiarNastaveni(FDiarNastaveni);
+        fMonthGridDirty = true;
+        SyncMonthGrid();
+    }
+}
+
+// --- the month grid ------------------------------------------------------------
+
+TMonthGrid *TDiarPanel::MonthGrid() const
+{
+    return FMonthGrid;
+}
+
+void TDiarPanel::EnsureMonthGrid()
+{
+    if (FMonthGrid)
+        return;
+    FMonthGrid = new TMonthGrid(this, fDilekMinut);
+    FMonthGrid->setObjectName(QStringLiteral("MonthGrid"));
+    FMonthGrid->SetDiarNastaveni(FDiarNastaveni);
+    FMonthGrid->SetZaznamy(fMonthRecords.get());
+    FMonthGrid->OnSelectCell = [this](QObject *Sender, int ACol, int ARow, bool &CanSelect) {
+        OnMonthGridSelectCell(Sender, ACol, ARow, CanSelect);
+    };
+    FMonthGrid->OnClick = [this](QObject *Sender) {
+        if (!fFollowingGrid && Sender == FMonthGrid)
+            FireDayClick(FSelectedDay);
+    };
+    FMonthGrid->OnDblClick = [this](QObject *Sender) { OnMonthGridDblClick(Sender); };
+    FMonthGrid->OnKeyDown = [this](QObject *Sender, Word &Key, TShiftState Shift) {
+        OnMonthGridKeyDown(Sender, Key, Shift);
+    };
+    fMonthGridDirty = true;
+    SyncMonthGrid();
+}
+
+void TDiarPanel::DiscardMonthGrid()
+{
+    if (!FMonthGrid)
+        return;
+    TMonthGrid *grid = FMonthGrid;
+    FMonthGrid = nullptr;
+    grid->hide();
+    grid->SetZaznamy(nullptr);
+    grid->OnSelectCell = nullptr;
+    grid->OnClick = nullptr;
+    grid->OnDblClick = nullptr;
+    grid->OnKeyDown = nullptr;
+    // It may be the grid whose handler got here.
+    grid->deleteLater();
+}
+
+// Brings the grid to the selected day and, when the store changed, rebuilds
+// its cells. A grid that is not shown waits until it is.
+void TDiarPanel::SyncMonthGrid()
+{
+    if (!FMonthGrid || FDiarSize != dsMonth)
+        return;
+    if (!fFollowingGrid) {
+        fFollowingGrid = true;
+        FMonthGrid->SetDatum(FSelectedDay);
+        fFollowingGrid = false;
+    }
+    if (fMonthGridDirty && !fAddDayRecord) {
+        fMonthGridDirty = false;
+        FMonthGrid->Init();
+        FMonthGrid->InvalidateGrid();
+    }
+}
+
+TTime TDiarPanel::getMonthGridSelectStartTime() const
+{
+    if (!FMonthGrid)
+        throw Exception(QStringLiteral("MonthGrid je nil"));
+    return FMonthGrid->GetSelCellStartTime();
+}
+
+TTime TDiarPanel::getMonthGridSelectEndTime() const
+{
+    if (!FMonthGrid)
+        throw Exception(QStringLiteral("MonthGrid je nil"));
+    return FMonthGrid->GetSelCellEndTime();
+}
+
+void TDiarPanel::PrekresliUdajMesice(TTime CasOd, TTime CasDo)
+{
+    if (FMonthGrid)
+        FMonthGrid->PrekresliUdaj(CasOd, CasDo);
+}
+
+void TDiarPanel::MonthGridInvalidate()
+{
+    if (FMonthGrid)
+        FMonthGrid->prekresliGrid();
+}
+
+bool TDiarPanel::MonthGridShowing() const
+{
+    return FMonthGrid && FDiarSize == dsMonth && !FMonthGrid->isHidden();
+}
+
+void TDiarPanel::AktivujCasMesice(TTime aCas)
+{
+    if (FMonthGrid)
+        FMonthGrid->AktivujCas(aCas);
+}
+
+// The grid's row is the selected day: a row chosen by the user, with the
+// mouse, the keys or the wheel, selects its day.
+void TDiarPanel::OnMonthGridSelectCell(QObject *Sender, int ACol, int ARow, bool &CanSelect)
+{
+    Q_UNUSED(ACol);
+    Q_UNUSED(CanSelect);
+    if (fFollowingGrid || Sender != FMonthGrid || ARow < 1 || ARow == FDay)
+        return;
+    const QScopedValueRollback following(fFollowingGrid, true);
+    GotoDate(ARow, FMonthYear);
+}
+
+void TDiarPanel::OnMonthGridDblClick(QObject *Sender)
+{
+    Q_UNUSED(Sender);
+    if (FReadOnly || !FMonthGrid)
+        return;
+    fMonthGridMenu->clear();
+    TDayRecordArray zaznamy;
+    for (PDayRecord zaznam :
+         returnRecords(getMonthGridSelectStartTime(), getMonthGridSelectEndTime()))
+        zaznamy.push_back(*zaznam);
+
+    if (zaznamy.empty()) {
+        if (OnDayDblClick)
+            Safely([this] { OnDayDblClick(this, FSelectedDay); });
+        return;
+    }
+    if (zaznamy.size() == 1) {
+        OpenEntry(FMonthGrid, zaznamy.front());
+        return;
+    }
+    int number = 0;
+    for (const TDayRecord &zaznam : zaznamy) {
+        QAction *item = fMonthGridMenu->addAction(MenuCaption(zaznam));
+        item->setObjectName(QStringLiteral("MenuItem%1").arg(++number));
+        item->setData(zaznam.ID_DIAR);
+        const qint32 id = zaznam.ID_DIAR;
+        connect(item, &QAction::triggered, this, [this, id] {
+            // The entry as it is stored now; one deleted meanwhile opens nothing.
+            if (PDayRecord stored = FindStored(id)) {
+                const TDayRecord copy = *stored;
+                OpenEntry(FMonthGrid, copy);
+            }
+        });
+    }
+    fMonthGridMenu->popup(QCursor::pos());
+}
+
+void TDiarPanel::OnMonthGridKeyDown(QObject *Sender, Word &Key, TShiftState Shift)
+{
+    Q_UNUSED(Shift);
+    // The grid moves its row and slot itself; the panel only adds Insert.
+    if (Key == VK_INSERT) {
+        Key = 0;
+        if (!FReadOnly && OnDayInsertEvent)
+            Safely([this, Sender] { OnDayInsertEvent(Sender, FSelectedDay); });
+    }
+}
+
+// --- events of the day boxes ---------------------------------------------------
+
+void TDiarPanel::FireDayClick(TDate aDate)
+{
+    if (OnDayClick)
+        Safely([this, aDate] { OnDayClick(this, aDate); });
+}
+
+void TDiarPanel::SelectBoxDay(TDayGroupBox *aBox)
+{
+    if (!FDayGroupBoxArray.contains(aBox))
+        return;
+    GotoDate(aBox->Date());
+    FireDayClick(FSelectedDay);
+}
+
+void TDiarPanel::DayDeleteEvent(QObject *Sender, PDayRecord aData, bool &AllowDelete)
+{
+    Q_UNUSED(Sender);
+    if (OnDayDeleteEvent)
+        Safely([&] { OnDayDeleteEvent(this, aData, AllowDelete); }, AllowDelete);
+}
+
+void TDiarPanel::OnDayResize(QObject *Sender)
+{
+    // A box captions itself by its width; the layout is the panel's own.
+    Q_UNUSED(Sender);
+}
+
+void TDiarPanel::DoubleClickDayEvent(QObject *Sender, const TDayRecord &aZaznam)
+{
+    // The box opens its selected entry; below the entries the user meant the day.
+    if (!fDblClickOnItem)
+        return;
+    OpenEntry(Sender, aZaznam);
+}
+
+void TDiarPanel::OpenEntry(QObject *Sender, const TDayRecord &aZaznam)
+{
+    if (FReadOnly)
+        return;
+    if (OnDoubleClickItemEvent) {
+        Safely([&] { OnDoubleClickItemEvent(Sender, aZaznam); });
+    } else if (FDiarNastaveni.dblklikSchuzkaChangePac && aZaznam.TABULKA_REFERENCE == zkPacient
+               && OnChangePacient) {
+        Safely([&] { OnChangePacient(this, aZaznam); });
+    } else if (OnDayEditEvent) {
+        Safely([&] { OnDayEditEvent(this, aZaznam); });
+    }
+}
+
+void TDiarPanel::ListSelectionChanged(TDayListView *aList, const QItemSelection &aSelected,
+                                      const QItemSelection &aDeselected)
+{
+    if (fSilentSelection || !OnDaySelectItemEvent)
+        return;
+    const auto report = [this, aList](const QItemSelection &selection, bool selected) {
+        for (const QModelIndex &index : selection.indexes()) {
+            if (index.column() != 0)
+                continue;
+            if (QTreeWidgetItem *item = aList->topLevelItem(index.row()))
+                Safely([&] { OnDaySelectItemEvent(aList, item, selected); });
+        }
+    };
+    report(aDeselected, false);
+    report(aSelected, true);
+}
+
+// --- keys ----------------------------------------------------------------------
+
+// The days an arrow key moves: Left and Right by a day, Up and Down by a
+// week in the week views (the days stand side by side) and by a day in the
+// day and month views (the month grid has a row per day). 0 for other keys.
+int TDiarPanel::DayStep(Word Key) const
+{
+    const bool weekView = FDiarSize == dsWorkWeek || FDiarSize == dsWeek;
+    switch (Key) {
+    case VK_LEFT:
+        return -1;
+    case VK_RIGHT:
+        return 1;
+    case VK_UP:
+        return weekView ? -7 : -1;
+    case VK_DOWN:
+        return weekView ? 7 : 1;
+    default:
+        return 0;
+    }
+}
+
+// The day aStep days from aFrom; the work week steps over the weekend.
+TDate TDiarPanel::StepDate(TDate aFrom, int aStep) const
+{
+    TDate datum = DateOf(aFrom) + aStep;
+    if (FDiarSize == dsWorkWeek && IsWeekend(datum)) {
+        const int dow = DayOfTheWeek(datum);
+        datum = aStep > 0 ? datum + (8 - dow) : datum - (dow - 5);
+    }
+    return datum;
+}
+
+void TDiarPanel::OnDayMove(QObject *Sender, Word &Key, TShiftState Shift)
+{
+    auto *box = qobject_cast<TDayGroupBox *>(Sender);
+    const TDate from = box && FDayGroupBoxArray.contains(box) ? box->Date() : FSelectedDay;
+    if (Key == VK_INSERT) {
+        Key = 0;
+        if (!FReadOnly && OnDayInsertEvent)
+            Safely([&] { OnDayInsertEvent(this, from); });
+        return;
+    }
+    if (Key == VK_RETURN && box) {
+        Key = 0;
+        if (const TDayRecord *selected = box->DayListView()->SelectedRecord()) {
+            const TDayRecord zaznam = *selected;
+            OpenEntry(box, zaznam);
+        }
+        return;
+    }
+    const int step = DayStep(Key);
+    if (step == 0 || Shift.testFlag(ssShift) || Shift.testFlag(ssAlt))
+        return;
+    Key = 0;
+    if (Shift.testFlag(ssCtrl)) {
+        if (box)
+            MoveEntryByKey(box, step);
+        return;
+    }
+    GotoDate(StepDate(from, step));
+    FireDayClick(FSelectedDay);
+    FocusActiveList();
+}
+
+void TDiarPanel::FocusActiveList()
+{
+    TDayListView *list = DayListView();
+    QWidget *focused = focusWidget();
+    if (list && focused && isAncestorOf(focused) && focused != list)
+        list->setFocus(Qt::OtherFocusReason);
+}
+
+// --- moving entries ------------------------------------------------------------
+
+bool TDiarPanel::MoveEntry(const TDayRecord &aZaznam, TDate aTarget, bool aByDrag)
+{
+    int year = 0, month = 0, day = 0;
+    DecodeDate(aTarget, year, month, day);
+    TDayRecord nove = aZaznam;
+    nove.Den = qint16(day);
+    nove.RokMesic = DateToMesicRok(aTarget);
+
+    bool allow = true;
+    if (OnDayItemBeforeMoveEvent)
+        Safely([&] { OnDayItemBeforeMoveEvent(this, aZaznam, nove, allow); }, allow);
+    if (!allow)
+        return false;
+    RemoveDayRecord(aZaznam);
+    AddDayRecord(nove);
+    const TOnDayMoveEvent &told = aByDrag ? OnDayItemMoveEvent : OnDayMoveEvent;
+    if (told)
+        Safely([&] { told(this, aZaznam, nove); });
+    return true;
+}
+
+void TDiarPanel::MoveEntryByKey(TDayGroupBox *aBox, int aStep)
+{
+    const TDayRecord *selected = aBox->DayListView()->SelectedRecord();
+    if (FReadOnly || !selected)
+        return;
+    const TDayRecord zaznam = *selected;
+    const TDate target = StepDate(aBox->Date(), aStep);
+    if (!MoveEntry(zaznam, target, false))
+        return;
+    // The entry stays under the cursor: its new day becomes the selected one.
+    GotoDate(target);
+    SelectItem(zaznam.ID_DIAR);
+    FireDayClick(FSelectedDay);
+    FocusActiveList();
+}
+
+bool TDiarPanel::CanDropOn(TDayGroupBox *aBox) const
+{
+    if (FReadOnly || !fDragID || !FDayGroupBoxArray.contains(aBox))
+        return false;
+    PDayRecord zaznam = const_cast<TDiarPanel *>(this)->FindStored(*fDragID);
+    return zaznam && !SameDate(RecordDate(*zaznam), aBox->Date());
+}
+
+void TDiarPanel::DropOn(TDayGroupBox *aBox)
+{
+    if (!CanDropOn(aBox))
+        return;
+    const TDayRecord zaznam = *FindStored(*fDragID);
+    fDragID.reset();
+    const TDate target = aBox->Date();
+    if (!MoveEntry(zaznam, target, true))
+        return;
+    GotoDate(target);
+    SelectItem(zaznam.ID_DIAR);
+    FireDayClick(FSelectedDay);
+}
+
+// --- popup menu ----------------------------------------------------------------
+
+void TDiarPanel::ShowEntryMenu(TDayGroupBox *aBox, const QPoint &aViewportPos)
+{
+    if (!FDayGroupBoxArray.contains(aBox))
+        return;
+    if (!aBox->Active())
+        SelectBoxDay(aBox);
+    fPopUpMenu->popup(aBox->DayListView()->viewport()->mapToGlobal(aViewportPos));
+}
+
+void TDiarPanel::fPopUpMenuOnPopUp()
+{
+    const TDayRecord *selected = GetSelectedItem();
+    fMenuItemEdit->setEnabled(selected != nullptr);
+    fMenuItemPacient->setEnabled(selected && selected->TABULKA_REFERENCE == zkPacient);
+}
+
+void TDiarPanel::MenuItemEventEditovat()
+{
+    const TDayRecord *selected = GetSelectedItem();
+    if (!selected || !OnDayEditEvent)
+        return;
+    const TDayRecord zaznam = *selected;
+    Safely([&] { OnDayEditEvent(this, zaznam); });
+}
+
+void TDiarPanel::MenuItemEventPacient()
+{
+    const TDayRecord *selected = GetSelectedItem();
+    if (!selected || selected->TABULKA_REFERENCE != zkPacient || !OnChangePacient)
+        return;
+    const TDayRecord zaznam = *selected;
+    Safely([&] { OnChangePacient(this, zaznam); });
+}
+
+// --- mouse ---------------------------------------------------------------------
+
+// Wheel down selects the next day up to the last day shown, wheel up the
+// previous one down to the first day of the month.
+void TDiarPanel::MoveSelectionByWheel(int aSteps)
+{
+    bool moved = false;
+    for (; aSteps != 0; aSteps += aSteps > 0 ? -1 : 1) {
+        TDate target = 0;
+        if (aSteps > 0) {
+            if (WholeDays(FSelectedDay) >= WholeDays(FVisibleDateMax))
+                break;
+            target = StepDate(FSelectedDay, 1);
+        } else {
+            target = StepDate(FSelectedDay, -1);
+            if (FDay == 1 || DateToMesicRok(target) != FMonthYear)
+                break;
+        }
+        GotoDate(target);
+        moved = true;
+    }
+    if (moved)
+        FireDayClick(FSelectedDay);
+}
+
+void TDiarPanel::wheelEvent(QWheelEvent *event)
+{
+    fWheelDelta += event->angleDelta().y();
+    const int steps = fWheelDelta / WheelStep;
+    fWheelDelta -= steps * WheelStep;
+    // Rolling the wheel towards the user (a negative delta) goes later.
+    MoveSelectionByWheel(-steps);
+    event->accept();
+}
+
+bool TDiarPanel::eventFilter(QObject *watched, QEvent *event)
+{
+    auto *box = qobject_cast<TDayGroupBox *>(watched);
+    TDayListView *list = nullptr;
+    if (!box && watched->parent()) {
+        list = qobject_cast<TDayListView *>(watched->parent());
+        box = list ? list->DayGroupBox() : nullptr;
+    }
+    if (!box || !FDayGroupBoxArray.contains(box))
+        return TWinControl<QFrame>::eventFilter(watched, event);
+
+    switch (event->type()) {
+    case QEvent::Wheel:
+        wheelEvent(static_cast<QWheelEvent *>(event));
+        return true;
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop: {
+        // The list asks the panel about the drop; the entry is in the data.
+        qint32 id = 0;
+        if (TTextDragObject::DraggedID(static_cast<QDropEvent *>(event)->mimeData(), id))
+            fDragID = id;
+        else
+            fDragID.reset();
+        break;
+    }
+    case QEvent::MouseButtonRelease:
+        // A click on the box's frame or caption selects its day, as one in
+        // its list does.
+        if (!list && static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton)
+            SelectBoxDay(box);
+        break;
+    case QEvent::MouseButtonDblClick: {
+        const auto *mouse = static_cast<QMouseEvent *>(event);
+        const bool onItem = list && list->itemAt(mouse->position().toPoint());
+        fDblClickOnItem = onItem;
+        if (mouse->button() == Qt::LeftButton && !onItem && !FReadOnly && OnDayDblClick) {
+            const TDate datum = box->Date();
+            Safely([this, datum] { OnDayDblClick(this, datum); });
+        }
+        break;
+    }
+    default:
+        break;
+    }
+    return TWinControl<QFrame>::eventFilter(watched, event);
+}
+
+} // namespace oxa

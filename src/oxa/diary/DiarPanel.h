@@ -1,0 +1,307 @@
+#pragma once
+
+#include "oxa/diary/DayListView.h"
+#include "oxa/diary/DiarShared.h"
+#include "oxa/toolkit/WinControl.h"
+
+#include <QFrame>
+#include <QList>
+#include <QPointer>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QAction;
+class QItemSelection;
+class QMenu;
+class QTreeWidgetItem;
+
+namespace oxa {
+
+class TMonthGrid;
+
+// The events of the diary panel. Sender is the panel or the control of the
+// panel that fired the event.
+using TOnDayClick = std::function<void(QObject *Sender, TDate aDate)>;
+using TOnDayDblClick = std::function<void(QObject *Sender, TDate aDate)>;
+using TOnDayInsertEvent = std::function<void(QObject *Sender, TDate aDate)>;
+// aData points to a copy of the entry; AllowDelete comes in as true.
+using TOnDayDeleteEvent = std::function<void(QObject *Sender, PDayRecord aData, bool &AllowDelete)>;
+using TOnDayMoveEvent = std::function<void(QObject *Sender, const TDayRecord &OldDayRecord,
+                                           const TDayRecord &NewDayRecord)>;
+// Allow comes in as true; false keeps the entry where it is.
+using TOnDayBeforeMoveEvent = std::function<void(QObject *Sender, const TDayRecord &OldDayRecord,
+                                                 const TDayRecord &NewDayRecord, bool &Allow)>;
+using TOnDaySelectItemEvent = std::function<void(QObject *Sender, QTreeWidgetItem *Item, bool Selected)>;
+
+// The diary control: the entries of a day, a work week, a week or a month,
+// shown as day boxes (TDayGroupBox) and, in the month view, as the month
+// grid with the selected day's box under it.
+//
+// The panel keeps the entries of the month of the selected day and of the
+// seven days on either side of it (DataDateMin to DataDateMax) in its store.
+// When the selected day moves into another month the store is emptied and
+// monthYearChanged is emitted: the host loads the new range there, best
+// between AddDayRecord_BeginUpdate and AddDayRecord_EndUpdate.
+//
+// The user moves the selected day with clicks, the wheel and the arrow keys,
+// opens entries by double clicks and the popup menu, moves them to another
+// day by dragging or with Ctrl+arrow keys and deletes them with Delete; each
+// of these reaches the host through the On... events, and the host stores
+// the change.
+class TDiarPanel : public TWinControl<QFrame>, public TDayGroupBoxHost
+{
+    Q_OBJECT
+    Q_PROPERTY(oxa::TDayListView *DayListView READ DayListView)
+    Q_PROPERTY(oxa::TDiarSize DiarSize READ DiarSize WRITE SetDiarSize)
+    Q_PROPERTY(int MonthYear READ MonthYear WRITE SetMonthYear)
+    Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE SetReadOnly)
+
+public:
+    // Days the store keeps before and after the month.
+    static constexpr int DnuPred = 7;
+    static constexpr int DnuPo = 7;
+
+    explicit TDiarPanel(QWidget *AOwner = nullptr);
+    ~TDiarPanel() override;
+
+    // --- the shown period -------------------------------------------------
+    TDiarSize DiarSize() const { return FDiarSize; }
+    void SetDiarSize(TDiarSize Value);
+
+    // The selected day: its day of the month and its packed month.
+    int Day() const { return FDay; }
+    qint16 MonthYear() const { return FMonthYear; }
+    void SetMonthYear(int Value) { GotoMonth(qint16(Value)); }
+    TDate SelectedDay() const { return FSelectedDay; }
+    // The day before the first day shown and the last day shown
+    // (FirstVisibleDate, LastVisibleDate).
+    TDate VisibleDateMin() const { return FVisibleDateMin; }
+    TDate VisibleDateMax() const { return FVisibleDateMax; }
+    // The days whose entries the store keeps.
+    TDate DataDateMin() const;
+    TDate DataDateMax() const;
+
+    // Shows the period containing the date and selects the date. In the
+    // work-week view a Saturday or Sunday selects the Friday before it.
+    // Throws EConvertError for a day the month does not have.
+    void GotoDate(TDate aValue);
+    void GotoDate(int aDay, qint16 aMonthYear);
+    // The same day in another month (its last day when the month is shorter).
+    void GotoMonth(int aMonth, int aYear);
+    void GotoMonth(qint16 aMonthYear);
+
+    // --- the day boxes ----------------------------------------------------
+    int DayGroupBoxCount() const { return int(FDayGroupBoxArray.size()); }
+    TDayGroupBox *DayGroupBox(int Index) const;
+    // The box showing the date (the time of day is ignored), or null.
+    TDayGroupBox *GetDayGroupBox(TDate aDatum) const;
+    TDayGroupBox *GetDayGroupBox(int aDay, qint16 aMonthYear) const;
+    // The active box (the selected day's), or null.
+    TDayGroupBox *ActiveDayGroupBox() const;
+    // The list of the active box.
+    TDayListView *DayListView() const;
+
+    // Makes the box at Index show the date and its entries.
+    void SetDayGroupBox(int Index, TDate aDatum);
+    // Creates (or hides) the boxes the current view needs.
+    void GenerujBunky();
+    // Gives every box its date of the shown period and its entries.
+    void InitDays();
+    // Lays the boxes (and the month grid) out in the client area.
+    void RearangeDays();
+
+    // --- the entries ------------------------------------------------------
+    // Stores a copy of the entry and shows it in its day's box; an entry
+    // outside DataDateMin..DataDateMax is ignored. Throws EConvertError when
+    // Den and RokMesic make no date.
+    void AddDayRecord(const TDayRecord &aZaznam);
+    // Between these two, AddDayRecord only stores; EndUpdate shows all.
+    void AddDayRecord_BeginUpdate();
+    void AddDayRecord_EndUpdate();
+    bool IsUpdating() const { return fAddDayRecord > 0; }
+    // Removes the entry with the record's key from the store and its box.
+    void RemoveDayRecord(const TDayRecord &aZaznam) override;
+    // Puts the record in place of the stored entry with its key (also on
+    // another day).
+    void ChangeDayRecord(const TDayRecord &aZaznam);
+    // As TMonthArray::RemoveRecords; the boxes follow.
+    bool RemoveRecords(QStringList &aList);
+    // Empties the store and every box.
+    void Clear();
+
+    // The entry selected in the active box (valid until the box changes),
+    // and its key (-1 when none).
+    const TDayRecord *GetSelectedItem() const;
+    qint32 GetSelectedItemID() const;
+    // Selects the entry with the key in the active box.
+    bool SelectItem(qint32 aID);
+
+    // Forwarded to the store; returnRecords asks for the selected day.
+    bool IsDayEmpty(TDate aDatum) const;
+    void getAktualniPocty(TCalDaysArray &aktMesic) const;
+    int getZaznamyCount(int aDen) const;
+    QList<PDayRecord> returnRecords(TTime casOd, TTime casDo);
+    const TMonthArray &Records() const { return *fMonthRecords; }
+
+    // --- the month grid ---------------------------------------------------
+    // The month grid; null until the month view is first shown.
+    TMonthGrid *MonthGrid() const;
+    // The times of the month grid's selection; "MonthGrid je nil" without it.
+    TTime getMonthGridSelectStartTime() const;
+    TTime getMonthGridSelectEndTime() const;
+    void PrekresliUdajMesice(TTime CasOd, TTime CasDo);
+    void MonthGridInvalidate();
+    bool MonthGridShowing() const;
+    void AktivujCasMesice(TTime aCas);
+    // The menu of the entries under the last double click on the month grid.
+    QMenu *MonthGridMenu() const { return fMonthGridMenu; }
+
+    // --- settings ---------------------------------------------------------
+    const TDiarNastaveni &DiarNastaveni() const { return FDiarNastaveni; }
+    void SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni);
+    // Minutes per slot of the month grid: the settings' minutDilek when it
+    // divides an hour, else 15.
+    int DilekMinut() const { return fDilekMinut; }
+
+    bool ReadOnly() const override { return FReadOnly; }
+    void SetReadOnly(bool Value) { FReadOnly = Value; }
+
+    QObject *Application() const { return FApplication; }
+    void SetApplication(QObject *Application) { FApplication = Application; }
+    int PopUpIndex() const { return FPopUpIndex; }
+    void SetPopUpIndex(int Value) { FPopUpIndex = Value; }
+
+    // The entries' popup menu and its two items.
+    QMenu *PopupMenu() const { return fPopUpMenu; }
+    QAction *MenuItemEdit() const { return fMenuItemEdit; }
+    QAction *MenuItemPacient() const { return fMenuItemPacient; }
+
+    // --- TDayGroupBoxHost -------------------------------------------------
+    void DayDeleteEvent(QObject *Sender, PDayRecord aData, bool &AllowDelete) override;
+    void OnDayMove(QObject *Sender, Word &Key, TShiftState Shift) override;
+    void OnDayResize(QObject *Sender) override;
+
+    // A double click on an entry: OnDoubleClickItemEvent when assigned,
+    // otherwise OnChangePacient when the settings ask for it and the contact
+    // is a patient, otherwise OnDayEditEvent.
+    void DoubleClickDayEvent(QObject *Sender, const TDayRecord &aZaznam);
+
+    TOnDayClick OnDayClick;
+    TOnDayDblClick OnDayDblClick;
+    TOnDayEditEvent OnDayEditEvent;
+    TOnDayInsertEvent OnDayInsertEvent;
+    TOnDayDeleteEvent OnDayDeleteEvent;
+    // An entry was moved to another day with Ctrl+arrow keys.
+    TOnDayMoveEvent OnDayMoveEvent;
+    // An entry was moved to another day by drag and drop.
+    TOnDayMoveEvent OnDayItemMoveEvent;
+    // Asked before either move.
+    TOnDayBeforeMoveEvent OnDayItemBeforeMoveEvent;
+    TOnDaySelectItemEvent OnDaySelectItemEvent;
+    TOnDayEditEvent OnChangePacient;
+    TOnDayEditEvent OnDoubleClickItemEvent;
+
+Q_SIGNALS:
+    // The selected day moved into another month and the store was emptied:
+    // load the entries of DataDateMin..DataDateMax.
+    void monthYearChanged(int MonthYear);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+
+    // Menu handlers.
+    void MenuItemEventEditovat();
+    void MenuItemEventPacient();
+    void fPopUpMenuOnPopUp();
+
+    // Month grid handlers.
+    void OnMonthGridSelectCell(QObject *Sender, int ACol, int ARow, bool &CanSelect);
+    void OnMonthGridDblClick(QObject *Sender);
+    void OnMonthGridKeyDown(QObject *Sender, Word &Key, TShiftState Shift);
+
+private:
+    TDayGroupBox *CreateDayGroupBox();
+    int BoxCountFor(TDiarSize aSize) const;
+    int MonthGridHeight() const;
+    TDate FirstShownDate() const;
+    int SlotOfDate(TDate aDatum) const;
+    TDate RecordDate(const TDayRecord &aZaznam) const;
+    TDate MonthFirstDate() const;
+    void FillBox(TDayGroupBox *aBox);
+    void RefreshBoxes();
+    void UpdateActiveBox();
+    void ShowRecordChange(TDate aDatum);
+    bool RemoveFromStore(qint32 aID, TDate *aDatum);
+    PDayRecord FindStored(qint32 aID);
+
+    void SelectBoxDay(TDayGroupBox *aBox);
+    void FireDayClick(TDate aDate);
+    void MoveSelectionByWheel(int aSteps);
+    int DayStep(Word Key) const;
+    TDate StepDate(TDate aFrom, int aStep) const;
+    bool MoveEntry(const TDayRecord &aZaznam, TDate aTarget, bool aByDrag);
+    void MoveEntryByKey(TDayGroupBox *aBox, int aStep);
+    void FocusActiveList();
+
+    void ShowEntryMenu(TDayGroupBox *aBox, const QPoint &aViewportPos);
+    void OpenEntry(QObject *Sender, const TDayRecord &aZaznam);
+    void ListSelectionChanged(TDayListView *aList, const QItemSelection &aSelected,
+                              const QItemSelection &aDeselected);
+    bool CanDropOn(TDayGroupBox *aBox) const;
+    void DropOn(TDayGroupBox *aBox);
+
+    void EnsureMonthGrid();
+    void DiscardMonthGrid();
+    void SyncMonthGrid();
+
+    // Runs a host handler; an exception it raises is shown to the user and
+    // turns a given answer into false.
+    template <class Fn>
+    void Safely(Fn &&fn)
+    {
+        bool failed = false;
+        guarded(std::forward<Fn>(fn), failed);
+    }
+    template <class Fn>
+    void Safely(Fn &&fn, bool &answer)
+    {
+        bool failed = false;
+        guarded(std::forward<Fn>(fn), failed);
+        answer = answer && !failed;
+    }
+
+    int FDay = 0;
+    qint16 FMonthYear = 0;
+    TDiarSize FDiarSize = dsWeek;
+    std::unique_ptr<TMonthArray> fMonthRecords;
+    QList<TDayGroupBox *> FDayGroupBoxArray; // the boxes of the current view
+    QList<TDayGroupBox *> fBoxPool;          // every box created, shown or not
+    TDiarNastaveni FDiarNastaveni;
+    TDate FSelectedDay = 0;
+    TDate FVisibleDateMin = 0;
+    TDate FVisibleDateMax = 0;
+    QPointer<QObject> FApplication;
+    int FPopUpIndex = 0;
+    int fAddDayRecord = 0;
+    QMenu *fPopUpMenu = nullptr;
+    QAction *fMenuItemEdit = nullptr;
+    QAction *fMenuItemPacient = nullptr;
+    QMenu *fMonthGridMenu = nullptr;
+    bool FReadOnly = false;
+    int fDilekMinut = 15;
+    bool fcanCallReanrangeDay = false;
+    bool fDblClickOnItem = true;  // the last double click in a list hit an entry
+    bool fBoxesStale = true;      // every box needs its date and entries anew
+    int fSilentSelection = 0;     // selection changes made by the panel itself
+    int fWheelDelta = 0;          // wheel rotation not yet turned into days
+    std::optional<qint32> fDragID; // the entry of the drag over a list
+    bool fMonthGridDirty = true;  // the grid's cells lag behind the store
+    bool fFollowingGrid = false;  // the panel itself moves the grid's row
+    TMonthGrid *FMonthGrid = nullptr;
+};
+
+} // namespace oxa

@@ -1,0 +1,854 @@
+#include "oxa/diary/MonthGrid.h"
+
+#include <QCursor>
+#include <QFontMetrics>
+#include <QLabel>
+#include <QPainter>
+#include <QScreen>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+
+namespace oxa {
+
+namespace {
+
+// One header row and up to 31 days.
+constexpr int kRowCount = 32;
+constexpr int kHintDelayMs = 250;
+constexpr int kHintLifeMs = 4000;
+// Working hours are stored as fractions of a day; an hour boundary may come
+// out a hair below the whole slot, far less than one millisecond.
+constexpr double kSlotEpsilon = 1e-7;
+
+const QString kLineBreak = QStringLiteral("\r\n");
+
+int PositiveMod(int value, int divisor)
+{
+    return (value % divisor + divisor) % divisor;
+}
+
+int ColumnWidthFor(int aDilekMinut)
+{
+    return aDilekMinut == 20 ? 12 : 9;
+}
+
+int CheckedSlotMinutes(int aDilekMinut)
+{
+    if (aDilekMinut < 1 || aDilekMinut > 60)
+        throw EInvalidOperation(
+            QStringLiteral("Neplatná délka časového dílku: %1 minut").arg(aDilekMinut));
+    return aDilekMinut;
+}
+
+void AppendTwoDigits(QString &text, int value)
+{
+    text += QChar(u'0' + value / 10);
+    text += QChar(u'0' + value % 10);
+}
+
+// "hh:mm" of a time of day.
+void AppendHhMm(QString &text, TTime aCas)
+{
+    int hour = 0, minute = 0, second = 0, msec = 0;
+    DecodeTime(aCas, hour, minute, second, msec);
+    AppendTwoDigits(text, hour);
+    text += u':';
+    AppendTwoDigits(text, minute);
+}
+
+// An entry's hint line: "AB  08:00-08:30 Kontakt: Popis".
+QString HintLine(const TDayRecord &aZaznam)
+{
+    const QString kontakt = aZaznam.KONTAKT.trimmed();
+    const QString popis = aZaznam.Popis.Text().trimmed();
+    QString line;
+    line.reserve(aZaznam.Parafa.Length() + 15 + kontakt.size() + popis.size());
+    line += aZaznam.Parafa.Text();
+    line += QLatin1String("  ");
+    AppendHhMm(line, aZaznam.CasOd);
+    line += u'-';
+    AppendHhMm(line, aZaznam.CasDo);
+    line += u' ';
+    if (!kontakt.isEmpty() && !popis.isEmpty()) {
+        line += kontakt;
+        line += QLatin1String(": ");
+        line += popis;
+    } else {
+        line += kontakt.isEmpty() ? popis : kontakt;
+    }
+    return line;
+}
+
+struct TMonthInfo
+{
+    int rok = 0;
+    int mesic = 0;
+    int den = 0;
+    int dnu = 0;
+    TDate prvni = 0; // the first day of the month
+};
+
+TMonthInfo MonthOf(TDate aDatum)
+{
+    TMonthInfo info;
+    DecodeDate(aDatum, info.rok, info.mesic, info.den);
+    info.dnu = DaysInAMonth(info.rok, info.mesic);
+    info.prvni = DateOf(aDatum) - (info.den - 1);
+    return info;
+}
+
+// The holiday name of day aDen when Easter Monday of the month's year is given.
+QString HolidayName(int aDen, int aMesic, TDate aVelikonoce)
+{
+    for (const TSvatek &svatek : Svatky) {
+        if (svatek.Den == aDen && svatek.Mesic == aMesic)
+            return QString::fromUtf8(svatek.Text);
+    }
+    int rok = 0, mesic = 0, den = 0;
+    DecodeDate(aVelikonoce, rok, mesic, den);
+    if (den == aDen && mesic == aMesic)
+        return QStringLiteral("Velikonoce");
+    DecodeDate(IncDay(aVelikonoce, -3), rok, mesic, den);
+    if (den == aDen && mesic == aMesic)
+        return QStringLiteral("Velký pátek");
+    return {};
+}
+
+} // namespace
+
+const std::array<TSvatek, 11> Svatky{{
+    {1, 1, "(01.01.) Nový rok"},
+    {1, 5, "(01.05.) Svátek práce"},
+    {8, 5, "(08.05.) Den vítezství"},
+    {5, 7, "(05.07.) Den slovanských věrozvěstů Cyrila a Metoděje"},
+    {6, 7, "(06.07.) Den upálení mistra Jana Husa"},
+    {28, 9, "(28.09.) Den české státnosti"},
+    {28, 10, "(28.10.) Den vzniku samostatného československého státu"},
+    {17, 11, "(17.11.) Den boje za svobodu a demokracii"},
+    {24, 12, "(24.12.) Štedrý den"},
+    {25, 12, "(25.12.) 1. svátek vánocní"},
+    {26, 12, "(26.12.) 2. svátek vánocní"},
+}};
+
+TDate VelikonocniPondeli(int aRok)
+{
+    const int a = PositiveMod(aRok, 19);
+    const int b = PositiveMod(aRok, 4);
+    const int c = PositiveMod(aRok, 7);
+    const int d = (19 * a + 24) % 30;
+    const int e = (2 * b + 4 * c + 6 * d + 5) % 7;
+    const int D = d + e - 9;
+    TDate nedele = 0;
+    if (D == 25 && d == 28 && e == 6 && a > 10)
+        nedele = EncodeDate(aRok, 4, 18);
+    else if (D >= 1 && D <= 25)
+        nedele = EncodeDate(aRok, 4, D);
+    else if (D < 1)
+        nedele = EncodeDate(aRok, 3, d + e + 22);
+    else
+        nedele = EncodeDate(aRok, 4, 19);
+    return IncDay(nedele, 1);
+}
+
+QString NazevSvatku(TDate aDatum)
+{
+    int rok = 0, mesic = 0, den = 0;
+    DecodeDate(aDatum, rok, mesic, den);
+    return HolidayName(den, mesic, VelikonocniPondeli(rok));
+}
+
+// --- TMonthGrid ----------------------------------------------------------------
+
+TMonthGrid::TMonthGrid(QWidget *AOwner, int aDilekMinut)
+    : TDrawGrid(AOwner),
+      fDILKY_MINUTA(CheckedSlotMinutes(aDilekMinut)),
+      fDILKY_HODINY(60 / aDilekMinut),
+      fDILKY_HODINY_DEN(fDILKY_HODINY * 24)
+{
+    // The cells draw their own lines.
+    SetOptions(TGridOptions(goRangeSelect | goThumbTracking));
+    SetDefaultDrawing(false);
+    SetRowCount(kRowCount);
+    SetColCount(fDILKY_HODINY_DEN + 1);
+    SetFixedRows(1);
+    SetFixedCols(1);
+    SetDefaultColWidth(ColumnWidthFor(aDilekMinut));
+    SetDefaultRowHeight(13);
+    SetColWidths(0, 35);
+    SetRowHeights(0, 14);
+    setFont(QFont(QStringLiteral("Arial"), 8));
+
+    fCellCols = ColCount();
+    fDataPaint.resize(std::size_t(kRowCount * fCellCols));
+
+    FHintTimer = new QTimer(this);
+    FHintTimer->setSingleShot(true);
+    connect(FHintTimer, &QTimer::timeout, this, [this] { OnHintTimer(); });
+}
+
+TMonthGrid::~TMonthGrid() = default;
+
+void TMonthGrid::SetDatum(TDate Value)
+{
+    if (Value == FDatum)
+        return;
+    FDatum = Value;
+    const TMonthInfo month = MonthOf(Value);
+    SetRowCount(month.dnu + 1);
+    // Moved without SelectCell and Click: the host set the date itself.
+    const int col = Col();
+    SetSelection(TGridRect{col, month.den, col, month.den});
+    ClampInView(col, month.den);
+    InvalidateGrid();
+}
+
+void TMonthGrid::SetCasOd(int Value)
+{
+    FCasOd = Value;
+    const int col = std::clamp(Value * fDILKY_HODINY + 1, FixedCols(), ColCount() - 1);
+    SetLeftCol(col);
+    const int row = Row();
+    SetSelection(TGridRect{col, row, col, row});
+}
+
+void TMonthGrid::SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni)
+{
+    fDiarNastaveni = aDiarNastaveni;
+}
+
+const TMonthGridCell &TMonthGrid::DataPaint(int ARow, int ACol) const
+{
+    if (ARow < 0 || ARow >= kRowCount || ACol < 0 || ACol >= fCellCols)
+        throw EInvalidGridOperation(
+            QStringLiteral("Buňka (%1, %2) mimo mřížku").arg(ACol).arg(ARow));
+    return fDataPaint[std::size_t(ARow * fCellCols + ACol)];
+}
+
+int TMonthGrid::SlotColumn(TTime aCas) const
+{
+    int hour = 0, minute = 0, second = 0, msec = 0;
+    DecodeTime(aCas, hour, minute, second, msec);
+    const int col = (hour * 60 + minute) * fDILKY_HODINY / 60 + 1;
+    return std::clamp(col, 1, fDILKY_HODINY_DEN);
+}
+
+TDate TMonthGrid::DatumRadku(int ARow) const
+{
+    int rok = 0, mesic = 0, den = 0;
+    DecodeDate(FDatum, rok, mesic, den);
+    return DateOf(FDatum) + (ARow - den);
+}
+
+// --- preparing the cells -------------------------------------------------------
+
+void TMonthGrid::InitVykreslovani(int aDen)
+{
+    const TMonthInfo month = MonthOf(FDatum);
+    const int lastRow = std::min(month.dnu, kRowCount - 1);
+    int first = 1;
+    int last = lastRow;
+    if (aDen >= 0) {
+        first = aDen;
+        last = std::min(aDen, lastRow);
+    } else {
+        // Rows past the month's end are not shown; they keep nothing.
+        for (int r = lastRow + 1; r < kRowCount; ++r)
+            ClearRow(r, QString(), false);
+    }
+    if (first < 1 || first > last)
+        return;
+
+    const TDate velikonoce = VelikonocniPondeli(month.rok);
+    for (int r = first; r <= last; ++r) {
+        const TDate datum = month.prvni + (r - 1);
+        const int tyden = DayOfTheWeek(datum);
+        ClearRow(r, HolidayName(r, month.mesic, velikonoce), tyden >= 6);
+        MarkEntries(r);
+        const TPracDoba &pracDoba =
+            WeekOf(datum) % 2 == 1 ? fDiarNastaveni.pracDobaLichy : fDiarNastaveni.pracDobaSudy;
+        MarkHours(r, pracDoba[tyden], fDiarNastaveni.barvaPracDoba);
+        // Booking hours come after the working hours and take their place.
+        for (const TPracDobaCas &interval : fDiarNastaveni.objednaniKLekari[tyden])
+            MarkHours(r, interval, fDiarNastaveni.barvaObjednaniKLekari);
+    }
+
+    const TDate konecMesice = month.prvni + (month.dnu - 1);
+    for (const TDovolena &dovolena : fDiarNastaveni.dovolena) {
+        const TDate od = DateOf(dovolena.DatumOd);
+        const TDate doDne = DateOf(dovolena.DatumDo);
+        if (od > konecMesice || doDne < month.prvni || doDne < od)
+            continue;
+        const bool zacinaVMesici = od >= month.prvni;
+        const bool konciVMesici = doDne <= konecMesice;
+        const int prvniDen = zacinaVMesici ? int(od - month.prvni) + 1 : 1;
+        const int posledniDen = konciVMesici ? int(doDne - month.prvni) + 1 : month.dnu;
+        const int firstCol = zacinaVMesici ? int(std::floor(dovolena.CasOd * fDILKY_HODINY_DEN + kSlotEpsilon)) + 1 : 1;
+        const int lastCol = konciVMesici ? int(std::floor(dovolena.CasDo * fDILKY_HODINY_DEN + kSlotEpsilon)) : fDILKY_HODINY_DEN;
+        const QString line = dovolena.Poznamka.IsEmpty()
+                                 ? QString()
+                                 : QStringLiteral("Dovolená: ") + dovolena.Poznamka.Text();
+        const QString lineAlone = line.trimmed();
+        const TColor barva = dovolena.BarvaIsSet ? dovolena.Barva : fDiarNastaveni.barvaDovol;
+        for (int r = std::max(first, prvniDen); r <= std::min(last, posledniDen); ++r) {
+            const int from = r == prvniDen ? std::max(firstCol, 1) : 1;
+            const int to = r == posledniDen ? std::min(lastCol, fDILKY_HODINY_DEN) : fDILKY_HODINY_DEN;
+            for (int c = from; c <= to; ++c) {
+                TMonthGridCell &cell = Cell(r, c);
+                cell.dovolena = true;
+                cell.barva = barva;
+                if (line.isEmpty())
+                    continue;
+                if (cell.hint.isEmpty())
+                    cell.hint = lineAlone;
+                else
+                    cell.hint = (cell.hint + kLineBreak + line).trimmed();
+            }
+        }
+    }
+}
+
+void TMonthGrid::ClearRow(int ARow, const QString &aSvatek, bool aVikend)
+{
+    for (int c = 0; c < fCellCols; ++c) {
+        TMonthGridCell &cell = Cell(ARow, c);
+        cell = TMonthGridCell();
+        cell.svatek = !aSvatek.isEmpty();
+        cell.hint = aSvatek;
+        cell.vikend = aVikend;
+    }
+}
+
+// Every entry of the day marks the slots it meets, in the day's order: the
+// first one found gives a slot its privacy and completion, each one adds its
+// hint line. Only the columns around the entry's span are tested.
+void TMonthGrid::MarkEntries(int ARow)
+{
+    if (!FZaznamy)
+        return;
+    const TDayRecordArray zaznamy = FZaznamy->GetDayRecordArray(ARow, true);
+    if (zaznamy.empty())
+        return;
+
+    // Per column: the single line's trimmed form, or null when several lines
+    // were joined (those are trimmed as a whole).
+    std::vector<QString> trimmedLines;
+    trimmedLines.reserve(zaznamy.size());
+    std::vector<const QString *> alone(std::size_t(fCellCols), nullptr);
+    const double n = fDILKY_HODINY_DEN;
+
+    for (const TDayRecord &zaznam : zaznamy) {
+        const TTime a = TruncToMinutes(zaznam.CasOd);
+        const TTime b = TruncToMinutes(zaznam.CasDo);
+        if (a < 0 || b < 0 || b < a)
+            continue;
+        const int from = std::max(1, int(std::floor(a * n)));
+        const int to = std::min(fDILKY_HODINY_DEN, int(std::ceil(b * n)) + 1);
+        QString line;
+        for (int c = from; c <= to; ++c) {
+            if (!MinutesMeetSpan(a, b, SlotStartTime(c), SlotEndTime(c)))
+                continue;
+            if (line.isNull()) {
+                line = HintLine(zaznam);
+                trimmedLines.push_back(line.trimmed());
+            }
+            TMonthGridCell &cell = Cell(ARow, c);
+            if (!cell.zaznam) {
+                cell.zaznam = true;
+                cell.soukrom = zaznam.Soukrome;
+                cell.splneno = zaznam.SPLNENO;
+                cell.hint = line;
+                alone[std::size_t(c)] = &trimmedLines.back();
+            } else {
+                cell.hint += kLineBreak;
+                cell.hint += line;
+                alone[std::size_t(c)] = nullptr;
+            }
+        }
+    }
+    for (int c = 1; c < fCellCols; ++c) {
+        TMonthGridCell &cell = Cell(ARow, c);
+        if (!cell.zaznam)
+            continue;
+        if (alone[std::size_t(c)])
+            cell.hint = *alone[std::size_t(c)];
+        else
+            cell.hint = std::move(cell.hint).trimmed();
+    }
+}
+
+void TMonthGrid::MarkHours(int ARow, const TPracDobaCas &aCas, TColor aBarva)
+{
+    const auto mark = [this, ARow, aBarva](TTime od, TTime doCasu) {
+        if (!(od < doCasu))
+            return;
+        const int from = std::max(1, int(std::floor(od * fDILKY_HODINY_DEN + kSlotEpsilon)) + 1);
+        const int to = std::min(fDILKY_HODINY_DEN,
+                                int(std::floor(doCasu * fDILKY_HODINY_DEN + kSlotEpsilon)));
+        for (int c = from; c <= to; ++c) {
+            TMonthGridCell &cell = Cell(ARow, c);
+            cell.pracDoba = true;
+            cell.barva = aBarva;
+        }
+    };
+    mark(aCas.CasOd, aCas.CasDo);
+    mark(aCas.CasOd1, aCas.CasDo1);
+}
+
+// --- questions about a cell ----------------------------------------------------
+
+bool TMonthGrid::ExistujeZaznam(int ARow, int ACol, TColor &Color, int &Splneno) const
+{
+    if (!FZaznamy)
+        return false;
+    const QList<PDayRecord> found = FZaznamy->FindDayRecord(ARow, SlotStartTime(ACol), SlotEndTime(ACol));
+    if (found.isEmpty())
+        return false;
+    Color = BarvaSchuzkyMonth[found.first()->Soukrome];
+    Splneno = found.first()->SPLNENO;
+    return true;
+}
+
+// A slot boundary cut to whole minutes; as an end, midnight is 23:59.
+TTime TMonthGrid::CutSlotTime(double aSlot) const
+{
+    TTime t = TimeOf(TruncToMinutes(aSlot / fDILKY_HODINY_DEN));
+    if (aSlot > 0 && t == 0)
+        t = EncodeTime(23, 59, 0);
+    return t;
+}
+
+bool TMonthGrid::ExistujeKonfigZaznam(int ARow, int ACol, TColor &Color) const
+{
+    // Without leave nothing is reported, not even the working hours.
+    if (fDiarNastaveni.dovolena.isEmpty())
+        return false;
+    const TTime s = CutSlotTime(ACol - 1);
+    const TTime e = CutSlotTime(ACol);
+    const TMonthInfo month = MonthOf(FDatum);
+    const TDate D = month.prvni + (ARow - 1);
+    const TTime konecDne = EncodeTime(23, 59, 0);
+
+    for (const TDovolena &dovolena : fDiarNastaveni.dovolena) {
+        const TDate F = DateOf(dovolena.DatumOd);
+        const TDate T = DateOf(dovolena.DatumDo);
+        bool leave = false;
+        if (F < D && D < T)
+            leave = true;
+        else if (F == D && T != D)
+            leave = dovolena.CasOd < e && konecDne > s;
+        else if (F != D && T == D)
+            leave = 0.0 < e && dovolena.CasDo > s;
+        else if (F == D && T == D)
+            leave = dovolena.CasOd < e && dovolena.CasDo > s;
+        if (leave) {
+            Color = fDiarNastaveni.barvaDovol;
+            return true;
+        }
+    }
+
+    const TPracDoba &pracDoba =
+        WeekOf(D) % 2 == 1 ? fDiarNastaveni.pracDobaLichy : fDiarNastaveni.pracDobaSudy;
+    const TPracDobaCas &hodiny = pracDoba[DayOfTheWeek(D)];
+    if (hodiny.CasOd < e && hodiny.CasDo > s) {
+        Color = fDiarNastaveni.barvaPracDoba;
+        return true;
+    }
+    Color = clWhite;
+    return false;
+}
+
+// --- selection -----------------------------------------------------------------
+
+TTime TMonthGrid::GetSelCellStartTime() const
+{
+    return CutSlotTime(Selection().Left - 1);
+}
+
+TTime TMonthGrid::GetSelCellEndTime() const
+{
+    return CutSlotTime(Selection().Right);
+}
+
+void TMonthGrid::setSelectedCell(int startCol, int stopCol)
+{
+    const int last = ColCount() - 1;
+    const int row = Row();
+    SetSelection(GridRect({std::clamp(startCol, FixedCols(), last), row},
+                          {std::clamp(stopCol, FixedCols(), last), row}));
+}
+
+void TMonthGrid::AktivujCas(TTime aCas)
+{
+    const int col = std::min(SlotColumn(aCas), ColCount() - 1);
+    const int row = Row();
+    SetSelection(TGridRect{col, row, col, row});
+    ClampInView(col, row);
+}
+
+void TMonthGrid::PrekresliUdaj(TTime CasOd, TTime CasDo)
+{
+    const int row = Row();
+    InvalidateRect(GridRect({SlotColumn(CasOd), row}, {SlotColumn(CasDo), row}));
+}
+
+void TMonthGrid::SelectionMoved(const TGridRect &OldSel, TGridCoord OldCurrent)
+{
+    TDrawGrid::SelectionMoved(OldSel, OldCurrent);
+    // The current row is outlined across the whole grid.
+    if (OldCurrent.Y != Row()) {
+        InvalidateRow(OldCurrent.Y);
+        InvalidateRow(Row());
+    }
+}
+
+// --- mouse and hint ------------------------------------------------------------
+
+bool TMonthGrid::IsMouseOk() const
+{
+    const QPoint p = viewport()->mapFromGlobal(QCursor::pos());
+    int col = -1, row = -1, mouseCol = -1, mouseRow = -1;
+    MouseToCell(p.x(), p.y(), col, row);
+    MouseToCell(FMouseX, FMouseY, mouseCol, mouseRow);
+    return col >= 0 && row >= 0 && col == mouseCol && row == mouseRow;
+}
+
+void TMonthGrid::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y)
+{
+    HideHint();
+    int col = -1, row = -1;
+    MouseToCell(X, Y, col, row);
+    if (row >= FixedRows())
+        FMouseDownDatum = DatumRadku(row);
+    TDrawGrid::MouseDown(Button, Shift, X, Y);
+}
+
+void TMonthGrid::MouseMove(TShiftState Shift, int X, int Y)
+{
+    FMouseX = X;
+    FMouseY = Y;
+    int col = -1, row = -1;
+    MouseToCell(X, Y, col, row);
+    if (row >= FixedRows())
+        row = DataRowOf(row);
+    if (col != FMouseCol || row != FMouseRow) {
+        HideHint();
+        FMouseCol = col;
+        FMouseRow = row;
+        if (col >= 0 && row >= 0)
+            FHintTimer->start(kHintDelayMs);
+    }
+    TDrawGrid::MouseMove(Shift, X, Y);
+}
+
+void TMonthGrid::MouseLeave()
+{
+    HideHint();
+    FMouseCol = -1;
+    FMouseRow = -1;
+    TDrawGrid::MouseLeave();
+}
+
+void TMonthGrid::hideEvent(QHideEvent *event)
+{
+    HideHint();
+    TDrawGrid::hideEvent(event);
+}
+
+void TMonthGrid::OnHintTimer()
+{
+    if (FHintActive) {
+        HideHint();
+        return;
+    }
+    if (FMouseRow < 1 || FMouseRow >= kRowCount || FMouseCol < 0 || FMouseCol >= fCellCols)
+        return;
+    const QString &hint = Cell(FMouseRow, FMouseCol).hint;
+    if (hint.isEmpty())
+        return;
+    FHintText = hint;
+    ShowHint();
+    FHintActive = true;
+    FHintTimer->start(kHintLifeMs);
+}
+
+void TMonthGrid::ShowHint()
+{
+    if (!FHintWindow) {
+        FHintWindow = new QLabel(this, Qt::ToolTip);
+        FHintWindow->setTextFormat(Qt::PlainText);
+        FHintWindow->setFrameStyle(QFrame::Box | QFrame::Plain);
+        FHintWindow->setMargin(2);
+        FHintWindow->setAutoFillBackground(true);
+        QPalette palette = FHintWindow->palette();
+        palette.setColor(QPalette::Window, ColorToQColor(clInfoBk, this));
+        palette.setColor(QPalette::WindowText, ColorToQColor(clInfoText, this));
+        FHintWindow->setPalette(palette);
+    }
+    FHintWindow->setText(QString(FHintText).replace(kLineBreak, QStringLiteral("\n")));
+    FHintWindow->adjustSize();
+
+    // Below the mouse pointer, moved left where it would leave the screen;
+    // placed once shown, when the window frame is known.
+    FHintWindow->show();
+    QPoint pos = viewport()->mapToGlobal(QPoint(FMouseX, FMouseY + 18));
+    if (const QScreen *scr = screen()) {
+        const QRect area = scr->availableGeometry();
+        const int width = FHintWindow->frameGeometry().width();
+        pos.setX(std::max(area.left(), std::min(pos.x(), area.right() + 1 - width)));
+    }
+    FHintWindow->move(pos);
+}
+
+void TMonthGrid::HideHint()
+{
+    FHintTimer->stop();
+    if (FHintWindow)
+        FHintWindow->hide();
+    FHintActive = false;
+    FHintText.clear();
+}
+
+QString TMonthGrid::HintText() const
+{
+    return FHintText;
+}
+
+// --- drawing -------------------------------------------------------------------
+
+QColor TMonthGrid::SettingsColor(TColor Color) const
+{
+    return ColorToQColor(Color, this);
+}
+
+void TMonthGrid::paintEvent(QPaintEvent *event)
+{
+    FStyle.white = QColor(0xFF, 0xFF, 0xFF);
+    FStyle.highlight = ColorToQColor(clHighlight, this);
+    FStyle.silver = QColor(0xC0, 0xC0, 0xC0);
+    FStyle.black = QColor(0, 0, 0);
+    FStyle.rowOutline = ColorToQColor(0x1389CD);
+    FStyle.dotted = QPen(QColor(0x80, 0x80, 0x80), 0, Qt::DotLine);
+    FStyle.hourTextWidth = QFontMetrics(font()).horizontalAdvance(QStringLiteral(" 00:00")) + 2;
+    TDrawGrid::paintEvent(event);
+}
+
+QColor TMonthGrid::CellBackground(int ACol, int ARow) const
+{
+    if (ARow == 0)
+        return FStyle.white;
+    const TGridRect sel = Selection();
+    if (sel.Top == sel.Bottom && sel.Top == ARow && ACol >= sel.Left && ACol <= sel.Right)
+        return FStyle.highlight;
+    if (ARow >= kRowCount || ACol >= fCellCols)
+        return FStyle.white;
+    const TMonthGridCell &cell = fDataPaint[std::size_t(ARow * fCellCols + ACol)];
+    if (ACol >= FixedCols()) {
+        if (cell.zaznam)
+            return SettingsColor(BarvaSchuzkyMonth[cell.soukrom]);
+        if (cell.svatek)
+            return SettingsColor(fDiarNastaveni.barvaSvatek);
+        if (cell.dovolena || cell.pracDoba)
+            return SettingsColor(cell.barva);
+    }
+    if (cell.vikend)
+        return SettingsColor(fDiarNastaveni.barvaSoNe);
+    return FStyle.white;
+}
+
+void TMonthGrid::FillCell(const QRect &Rect, const QColor &Background)
+{
+    QPainter *canvas = Canvas();
+    canvas->fillRect(Rect, Background);
+    canvas->setPen(Background);
+}
+
+void TMonthGrid::DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State)
+{
+    Q_UNUSED(State);
+    FillCell(Rect, CellBackground(ACol, ARow));
+    if (ARow == 0 || ACol == 0) {
+        DrawCellTexts(ACol, ARow, Rect, ARow > 0 ? DatumRadku(ARow) : FDatum);
+    } else {
+        const bool splneno = ARow < kRowCount && ACol < fCellCols
+                             && fDataPaint[std::size_t(ARow * fCellCols + ACol)].splneno == 100;
+        DrawDataLines(ACol, Rect, splneno);
+    }
+    DrawEdges(ACol, ARow, Rect);
+}
+
+void TMonthGrid::DrawCellTexts(int ACol, int ARow, const QRect &Rect, TDate aDen)
+{
+    QPainter *canvas = Canvas();
+    canvas->setPen(FStyle.black);
+    if (ARow == 0 && ACol == 0) {
+        canvas->drawText(Rect.adjusted(1, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                         FormatDateTime(QStringLiteral("mmm\"/\"yy"), FDatum));
+        return;
+    }
+    if (ACol == 0) {
+        int rok = 0, mesic = 0, den = 0;
+        DecodeDate(aDen, rok, mesic, den);
+        canvas->drawText(Rect, Qt::AlignLeft | Qt::AlignVCenter, ShortDayName(DayOfWeek(aDen)));
+        canvas->drawText(Rect, Qt::AlignRight | Qt::AlignVCenter | Qt::TextIncludeTrailingSpaces,
+                         QString::number(den) + QLatin1String(". "));
+        canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, FStyle.silver);
+        return;
+    }
+    // The hour's label spans all of its slots; each slot shows its part.
+    const int slot = (ACol - 1) % fDILKY_HODINY;
+    const int width = Rect.width();
+    if (slot * width < FStyle.hourTextWidth) {
+        const QRect hour(Rect.left() - slot * width, Rect.top(), fDILKY_HODINY * width, Rect.height());
+        canvas->setClipRect(Rect);
+        canvas->drawText(hour, Qt::AlignLeft | Qt::AlignVCenter,
+                         QLatin1Char(' ') + QString::number((ACol - 1) / fDILKY_HODINY)
+                             + QLatin1String(":00"));
+        canvas->setClipping(false);
+    }
+    canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, FStyle.black);
+}
+
+void TMonthGrid::DrawDataLines(int ACol, const QRect &Rect, bool Splneno)
+{
+    QPainter *canvas = Canvas();
+    if (Splneno) {
+        canvas->setPen(FStyle.black);
+        canvas->drawLine(Rect.topLeft(), Rect.bottomRight());
+    }
+    canvas->fillRect(Rect.left(), Rect.top(), Rect.width(), 1, FStyle.silver);
+    const int halfHour = fDILKY_HODINY / 2;
+    if ((ACol - 1) % fDILKY_HODINY == 0) {
+        canvas->fillRect(Rect.left(), Rect.top(), 1, Rect.height(), FStyle.black);
+    } else if (halfHour > 0 && (ACol - 1) % halfHour == 0) {
+        canvas->fillRect(Rect.left(), Rect.top(), 1, Rect.height(), FStyle.silver);
+        canvas->setPen(FStyle.dotted);
+        canvas->drawLine(Rect.left(), Rect.top(), Rect.left(), Rect.bottom());
+    } else {
+        canvas->fillRect(Rect.left(), Rect.top(), 1, Rect.height(), FStyle.silver);
+    }
+}
+
+void TMonthGrid::DrawEdges(int ACol, int ARow, const QRect &Rect)
+{
+    QPainter *canvas = Canvas();
+    if (ARow == RowCount() - 1)
+        canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, FStyle.silver);
+    if (ACol == ColCount() - 1)
+        canvas->fillRect(Rect.right(), Rect.top(), 1, Rect.height(), FStyle.silver);
+    if (ARow == Row()) {
+        canvas->fillRect(Rect.left(), Rect.top(), Rect.width(), 1, FStyle.rowOutline);
+        canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, FStyle.rowOutline);
+    }
+}
+
+// --- TDayGrid --------------------------------------------------------------------
+
+TDayGrid::TDayGrid(QWidget *AOwner, int aDilekMinut) : TMonthGrid(AOwner, aDilekMinut)
+{
+    SetRowCount(2);
+    const int col = Col();
+    SetSelection(TGridRect{col, 1, col, 1});
+}
+
+void TDayGrid::SetDatum(TDate Value)
+{
+    if (Value == Datum())
+        return;
+    StoreDatum(Value);
+    InvalidateGrid();
+}
+
+TDate TDayGrid::DatumRadku(int ARow) const
+{
+    Q_UNUSED(ARow);
+    return DateOf(Datum());
+}
+
+int TDayGrid::DataRowOf(int ARow) const
+{
+    Q_UNUSED(ARow);
+    int rok = 0, mesic = 0, den = 0;
+    DecodeDate(Datum(), rok, mesic, den);
+    return den;
+}
+
+void TDayGrid::setSelection(int left, int top, int right, int bottom)
+{
+    SetSelection(TGridRect{left, top, right, bottom});
+}
+
+int TDayGrid::GetSelectionStartCell() const
+{
+    return Selection().Left - 1;
+}
+
+int TDayGrid::GetSelectionEndCell() const
+{
+    return Selection().Right;
+}
+
+TTime TDayGrid::GetSelectionStartTime() const
+{
+    return double(Selection().Left - 1) / dilkyHodinyDen();
+}
+
+TTime TDayGrid::GetSelectionEndTime() const
+{
+    const TTime t = double(Selection().Right) / (dilkyHodiny() * 24);
+    int hour = 0, minute = 0, second = 0, msec = 0;
+    DecodeTime(t, hour, minute, second, msec);
+    if (hour == 0 && minute == 0)
+        return EncodeTime(23, 59, 0);
+    return t;
+}
+
+void TDayGrid::setSelectionStartTime(TTime startTime, TTime stopTime)
+{
+    // std::rint rounds halves to the even neighbour. The end uses the slots
+    // per hour, not per day: kept as the diary has always computed it.
+    FSelColFrom = int(std::rint(dilkyHodinyDen() * startTime)) + 1;
+    FSelColTo = int(std::rint(dilkyHodiny() * stopTime));
+}
+
+void TDayGrid::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y)
+{
+    if (X < ColWidths(0))
+        return;
+    TMonthGrid::MouseDown(Button, Shift, X, Y);
+}
+
+void TDayGrid::DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State)
+{
+    Q_UNUSED(State);
+    const TDate datum = DateOf(Datum());
+    int rok = 0, mesic = 0, den = 0;
+    DecodeDate(datum, rok, mesic, den);
+
+    TColor barva = clWhite;
+    int splneno = 0;
+    const bool dataCell = ARow >= 1 && ACol >= 1;
+    const bool zaznam = dataCell && ExistujeZaznam(den, ACol, barva, splneno);
+    QColor background;
+    const TGridRect sel = Selection();
+    if (ARow == 0)
+        background = Style().white;
+    else if (ACol >= sel.Left && ACol <= sel.Right)
+        background = Style().highlight;
+    else if (zaznam)
+        background = SettingsColor(barva);
+    else if (dataCell && ExistujeKonfigZaznam(den, ACol, barva))
+        background = SettingsColor(barva);
+    else
+        background = SettingsColor(DaysColor[DayOfTheWeek(datum)]);
+
+    FillCell(Rect, background);
+    if (ARow == 0 || ACol == 0)
+        DrawCellTexts(ACol, ARow, Rect, datum);
+    else
+        DrawDataLines(ACol, Rect, zaznam && splneno == 100);
+    DrawEdges(ACol, ARow, Rect);
+}
+
+} // namespace oxa

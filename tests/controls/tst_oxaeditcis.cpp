@@ -1,0 +1,233 @@
+#include "oxa/controls/OxaEditCis.h"
+#include "oxa/toolkit/Catalogue.h"
+#include "oxa/toolkit/Exceptions.h"
+#include "support/TestSupport.h"
+
+#include <QLabel>
+#include <QTest>
+#include <memory>
+
+using namespace oxa;
+
+namespace {
+
+// A shown window with the code-list edit, the edit for the second value and
+// an edit that holds the focus at the start.
+struct Form
+{
+    QWidget window;
+    TOxaEditCis *edit = new TOxaEditCis(&window);
+    QLineEdit *second = new QLineEdit(&window);
+    QLineEdit *other = new QLineEdit(&window);
+    QStringList calls; // "text" or "text|second" as the handlers received them
+
+    Form()
+    {
+        window.resize(300, 120);
+        edit->setGeometry(10, 10, 100, 21);
+        second->setGeometry(10, 40, 100, 21);
+        other->setGeometry(10, 70, 100, 21);
+        edit->setText(QStringLiteral("111"));
+        edit->OnBtnClick = [this](QObject *sender, QString &text) {
+            QCOMPARE(sender, edit);
+            calls.append(text);
+            text = QStringLiteral("205");
+        };
+    }
+    bool show()
+    {
+        if (!test::ShowAndActivate(&window))
+            return false;
+        other->setFocus();
+        return other->hasFocus();
+    }
+};
+
+} // namespace
+
+class TestOxaEditCis : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void buttonFollowsEdit();
+    void hint_data();
+    void hint();
+    void triggers_data();
+    void triggers();
+    void secondEdit();
+    void selectionRestored_data();
+    void selectionRestored();
+    void registration();
+};
+
+void TestOxaEditCis::buttonFollowsEdit()
+{
+    Form form;
+    QVERIFY(form.show());
+    QPointer<QToolButton> button = form.edit->Button();
+    QCOMPARE(button->text(), QStringLiteral("..."));
+    QCOMPARE(button->parentWidget(), &form.window);
+    QCOMPARE(button->geometry(), QRect(110, 10, 21, 21));
+    form.edit->move(30, 40);
+    QCOMPARE(button->geometry(), QRect(130, 40, 21, 21));
+    form.edit->resize(80, 30);
+    QCOMPARE(button->geometry(), QRect(110, 40, 30, 30));
+
+    form.edit->hide();
+    QVERIFY(!button->isVisible());
+    form.edit->show();
+    QVERIFY(button->isVisible());
+    form.edit->setEnabled(false);
+    QVERIFY(!button->isEnabled());
+    form.edit->setEnabled(true);
+    QVERIFY(button->isEnabled());
+
+    QWidget panel(&form.window);
+    panel.setGeometry(0, 0, 300, 120);
+    panel.show();
+    form.edit->setParent(&panel);
+    form.edit->show();
+    QCOMPARE(button->parentWidget(), &panel);
+    QVERIFY(button->isVisible());
+    delete form.edit;
+    QVERIFY(!button);
+}
+
+void TestOxaEditCis::hint_data()
+{
+    QTest::addColumn<QString>("btnHint");
+    QTest::addColumn<int>("shortCut");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("defaults") << "Otevřít číselník" << int(scCtrl | VK_F1)
+                              << QStringLiteral("Otevřít číselník Ctrl+F1");
+    QTest::newRow("F4") << "Otevřít číselník" << int(VK_F4) << QStringLiteral("Otevřít číselník F4");
+    QTest::newRow("own hint") << "Pojišťovna" << int(scShift | scAlt | VK_F2)
+                              << QStringLiteral("Pojišťovna Shift+Alt+F2");
+}
+
+void TestOxaEditCis::hint()
+{
+    QFETCH(QString, btnHint);
+    QFETCH(int, shortCut);
+    TOxaEditCis edit;
+    QCOMPARE(edit.Button()->toolTip(), QStringLiteral("Otevřít číselník Ctrl+F1"));
+    QCOMPARE(edit.ShortCut(), TShortCut(scCtrl | VK_F1));
+    edit.SetBtnHint(btnHint);
+    edit.SetShortCut(TShortCut(shortCut));
+    QTEST(edit.Button()->toolTip(), "expected");
+}
+
+void TestOxaEditCis::triggers_data()
+{
+    QTest::addColumn<QString>("trigger");
+    QTest::addColumn<int>("calls");
+
+    QTest::newRow("Ctrl+F1") << "Ctrl+F1" << 1;
+    QTest::newRow("F1 alone") << "F1" << 0;
+    QTest::newRow("Ctrl+Shift+F1") << "Ctrl+Shift+F1" << 0;
+    QTest::newRow("button") << "button" << 1;
+    QTest::newRow("double click") << "double click" << 1;
+    QTest::newRow("Ctrl+double click") << "Ctrl+double click" << 0;
+}
+
+void TestOxaEditCis::triggers()
+{
+    QFETCH(QString, trigger);
+    Form form;
+    QVERIFY(form.show());
+    if (trigger == QLatin1String("button")) {
+        QTest::mouseClick(form.edit->Button(), Qt::LeftButton);
+    } else if (trigger.endsWith(QLatin1String("double click"))) {
+        QTest::mouseDClick(form.edit, Qt::LeftButton,
+                           trigger.startsWith(QLatin1String("Ctrl")) ? Qt::ControlModifier
+                                                                      : Qt::KeyboardModifiers());
+    } else {
+        form.edit->setFocus();
+        const QKeySequence keys(trigger);
+        QTest::keyClick(form.edit, keys[0].key(), keys[0].keyboardModifiers());
+    }
+    QTEST(int(form.calls.size()), "calls");
+    QCOMPARE(form.edit->text(), form.calls.isEmpty() ? QStringLiteral("111") : QStringLiteral("205"));
+    // A click on the button brings the focus into the edit.
+    QVERIFY(form.edit->hasFocus());
+}
+
+void TestOxaEditCis::secondEdit()
+{
+    Form form;
+    QVERIFY(form.show());
+    form.edit->SetSecondEdit(form.second);
+    form.second->setText(QStringLiteral("old"));
+    // Only OnBtnClick: it is not asked, and the second edit is cleared.
+    form.edit->DoClick();
+    QCOMPARE(form.calls, QStringList());
+    QCOMPARE(form.edit->text(), QStringLiteral("111"));
+    QCOMPARE(form.second->text(), QString());
+
+    form.edit->OnBtnClick2 = [&](QObject *, QString &text, QString &second) {
+        form.calls.append(text + QLatin1Char('|') + second);
+        text = QStringLiteral("111");
+        second = QStringLiteral("VZP");
+    };
+    QTest::mouseClick(form.edit->Button(), Qt::LeftButton);
+    QCOMPARE(form.calls, QStringList{QStringLiteral("111|")});
+    QCOMPARE(form.second->text(), QStringLiteral("VZP"));
+
+    // A freed second edit is forgotten: OnBtnClick is asked again.
+    delete form.second;
+    QCOMPARE(form.edit->SecondEdit(), nullptr);
+    form.edit->DoClick();
+    QCOMPARE(form.calls.last(), QStringLiteral("111"));
+    QCOMPARE(form.edit->text(), QStringLiteral("205"));
+
+    QLabel label;
+    form.edit->SetSecondEdit(&label);
+    QWidget textless;
+    QVERIFY_THROWS_EXCEPTION(EInvalidOperation, form.edit->SetSecondEdit(&textless));
+}
+
+void TestOxaEditCis::selectionRestored_data()
+{
+    QTest::addColumn<int>("start");
+    QTest::addColumn<int>("length");
+    QTest::addColumn<QString>("newText");
+    QTest::addColumn<int>("caret");
+    QTest::addColumn<QString>("selected");
+
+    QTest::newRow("same length") << 2 << 3 << "abcdef" << 5 << "cde";
+    QTest::newRow("selection cut off") << 2 << 3 << "abcd" << 2 << "";
+    QTest::newRow("start cut off") << 4 << 1 << "ab" << 2 << "";
+    QTest::newRow("caret only") << 3 << 0 << "abcdef" << 3 << "";
+}
+
+void TestOxaEditCis::selectionRestored()
+{
+    QFETCH(int, start);
+    QFETCH(int, length);
+    QFETCH(QString, newText);
+    Form form;
+    QVERIFY(form.show());
+    form.edit->setFocus();
+    form.edit->setText(QStringLiteral("ABCDEF"));
+    form.edit->setSelection(start, length);
+    form.edit->OnBtnClick = [&](QObject *, QString &text) { text = newText; };
+    QTest::keyClick(form.edit, Qt::Key_F1, Qt::ControlModifier);
+    QCOMPARE(form.edit->text(), newText);
+    QTEST(form.edit->cursorPosition(), "caret");
+    QTEST(form.edit->selectedText(), "selected");
+}
+
+void TestOxaEditCis::registration()
+{
+    RegisterOxaEditCis();
+    const TComponentEntry *entry = Catalogue::Instance().Find(QStringLiteral("TOxaEditCis"));
+    QVERIFY(entry);
+    QCOMPARE(entry->Page, QStringLiteral("Oxa"));
+    std::unique_ptr<QObject> created(Catalogue::Instance().Create(QStringLiteral("TOxaEditCis")));
+    QVERIFY(qobject_cast<TOxaEditCis *>(created.get()));
+}
+
+QTEST_MAIN(TestOxaEditCis)
+#include "tst_oxaeditcis.moc"
