@@ -10,7 +10,7 @@ OXA_PACKAGES=(
     libbenchmark-dev
 )
 OXA_TEST_PACKAGES=(
-    python3 python3-xlrd libreoffice-calc-nox
+    python3 python3-xlrd libreoffice-calc-nogui
     xvfb xauth
 )
 

@@ -67,7 +67,9 @@ const CatalogueRow kCatalogue[] = {
 // The classes built so far; each must be registered as the catalogue says.
 const char *const kBuilt[] = {
     "TMaskEditOxa", "TDateTimePickerOxa", "TOxaPopUpMenu", "TEditOxa", "TComboBoxOxa",
-    "TStringGridOxa", "TMemoOxa", "TLabeledEditOxa", "TButtonOxa",
+    "TStringGridOxa", "TMemoOxa", "TLabeledEditOxa", "TButtonOxa", "TErrorProvider",
+    "TEnhancedMonthCalendar", "TDayListView", "TDayGroupBox", "TXLSfile", "TExecApplication",
+    "TBackgroundWorker",
 };
 
 const CatalogueRow *rowOf(const QString &className)

@@ -322,7 +322,8 @@ void TMonthGrid::ClearRow(int ARow, const QString &aSvatek, bool aVikend)
 
 // Every entry of the day marks the slots it meets, in the day's order: the
 // first one found gives a slot its privacy and completion, each one adds its
-// hint line. Only the columns around the entry's span are tested.
+// hint line. Only the columns around the entry's span are tested, and each
+// hint is built in one piece once all its lines are known.
 void TMonthGrid::MarkEntries(int ARow)
 {
     if (!FZaznamy)
@@ -331,13 +332,10 @@ void TMonthGrid::MarkEntries(int ARow)
     if (zaznamy.empty())
         return;
 
-    // Per column: the single line's trimmed form, or null when several lines
-    // were joined (those are trimmed as a whole).
-    std::vector<QString> trimmedLines;
-    trimmedLines.reserve(zaznamy.size());
-    std::vector<const QString *> alone(std::size_t(fCellCols), nullptr);
+    std::vector<QString> lines;
+    lines.reserve(zaznamy.size());
+    fHits.clear();
     const double n = fDILKY_HODINY_DEN;
-
     for (const TDayRecord &zaznam : zaznamy) {
         const TTime a = TruncToMinutes(zaznam.CasOd);
         const TTime b = TruncToMinutes(zaznam.CasDo);
@@ -345,37 +343,67 @@ void TMonthGrid::MarkEntries(int ARow)
             continue;
         const int from = std::max(1, int(std::floor(a * n)));
         const int to = std::min(fDILKY_HODINY_DEN, int(std::ceil(b * n)) + 1);
-        QString line;
+        bool met = false;
         for (int c = from; c <= to; ++c) {
             if (!MinutesMeetSpan(a, b, SlotStartTime(c), SlotEndTime(c)))
                 continue;
-            if (line.isNull()) {
-                line = HintLine(zaznam);
-                trimmedLines.push_back(line.trimmed());
+            if (!met) {
+                met = true;
+                lines.push_back(HintLine(zaznam));
             }
-            TMonthGridCell &cell = Cell(ARow, c);
-            if (!cell.zaznam) {
-                cell.zaznam = true;
-                cell.soukrom = zaznam.Soukrome;
-                cell.splneno = zaznam.SPLNENO;
-                cell.hint = line;
-                alone[std::size_t(c)] = &trimmedLines.back();
-            } else {
-                cell.hint += kLineBreak;
-                cell.hint += line;
-                alone[std::size_t(c)] = nullptr;
-            }
+            fHits.push_back({c, int(lines.size()) - 1, &zaznam});
         }
     }
-    for (int c = 1; c < fCellCols; ++c) {
-        TMonthGridCell &cell = Cell(ARow, c);
-        if (!cell.zaznam)
-            continue;
-        if (alone[std::size_t(c)])
-            cell.hint = *alone[std::size_t(c)];
-        else
-            cell.hint = std::move(cell.hint).trimmed();
+    // Stable: the lines of a slot keep the day's order.
+    std::stable_sort(fHits.begin(), fHits.end(),
+                     [](const THit &x, const THit &y) { return x.col < y.col; });
+
+    std::vector<QString> trimmed(lines.size());
+    for (auto it = fHits.begin(); it != fHits.end();) {
+        auto groupEnd = std::find_if(it, fHits.end(), [c = it->col](const THit &h) { return h.col != c; });
+        TMonthGridCell &cell = Cell(ARow, it->col);
+        cell.zaznam = true;
+        cell.soukrom = it->zaznam->Soukrome;
+        cell.splneno = it->zaznam->SPLNENO;
+        if (groupEnd - it == 1) {
+            QString &alone = trimmed[std::size_t(it->line)];
+            if (alone.isNull())
+                alone = lines[std::size_t(it->line)].trimmed();
+            cell.hint = alone;
+        } else {
+            cell.hint = JoinTrimmed(lines, it, groupEnd);
+        }
+        it = groupEnd;
     }
+}
+
+// The lines joined by line breaks and trimmed as a whole, in one allocation.
+// Every line holds its times, so trimming never reaches past the first or
+// the last line.
+QString TMonthGrid::JoinTrimmed(const std::vector<QString> &lines,
+                                std::vector<THit>::const_iterator from,
+                                std::vector<THit>::const_iterator to)
+{
+    qsizetype length = 0;
+    for (auto it = from; it != to; ++it)
+        length += lines[std::size_t(it->line)].size() + kLineBreak.size();
+    QString hint;
+    hint.reserve(length);
+    for (auto it = from; it != to; ++it) {
+        QStringView line = lines[std::size_t(it->line)];
+        if (it == from) {
+            while (!line.isEmpty() && line.front().isSpace())
+                line = line.sliced(1);
+        } else {
+            hint += kLineBreak;
+        }
+        if (it + 1 == to) {
+            while (!line.isEmpty() && line.back().isSpace())
+                line.chop(1);
+        }
+        hint += line;
+    }
+    return hint;
 }
 
 void TMonthGrid::MarkHours(int ARow, const TPracDobaCas &aCas, TColor aBarva)

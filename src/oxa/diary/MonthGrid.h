@@ -175,7 +175,17 @@ private:
     void ShowHint();
     TMonthGridCell &Cell(int ARow, int ACol) { return fDataPaint[std::size_t(ARow * fCellCols + ACol)]; }
     void ClearRow(int ARow, const QString &aSvatek, bool aVikend);
+    // A slot met by an entry of the day being prepared.
+    struct THit
+    {
+        int col;
+        int line;
+        const TDayRecord *zaznam;
+    };
     void MarkEntries(int ARow);
+    static QString JoinTrimmed(const std::vector<QString> &lines,
+                               std::vector<THit>::const_iterator from,
+                               std::vector<THit>::const_iterator to);
     void MarkHours(int ARow, const TPracDobaCas &aCas, TColor aBarva);
     void MarkLeave(int aPrvniDen, int aPosledniDen, int aDen);
     TTime CutSlotTime(double aSlot) const;
@@ -200,6 +210,7 @@ private:
     int fCellCols = 0;
     int FMouseRow = -1;
     TDate FMouseDownDatum = 0;
+    std::vector<THit> fHits; // kept to spare an allocation per day
     PaintStyle FStyle;
 };
 
