@@ -1,14 +1,18 @@
 #include "PatientPage.h"
 
+#include "CodeListDialog.h"
 #include "SampleDatabase.h"
 
 #include "oxa/controls/ButtonOxa.h"
 #include "oxa/controls/ComboBoxOxa.h"
 #include "oxa/controls/DateTimePickerOxa.h"
 #include "oxa/controls/EditOxa.h"
+#include "oxa/controls/ErrorProvider.h"
 #include "oxa/controls/LabeledEditOxa.h"
 #include "oxa/controls/MaskEditOxa.h"
 #include "oxa/controls/MemoOxa.h"
+#include "oxa/controls/NumEditOxa.h"
+#include "oxa/controls/OxaEditCis.h"
 #include "oxa/toolkit/DateUtils.h"
 #include "oxa/toolkit/Exceptions.h"
 #include "oxa/toolkit/MessageService.h"
@@ -26,13 +30,31 @@
 
 using namespace oxa;
 
+namespace {
+
+// Whether anything was typed into a masked date edit (an untouched mask is
+// only separators and blanks).
+bool DateTyped(const QString &text)
+{
+    return !text.trimmed().remove(QLatin1Char('.')).trimmed().isEmpty();
+}
+
+} // namespace
+
 PatientPage::PatientPage(QWidget *parent)
     : QWidget(parent)
 {
     BuildForm();
     WireNeighbours();
-    LoadInsurers();
     RefreshList();
+}
+
+// The form is filled from the keyboard: the first field has the focus
+// whenever the page is shown.
+void PatientPage::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    m_prijmeni->setFocus();
 }
 
 void PatientPage::BuildForm()
@@ -55,8 +77,34 @@ void PatientPage::BuildForm()
     m_pohlavi = new TComboBoxOxa(box);
     m_pohlavi->setObjectName(QStringLiteral("comboPohlavi"));
     m_pohlavi->addItems({QStringLiteral("muž"), QStringLiteral("žena")});
-    m_pojistovna = new TComboBoxOxa(box);
-    m_pojistovna->setObjectName(QStringLiteral("comboPojistovna"));
+    // The code-list edit keeps its button right of itself, inside this holder.
+    auto *insurerHolder = new QWidget(box);
+    m_pojistovna = new TOxaEditCis(insurerHolder);
+    m_pojistovna->setObjectName(QStringLiteral("editPojistovna"));
+    m_pojistovna->setMaxLength(3);
+    m_pojistovnaNazev = new TEditOxa(insurerHolder);
+    m_pojistovnaNazev->setObjectName(QStringLiteral("editPojistovnaNazev"));
+    m_pojistovnaNazev->setReadOnly(true);
+    m_pojistovnaNazev->setFocusPolicy(Qt::NoFocus);
+    m_pojistovna->SetSecondEdit(m_pojistovnaNazev);
+    m_pojistovna->OnBtnClick2 = [this](QObject *, QString &code, QString &name) { PickInsurer(code, name); };
+    auto *insurerLayout = new QHBoxLayout(insurerHolder);
+    insurerLayout->setContentsMargins(0, 0, 0, 0);
+    insurerLayout->addWidget(m_pojistovna, 0);
+    insurerLayout->addSpacing(m_pojistovna->sizeHint().height() + 4);
+    insurerLayout->addWidget(m_pojistovnaNazev, 1);
+    m_pojistovna->setFixedWidth(60);
+    insurerHolder->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+
+    m_vaha = new TNumEditOxa(box);
+    m_vaha->setObjectName(QStringLiteral("editVaha"));
+    m_vaha->SetNumType(TNumEditOxa::ntDouble);
+    m_vaha->SetDigits(2);
+    m_vaha->clear(); // an unknown weight stays empty until the field is entered
+    m_deti = new TNumEditOxa(box);
+    m_deti->setObjectName(QStringLiteral("editDeti"));
+    m_deti->SetNumType(TNumEditOxa::ntInteger);
+    m_chyby = new TErrorProvider(this);
     // The labeled edit keeps its label above itself, inside this holder.
     auto *telefonHolder = new QWidget(box);
     m_telefon = new TLabeledEditOxa(telefonHolder);
@@ -81,7 +129,9 @@ void PatientPage::BuildForm()
     form->addRow(QStringLiteral("Rodné číslo:"), m_rodneCislo);
     form->addRow(QStringLiteral("Datum narození:"), m_datumNarozeni);
     form->addRow(QStringLiteral("Pohlaví:"), m_pohlavi);
-    form->addRow(QStringLiteral("Pojišťovna:"), m_pojistovna);
+    form->addRow(QStringLiteral("Pojišťovna:"), insurerHolder);
+    form->addRow(QStringLiteral("Váha (kg):"), m_vaha);
+    form->addRow(QStringLiteral("Počet dětí:"), m_deti);
     form->addRow(QStringLiteral("Telefon:"), telefonHolder);
     form->addRow(QStringLiteral("Datum návštěvy:"), m_navsteva);
     form->addRow(QStringLiteral("Poznámka:"), m_poznamka);
@@ -122,8 +172,14 @@ void PatientPage::WireNeighbours()
     m_pohlavi->SetFocUp(m_datumNarozeni);
     m_pohlavi->SetFocDown(m_pojistovna);
     m_pojistovna->SetFocUp(m_pohlavi);
-    m_pojistovna->SetFocDown(m_telefon);
-    m_telefon->SetFocUp(m_pojistovna);
+    m_pojistovna->SetFocDown(m_vaha);
+    m_vaha->SetFocUp(m_pojistovna);
+    m_vaha->SetFocDown(m_deti);
+    m_vaha->SetFocRight(m_deti);
+    m_deti->SetFocUp(m_vaha);
+    m_deti->SetFocLeft(m_vaha);
+    m_deti->SetFocDown(m_telefon);
+    m_telefon->SetFocUp(m_deti);
     m_telefon->SetFocDown(m_navsteva);
     m_navsteva->SetFocUp(m_telefon);
     m_navsteva->SetFocDown(m_poznamka);
@@ -132,45 +188,72 @@ void PatientPage::WireNeighbours()
     m_ulozit->SetFocUp(m_poznamka);
 }
 
-void PatientPage::LoadInsurers()
+void PatientPage::PickInsurer(QString &code, QString &name)
 {
-    QSqlQuery q(SampleDatabase::Database());
-    q.exec(QStringLiteral("SELECT kod, nazev FROM pojistovna ORDER BY kod"));
-    while (q.next())
-        m_pojistovna->addItem(q.value(0).toString() + QStringLiteral(" – ") + q.value(1).toString(),
-                              q.value(0).toString());
+    CodeListDialog dialog(QStringLiteral("Číselník pojišťoven"),
+                          QStringLiteral("SELECT kod AS \"Kód\", nazev AS \"Název\" FROM pojistovna ORDER BY kod"),
+                          this);
+    dialog.SelectCode(code);
+    if (MessageService::ExecDialog(&dialog) != mrOk || dialog.Code().isEmpty())
+        return;
+    code = dialog.Code();
+    name = dialog.Name();
+}
+
+// Marks what keeps the patient from being saved (errors) and what looks
+// unusual (warnings). Returns whether there is no error.
+bool PatientPage::Validate()
+{
+    m_chyby->ClearAllErrors();
+    m_chyby->BeginUpdate();
+    bool ok = true;
+    if (m_prijmeni->text().trimmed().isEmpty()) {
+        m_chyby->SetError(m_prijmeni, QStringLiteral("Vyplňte příjmení pacienta."), etError);
+        ok = false;
+    }
+    if (DateTyped(m_datumNarozeni->text())) {
+        try {
+            FormatStrToDate(m_datumNarozeni->text());
+        } catch (const EConvertError &e) {
+            m_chyby->SetError(m_datumNarozeni, e.Message(), etError);
+            ok = false;
+        }
+    }
+    if (!m_vaha->text().isEmpty()) {
+        const double weight = m_vaha->getDouble();
+        if (weight != 0 && (weight < 2 || weight > 250))
+            m_chyby->SetError(m_vaha, QStringLiteral("Neobvyklá váha: %1 kg.").arg(m_vaha->text()), etWarning);
+    }
+    if (!m_pojistovna->text().isEmpty() && m_pojistovnaNazev->text().isEmpty())
+        m_chyby->SetError(m_pojistovna, QStringLiteral("Neznámý kód pojišťovny."), etWarning);
+    m_chyby->EndUpdate();
+    return ok;
 }
 
 void PatientPage::Save()
 {
-    if (m_prijmeni->text().trimmed().isEmpty()) {
-        MessageService::ShowWarning(QStringLiteral("Vyplňte příjmení pacienta."), this);
-        m_prijmeni->setFocus();
+    if (!Validate()) {
+        m_status->setText(QStringLiteral("Opravte označená pole."));
         return;
     }
-    QString born;
     const QString bornText = m_datumNarozeni->text();
-    if (!bornText.trimmed().remove(QLatin1Char('.')).isEmpty()) {
-        try {
-            born = DateToStr(FormatStrToDate(bornText));
-        } catch (const EConvertError &e) {
-            MessageService::ShowError(e.Message(), this);
-            m_datumNarozeni->setFocus();
-            return;
-        }
-    }
+    const QString born = DateTyped(bornText) ? DateToStr(FormatStrToDate(bornText)) : QString();
     QSqlQuery q(SampleDatabase::Database());
     q.prepare(QStringLiteral("INSERT INTO pacient (prijmeni, jmeno, rodne_cislo, datum_narozeni, pohlavi,"
-                             " pojistovna, telefon, poznamka, navsteva) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+                             " pojistovna, telefon, poznamka, navsteva, vaha, deti)"
+                             " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
     q.addBindValue(m_prijmeni->text().trimmed());
     q.addBindValue(m_jmeno->text().trimmed());
     q.addBindValue(m_rodneCislo->text());
     q.addBindValue(born);
     q.addBindValue(m_pohlavi->currentText());
-    q.addBindValue(m_pojistovna->currentData().toString());
+    q.addBindValue(m_pojistovna->text());
     q.addBindValue(m_telefon->text().trimmed());
     q.addBindValue(m_poznamka->toPlainText());
     q.addBindValue(m_navsteva->EmptyDate() ? QString() : DateToStr(m_navsteva->Date()));
+    const double weight = m_vaha->text().isEmpty() ? 0 : m_vaha->getDouble();
+    q.addBindValue(weight == 0 ? QVariant() : QVariant(weight));
+    q.addBindValue(m_deti->text().isEmpty() ? QVariant() : QVariant(m_deti->getInteger()));
     if (!q.exec()) {
         MessageService::ShowError(QStringLiteral("Pacienta nelze uložit: ") + q.lastError().text(), this);
         return;
@@ -188,6 +271,10 @@ void PatientPage::ClearForm()
     m_datumNarozeni->clear();
     m_telefon->clear();
     m_poznamka->clear();
+    m_pojistovna->clear();
+    m_pojistovnaNazev->clear();
+    m_vaha->clear();
+    m_deti->clear();
     m_navsteva->SetDate(m_navsteva->MinDate());
     m_prijmeni->setFocus();
 }

@@ -14,6 +14,9 @@ class TMemoOxa;
 class TLabeledEditOxa;
 class TButtonOxa;
 class TDateTimePickerOxa;
+class TNumEditOxa;
+class TOxaEditCis;
+class TErrorProvider;
 }
 
 // Registration of a patient: a form of Oxa data-entry controls wired for
@@ -25,11 +28,15 @@ class PatientPage : public QWidget
 public:
     explicit PatientPage(QWidget *parent = nullptr);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     void BuildForm();
     void WireNeighbours();
-    void LoadInsurers();
     void Save();
+    bool Validate();
+    void PickInsurer(QString &code, QString &name);
     void ClearForm();
     void RefreshList();
 
@@ -38,7 +45,11 @@ private:
     oxa::TMaskEditOxa *m_rodneCislo = nullptr;
     oxa::TMaskEditOxa *m_datumNarozeni = nullptr;
     oxa::TComboBoxOxa *m_pohlavi = nullptr;
-    oxa::TComboBoxOxa *m_pojistovna = nullptr;
+    oxa::TOxaEditCis *m_pojistovna = nullptr;
+    oxa::TEditOxa *m_pojistovnaNazev = nullptr;
+    oxa::TNumEditOxa *m_vaha = nullptr;
+    oxa::TNumEditOxa *m_deti = nullptr;
+    oxa::TErrorProvider *m_chyby = nullptr;
     oxa::TLabeledEditOxa *m_telefon = nullptr;
     oxa::TDateTimePickerOxa *m_navsteva = nullptr;
     oxa::TMemoOxa *m_poznamka = nullptr;

@@ -69,7 +69,7 @@ const char *const kBuilt[] = {
     "TMaskEditOxa", "TDateTimePickerOxa", "TOxaPopUpMenu", "TEditOxa", "TComboBoxOxa",
     "TStringGridOxa", "TMemoOxa", "TLabeledEditOxa", "TButtonOxa", "TErrorProvider",
     "TEnhancedMonthCalendar", "TDayListView", "TDayGroupBox", "TXLSfile", "TExecApplication",
-    "TBackgroundWorker",
+    "TBackgroundWorker", "TNumEditOxa", "TOxaEditCis",
 };
 
 const CatalogueRow *rowOf(const QString &className)

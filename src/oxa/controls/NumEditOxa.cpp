@@ -282,13 +282,15 @@ void TNumEditOxa::Refresh()
 }
 
 // Rewriting the text it already has would lose the selection that Tab made.
+// A text selected whole stays so, and so does the 0 that an empty text
+// becomes, so that typing replaces it.
 void TNumEditOxa::SetCanonicalText(const QString &canonical)
 {
     if (text() == canonical)
         return;
-    const bool allSelected = hasSelectedText() && selectedText().length() == text().length();
+    const bool selectWhole = text().isEmpty() || selectedText().length() == text().length();
     setText(canonical);
-    if (allSelected)
+    if (selectWhole)
         selectAll();
 }
 

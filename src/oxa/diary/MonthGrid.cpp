@@ -48,18 +48,18 @@ void AppendTwoDigits(QString &text, int value)
     text += QChar(u'0' + value % 10);
 }
 
-// "hh:mm" of a time of day.
+// "hh:mm" of a time of day already cut to whole minutes (not negative).
 void AppendHhMm(QString &text, TTime aCas)
 {
-    int hour = 0, minute = 0, second = 0, msec = 0;
-    DecodeTime(aCas, hour, minute, second, msec);
-    AppendTwoDigits(text, hour);
+    const int minutes = int(std::lround((aCas - std::floor(aCas)) * 1440)) % 1440;
+    AppendTwoDigits(text, minutes / 60);
     text += u':';
-    AppendTwoDigits(text, minute);
+    AppendTwoDigits(text, minutes % 60);
 }
 
-// An entry's hint line: "AB  08:00-08:30 Kontakt: Popis".
-QString HintLine(const TDayRecord &aZaznam)
+// An entry's hint line: "AB  08:00-08:30 Kontakt: Popis"; a and b are its
+// times cut to whole minutes.
+QString HintLine(const TDayRecord &aZaznam, TTime a, TTime b)
 {
     const QString kontakt = aZaznam.KONTAKT.trimmed();
     const QString popis = aZaznam.Popis.Text().trimmed();
@@ -67,9 +67,9 @@ QString HintLine(const TDayRecord &aZaznam)
     line.reserve(aZaznam.Parafa.Length() + 15 + kontakt.size() + popis.size());
     line += aZaznam.Parafa.Text();
     line += QLatin1String("  ");
-    AppendHhMm(line, aZaznam.CasOd);
+    AppendHhMm(line, a);
     line += u'-';
-    AppendHhMm(line, aZaznam.CasDo);
+    AppendHhMm(line, b);
     line += u' ';
     if (!kontakt.isEmpty() && !popis.isEmpty()) {
         line += kontakt;
@@ -274,37 +274,47 @@ void TMonthGrid::InitVykreslovani(int aDen)
             MarkHours(r, interval, fDiarNastaveni.barvaObjednaniKLekari);
     }
 
+    for (const TDovolena &dovolena : fDiarNastaveni.dovolena)
+        MarkLeave(dovolena, first, last);
+}
+
+// Leave covers its days in this month: from its start time on its first day
+// and up to its end time on its last day; a leave that began in an earlier
+// month (or ends in a later one) covers the first (last) day of this one
+// whole. Each covered cell gains the leave's note as a hint line.
+void TMonthGrid::MarkLeave(const TDovolena &aDovolena, int aFirst, int aLast)
+{
+    const TMonthInfo month = MonthOf(FDatum);
     const TDate konecMesice = month.prvni + (month.dnu - 1);
-    for (const TDovolena &dovolena : fDiarNastaveni.dovolena) {
-        const TDate od = DateOf(dovolena.DatumOd);
-        const TDate doDne = DateOf(dovolena.DatumDo);
-        if (od > konecMesice || doDne < month.prvni || doDne < od)
-            continue;
-        const bool zacinaVMesici = od >= month.prvni;
-        const bool konciVMesici = doDne <= konecMesice;
-        const int prvniDen = zacinaVMesici ? int(od - month.prvni) + 1 : 1;
-        const int posledniDen = konciVMesici ? int(doDne - month.prvni) + 1 : month.dnu;
-        const int firstCol = zacinaVMesici ? int(std::floor(dovolena.CasOd * fDILKY_HODINY_DEN + kSlotEpsilon)) + 1 : 1;
-        const int lastCol = konciVMesici ? int(std::floor(dovolena.CasDo * fDILKY_HODINY_DEN + kSlotEpsilon)) : fDILKY_HODINY_DEN;
-        const QString line = dovolena.Poznamka.IsEmpty()
-                                 ? QString()
-                                 : QStringLiteral("Dovolená: ") + dovolena.Poznamka.Text();
-        const QString lineAlone = line.trimmed();
-        const TColor barva = dovolena.BarvaIsSet ? dovolena.Barva : fDiarNastaveni.barvaDovol;
-        for (int r = std::max(first, prvniDen); r <= std::min(last, posledniDen); ++r) {
-            const int from = r == prvniDen ? std::max(firstCol, 1) : 1;
-            const int to = r == posledniDen ? std::min(lastCol, fDILKY_HODINY_DEN) : fDILKY_HODINY_DEN;
-            for (int c = from; c <= to; ++c) {
-                TMonthGridCell &cell = Cell(r, c);
-                cell.dovolena = true;
-                cell.barva = barva;
-                if (line.isEmpty())
-                    continue;
-                if (cell.hint.isEmpty())
-                    cell.hint = lineAlone;
-                else
-                    cell.hint = (cell.hint + kLineBreak + line).trimmed();
-            }
+    const TDate od = DateOf(aDovolena.DatumOd);
+    const TDate doDne = DateOf(aDovolena.DatumDo);
+    if (od > konecMesice || doDne < month.prvni || doDne < od)
+        return;
+    const bool zacinaVMesici = od >= month.prvni;
+    const bool konciVMesici = doDne <= konecMesice;
+    const int prvniDen = zacinaVMesici ? int(od - month.prvni) + 1 : 1;
+    const int posledniDen = konciVMesici ? int(doDne - month.prvni) + 1 : month.dnu;
+    const int firstCol = zacinaVMesici ? std::max(SlotsBefore(aDovolena.CasOd) + 1, 1) : 1;
+    const int lastCol = konciVMesici ? std::min(SlotsBefore(aDovolena.CasDo), fDILKY_HODINY_DEN)
+                                     : fDILKY_HODINY_DEN;
+    const QString line = aDovolena.Poznamka.IsEmpty()
+                             ? QString()
+                             : QStringLiteral("Dovolená: ") + aDovolena.Poznamka.Text();
+    const QString lineAlone = line.trimmed();
+    const TColor barva = aDovolena.BarvaIsSet ? aDovolena.Barva : fDiarNastaveni.barvaDovol;
+    for (int r = std::max(aFirst, prvniDen); r <= std::min(aLast, posledniDen); ++r) {
+        const int from = r == prvniDen ? firstCol : 1;
+        const int to = r == posledniDen ? lastCol : fDILKY_HODINY_DEN;
+        for (int c = from; c <= to; ++c) {
+            TMonthGridCell &cell = Cell(r, c);
+            cell.dovolena = true;
+            cell.barva = barva;
+            if (line.isEmpty())
+                continue;
+            if (cell.hint.isEmpty())
+                cell.hint = lineAlone;
+            else
+                cell.hint = (cell.hint + kLineBreak + line).trimmed();
         }
     }
 }
@@ -349,18 +359,17 @@ void TMonthGrid::MarkEntries(int ARow)
                 continue;
             if (!met) {
                 met = true;
-                lines.push_back(HintLine(zaznam));
+                lines.push_back(HintLine(zaznam, a, b));
             }
             fHits.push_back({c, int(lines.size()) - 1, &zaznam});
         }
     }
-    // Stable: the lines of a slot keep the day's order.
-    std::stable_sort(fHits.begin(), fHits.end(),
-                     [](const THit &x, const THit &y) { return x.col < y.col; });
+    SortHitsByColumn();
 
     std::vector<QString> trimmed(lines.size());
     for (auto it = fHits.begin(); it != fHits.end();) {
-        auto groupEnd = std::find_if(it, fHits.end(), [c = it->col](const THit &h) { return h.col != c; });
+        const auto groupEnd = std::find_if(
+            it, fHits.end(), [c = it->col](const THit &h) { return h.col != c; });
         TMonthGridCell &cell = Cell(ARow, it->col);
         cell.zaznam = true;
         cell.soukrom = it->zaznam->Soukrome;
@@ -375,6 +384,21 @@ void TMonthGrid::MarkEntries(int ARow)
         }
         it = groupEnd;
     }
+}
+
+// Orders the hits by column, keeping the day's order within a column (a
+// counting sort on buffers that are kept between days).
+void TMonthGrid::SortHitsByColumn()
+{
+    fColumnStarts.assign(std::size_t(fCellCols) + 1, 0);
+    for (const THit &hit : fHits)
+        ++fColumnStarts[std::size_t(hit.col) + 1];
+    for (std::size_t c = 1; c < fColumnStarts.size(); ++c)
+        fColumnStarts[c] += fColumnStarts[c - 1];
+    fSortedHits.resize(fHits.size());
+    for (const THit &hit : fHits)
+        fSortedHits[std::size_t(fColumnStarts[std::size_t(hit.col)]++)] = hit;
+    fHits.swap(fSortedHits);
 }
 
 // The lines joined by line breaks and trimmed as a whole, in one allocation.
@@ -406,14 +430,20 @@ QString TMonthGrid::JoinTrimmed(const std::vector<QString> &lines,
     return hint;
 }
 
+// The whole slots that fit before a configured time: trunc(slots per day x
+// time), kept from coming out one short by the time's rounding.
+int TMonthGrid::SlotsBefore(TTime aCas) const
+{
+    return int(std::floor(aCas * fDILKY_HODINY_DEN + kSlotEpsilon));
+}
+
 void TMonthGrid::MarkHours(int ARow, const TPracDobaCas &aCas, TColor aBarva)
 {
     const auto mark = [this, ARow, aBarva](TTime od, TTime doCasu) {
         if (!(od < doCasu))
             return;
-        const int from = std::max(1, int(std::floor(od * fDILKY_HODINY_DEN + kSlotEpsilon)) + 1);
-        const int to = std::min(fDILKY_HODINY_DEN,
-                                int(std::floor(doCasu * fDILKY_HODINY_DEN + kSlotEpsilon)));
+        const int from = std::max(1, SlotsBefore(od) + 1);
+        const int to = std::min(fDILKY_HODINY_DEN, SlotsBefore(doCasu));
         for (int c = from; c <= to; ++c) {
             TMonthGridCell &cell = Cell(ARow, c);
             cell.pracDoba = true;
@@ -430,7 +460,8 @@ bool TMonthGrid::ExistujeZaznam(int ARow, int ACol, TColor &Color, int &Splneno)
 {
     if (!FZaznamy)
         return false;
-    const QList<PDayRecord> found = FZaznamy->FindDayRecord(ARow, SlotStartTime(ACol), SlotEndTime(ACol));
+    const QList<PDayRecord> found =
+        FZaznamy->FindDayRecord(ARow, SlotStartTime(ACol), SlotEndTime(ACol));
     if (found.isEmpty())
         return false;
     Color = BarvaSchuzkyMonth[found.first()->Soukrome];
@@ -687,9 +718,8 @@ QColor TMonthGrid::CellBackground(int ACol, int ARow) const
 
 void TMonthGrid::FillCell(const QRect &Rect, const QColor &Background)
 {
-    QPainter *canvas = Canvas();
-    canvas->fillRect(Rect, Background);
-    canvas->setPen(Background);
+    // Lines and texts set their own pens.
+    Canvas()->fillRect(Rect, Background);
 }
 
 void TMonthGrid::DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State)
@@ -728,7 +758,8 @@ void TMonthGrid::DrawCellTexts(int ACol, int ARow, const QRect &Rect, TDate aDen
     const int slot = (ACol - 1) % fDILKY_HODINY;
     const int width = Rect.width();
     if (slot * width < FStyle.hourTextWidth) {
-        const QRect hour(Rect.left() - slot * width, Rect.top(), fDILKY_HODINY * width, Rect.height());
+        const QRect hour(Rect.left() - slot * width, Rect.top(), fDILKY_HODINY * width,
+                         Rect.height());
         canvas->setClipRect(Rect);
         canvas->drawText(hour, Qt::AlignLeft | Qt::AlignVCenter,
                          QLatin1Char(' ') + QString::number((ACol - 1) / fDILKY_HODINY)

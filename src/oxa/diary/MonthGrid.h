@@ -67,6 +67,7 @@ class TMonthGrid : public TDrawGrid
     Q_OBJECT
     Q_PROPERTY(double Datum READ Datum WRITE SetDatum)
     Q_PROPERTY(int CasOd READ CasOd WRITE SetCasOd)
+    Q_PROPERTY(oxa::TMonthArray *Zaznamy READ Zaznamy WRITE SetZaznamy)
     Q_PROPERTY(int dilkyHodiny READ dilkyHodiny)
     Q_PROPERTY(int dilkyHodinyDen READ dilkyHodinyDen)
 
@@ -173,7 +174,10 @@ protected:
 private:
     void OnHintTimer();
     void ShowHint();
-    TMonthGridCell &Cell(int ARow, int ACol) { return fDataPaint[std::size_t(ARow * fCellCols + ACol)]; }
+    TMonthGridCell &Cell(int ARow, int ACol)
+    {
+        return fDataPaint[std::size_t(ARow * fCellCols + ACol)];
+    }
     void ClearRow(int ARow, const QString &aSvatek, bool aVikend);
     // A slot met by an entry of the day being prepared.
     struct THit
@@ -183,12 +187,14 @@ private:
         const TDayRecord *zaznam;
     };
     void MarkEntries(int ARow);
+    void SortHitsByColumn();
     static QString JoinTrimmed(const std::vector<QString> &lines,
                                std::vector<THit>::const_iterator from,
                                std::vector<THit>::const_iterator to);
     void MarkHours(int ARow, const TPracDobaCas &aCas, TColor aBarva);
-    void MarkLeave(int aPrvniDen, int aPosledniDen, int aDen);
+    void MarkLeave(const TDovolena &aDovolena, int aFirst, int aLast);
     TTime CutSlotTime(double aSlot) const;
+    int SlotsBefore(TTime aCas) const;
     QColor CellBackground(int ACol, int ARow) const;
 
     int fDILKY_MINUTA = 15;
@@ -210,7 +216,10 @@ private:
     int fCellCols = 0;
     int FMouseRow = -1;
     TDate FMouseDownDatum = 0;
-    std::vector<THit> fHits; // kept to spare an allocation per day
+    // Buffers of MarkEntries, kept to spare allocations per day.
+    std::vector<THit> fHits;
+    std::vector<THit> fSortedHits;
+    std::vector<int> fColumnStarts;
     PaintStyle FStyle;
 };
 

@@ -8,6 +8,8 @@
 #include "oxa/controls/LabeledEditOxa.h"
 #include "oxa/controls/MaskEditOxa.h"
 #include "oxa/controls/MemoOxa.h"
+#include "oxa/controls/NumEditOxa.h"
+#include "oxa/controls/OxaEditCis.h"
 #include "oxa/controls/OxaPopupMenu.h"
 #include "oxa/controls/StringGridOxa.h"
 #include "oxa/diary/DayListView.h"
@@ -34,6 +36,8 @@ void RegisterAll()
     RegisterDayListView();
     RegisterXLSfile();
     RegisterButtonOxa();
+    RegisterOxaEditCis();
+    RegisterNumEditOxa();
     RegisterErrorProvider();
     RegisterBackgroundWorker();
 }
