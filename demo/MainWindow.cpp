@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include "DiaryPage.h"
 #include "ExportPage.h"
 #include "PatientPage.h"
 
@@ -14,6 +15,7 @@ MainWindow::MainWindow(QWidget *parent)
     setWindowTitle(QStringLiteral("Oxa – ukázková ambulance"));
     setCentralWidget(m_tabs);
     AddPage(new PatientPage(this), QStringLiteral("Pacient"), QStringLiteral("pacient"));
+    AddPage(new DiaryPage(this), QStringLiteral("Diář"), QStringLiteral("diar"));
     AddPage(new ExportPage(this), QStringLiteral("Export"), QStringLiteral("export"));
     statusBar()->showMessage(QStringLiteral("Ctrl+šipky přesouvají mezi poli, Tab v pořadí formuláře."));
     resize(1100, 720);

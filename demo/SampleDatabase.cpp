@@ -1,5 +1,7 @@
 #include "SampleDatabase.h"
 
+#include "DiaryData.h"
+
 #include <QDate>
 #include <QDir>
 #include <QFileInfo>
@@ -60,7 +62,8 @@ bool SampleDatabase::Open(const QString &path, QString *error)
     }
     if (existed)
         return true;
-    if (!db.transaction() || !CreateSchema(db, error) || !FillSampleData(db, error)) {
+    if (!db.transaction() || !CreateSchema(db, error) || !FillSampleData(db, error)
+        || !CreateDiarySchema(db, error) || !FillDiarySampleData(db, error)) {
         db.rollback();
         return false;
     }

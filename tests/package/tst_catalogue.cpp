@@ -1,6 +1,7 @@
 #include "oxa/package/Package.h"
 #include "oxa/toolkit/Catalogue.h"
 
+#include <QMetaProperty>
 #include <QTest>
 #include <QWidget>
 
@@ -92,6 +93,7 @@ private Q_SLOTS:
     void everyRegisteredClassStandsInTheCatalogue();
     void everyBuiltClassIsRegistered();
     void hostCreatesClassesByName();
+    void publishedPropertiesAreReadable();
     void registeringTwiceKeepsOneEntry();
     void classesWorkWithoutRegistration();
 };
@@ -127,6 +129,26 @@ void TestCatalogue::hostCreatesClassesByName()
                  object->metaObject()->className());
     }
     QVERIFY(!Catalogue::Instance().Create(QStringLiteral("TNoSuchClass"), &form));
+}
+
+// Every published property of the library's classes can be read by name, as
+// the form designer and a .ui loader read them.
+void TestCatalogue::publishedPropertiesAreReadable()
+{
+    QWidget form;
+    for (const TComponentEntry &entry : Catalogue::Instance().Components()) {
+        QObject *object = Catalogue::Instance().Create(entry.ClassName, &form);
+        for (const QMetaObject *mo = object->metaObject();
+             mo && QByteArray(mo->className()).startsWith("oxa::"); mo = mo->superClass()) {
+            for (int i = mo->propertyOffset(); i < mo->propertyCount(); ++i) {
+                const QMetaProperty property = mo->property(i);
+                const QByteArray where = entry.ClassName.toLatin1() + '.' + property.name();
+                QVERIFY2(property.metaType().isValid(), where.constData());
+                if (property.isReadable())
+                    QVERIFY2(object->property(property.name()).isValid(), where.constData());
+            }
+        }
+    }
 }
 
 void TestCatalogue::registeringTwiceKeepsOneEntry()

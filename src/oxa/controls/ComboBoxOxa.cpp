@@ -9,7 +9,6 @@ namespace oxa {
 TComboBoxOxa::TComboBoxOxa(QWidget *parent)
     : Base(parent)
 {
-    SetColor(FDefaultColor);
     connect(this, &QComboBox::activated, this, [this] {
         HandleExceptions(this, [this] { Change(); });
     });
@@ -55,22 +54,20 @@ void TComboBoxOxa::selectNextOnSpace(Word &key)
 
 void TComboBoxOxa::DoEnter()
 {
-    FIsFocused = true;
-    SetColor(FActiveColor);
+    ShowActiveColor();
     Base::DoEnter();
 }
 
 void TComboBoxOxa::DoExit()
 {
-    FIsFocused = false;
-    SetColor(FDefaultColor);
+    ShowDefaultColor();
     Base::DoExit();
 }
 
 void TComboBoxOxa::Loaded()
 {
     Base::Loaded();
-    SetColor(FDefaultColor);
+    ResetToDefaultColor();
 }
 
 void RegisterComboBoxOxa()

@@ -10,7 +10,7 @@ namespace oxa {
 // the edits it swallows every Ctrl+arrow, neighbour or not, and in a
 // drop-down list (a combo box that is not editable) Space selects the next
 // item, wrapping from the last to the first.
-class TComboBoxOxa : public TFocusNavigation<TComboBoxOxa, QComboBox>
+class TComboBoxOxa : public TFocusColorNavigation<TComboBoxOxa, QComboBox>
 {
     Q_OBJECT
     Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
@@ -21,16 +21,11 @@ class TComboBoxOxa : public TFocusNavigation<TComboBoxOxa, QComboBox>
     Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
     Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
 
-    using Base = TFocusNavigation<TComboBoxOxa, QComboBox>;
+    using Base = TFocusColorNavigation<TComboBoxOxa, QComboBox>;
 
 public:
     explicit TComboBoxOxa(QWidget *parent = nullptr);
 
-    TColor ActiveColor() const { return FActiveColor; }
-    void SetActiveColor(TColor color) { FActiveColor = color; }
-    TColor DefaultColor() const { return FDefaultColor; }
-    void SetDefaultColor(TColor color) { FDefaultColor = color; }
-    bool IsFocused() const { return FIsFocused; }
 
     // The user changed the selection (mouse, keyboard, wheel, Space) or
     // typed into an editable box.
@@ -47,9 +42,6 @@ protected:
 private:
     void selectNextOnSpace(Word &key);
 
-    TColor FActiveColor = clYellow;
-    TColor FDefaultColor = clWindow;
-    bool FIsFocused = false;
 };
 
 void RegisterComboBoxOxa();

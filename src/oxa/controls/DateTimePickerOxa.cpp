@@ -41,7 +41,7 @@ bool isBlankFormat(const QString &format)
 TDateTimePickerOxa::TDateTimePickerOxa(QWidget *owner)
     : Base(owner)
 {
-    const QLocale czech(QLocale::Czech, QLocale::CzechRepublic);
+    const QLocale czech = CzechLocale();
     setLocale(czech);
     setCalendarPopup(true);
     calendarWidget()->setLocale(czech);
@@ -56,7 +56,6 @@ TDateTimePickerOxa::TDateTimePickerOxa(QWidget *owner)
         if (!m_settingDate)
             HandleExceptions(this, [this] { DateTimeChanged(); });
     });
-    SetColor(FDefaultColor);
     PaintRule();
 }
 
@@ -512,19 +511,19 @@ void TDateTimePickerOxa::paintEvent(QPaintEvent *event)
 void TDateTimePickerOxa::DoEnter()
 {
     Base::DoEnter();
-    SetColor(FActiveColor);
+    ShowActiveColor();
 }
 
 void TDateTimePickerOxa::DoExit()
 {
     Base::DoExit();
-    SetColor(FDefaultColor);
+    ShowDefaultColor();
 }
 
 void TDateTimePickerOxa::Loaded()
 {
     Base::Loaded();
-    SetColor(FDefaultColor);
+    ResetToDefaultColor();
 }
 
 void RegisterDateTimePickerOxa()

@@ -22,11 +22,11 @@ namespace oxa {
 // shows) and "MMMM.yyyy"; a Format of a single space shows the blank field.
 // Month names are those of the Czech locale. Qt's own stepping (wheel,
 // PageUp/PageDown) is off: the section rules alone change the date.
-class TDateTimePickerOxa : public TFocusNavigation<TDateTimePickerOxa, QDateEdit>
+class TDateTimePickerOxa : public TFocusColorNavigation<TDateTimePickerOxa, QDateEdit>
 {
     Q_OBJECT
-    Q_PROPERTY(oxa::TColor ActiveColor READ ActiveColor WRITE SetActiveColor)
-    Q_PROPERTY(oxa::TColor DefaultColor READ DefaultColor WRITE SetDefaultColor)
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
     Q_PROPERTY(double Date READ Date WRITE SetDate)
     Q_PROPERTY(double DateTime READ DateTime WRITE SetDateTime)
     Q_PROPERTY(double MinDate READ MinDate WRITE SetMinDate)
@@ -36,16 +36,12 @@ class TDateTimePickerOxa : public TFocusNavigation<TDateTimePickerOxa, QDateEdit
     Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
     Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
 
-    using Base = TFocusNavigation<TDateTimePickerOxa, QDateEdit>;
+    using Base = TFocusColorNavigation<TDateTimePickerOxa, QDateEdit>;
 
 public:
     explicit TDateTimePickerOxa(QWidget *owner = nullptr);
     ~TDateTimePickerOxa() override;
 
-    TColor ActiveColor() const { return FActiveColor; }
-    void SetActiveColor(TColor color) { FActiveColor = color; }
-    TColor DefaultColor() const { return FDefaultColor; }
-    void SetDefaultColor(TColor color) { FDefaultColor = color; }
 
     // The date with its time of day; a date outside MinDate and the last
     // day of 9999 is refused (see MsgSetDateTime) and the old one stays.
@@ -121,8 +117,6 @@ private:
     void SyncSection();
     void OpenCalendar();
 
-    TColor FActiveColor = clYellow;
-    TColor FDefaultColor = clWindow;
     Word FLastKey = 0;
     quint8 FSection = 0;
     quint8 FPrevSection = 0;

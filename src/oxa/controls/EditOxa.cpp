@@ -85,7 +85,6 @@ QString GetKorigovanySubString(const QString &s, bool &changed)
 TEditOxa::TEditOxa(QWidget *parent)
     : Base(parent)
 {
-    SetColor(FDefaultColor);
     connect(this, &QLineEdit::textChanged, this, [this] {
         HandleExceptions(this, [this] { Change(); });
     });
@@ -103,8 +102,7 @@ void TEditOxa::DoEnter()
 {
     attachPopupMenu();
     if (Enabled()) {
-        FIsFocused = true;
-        SetColor(FActiveColor);
+        ShowActiveColor();
     }
     Base::DoEnter();
 }
@@ -113,8 +111,7 @@ void TEditOxa::DoExit()
 {
     detachPopupMenu();
     if (Enabled()) {
-        FIsFocused = false;
-        SetColor(FDefaultColor);
+        ShowDefaultColor();
     }
     Base::DoExit();
 }

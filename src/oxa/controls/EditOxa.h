@@ -20,7 +20,7 @@ namespace oxa {
 // again. Right-click shows PopupMenu when there is one; an edit without a
 // menu (read-only, MapaZnaku off, not entered yet) shows Qt's standard
 // context menu of a line edit, as the platform's edit control does.
-class TEditOxa : public TFocusNavigation<TEditOxa, QLineEdit>
+class TEditOxa : public TFocusColorNavigation<TEditOxa, QLineEdit>
 {
     Q_OBJECT
     Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
@@ -34,16 +34,11 @@ class TEditOxa : public TFocusNavigation<TEditOxa, QLineEdit>
     Q_PROPERTY(bool MapaZnaku READ MapaZnaku WRITE SetMapaZnaku)
     Q_PROPERTY(QMenu *PopupMenu READ PopupMenu WRITE SetPopupMenu)
 
-    using Base = TFocusNavigation<TEditOxa, QLineEdit>;
+    using Base = TFocusColorNavigation<TEditOxa, QLineEdit>;
 
 public:
     explicit TEditOxa(QWidget *parent = nullptr);
 
-    TColor ActiveColor() const { return FActiveColor; }
-    void SetActiveColor(TColor color) { FActiveColor = color; }
-    TColor DefaultColor() const { return FDefaultColor; }
-    void SetDefaultColor(TColor color) { FDefaultColor = color; }
-    bool IsFocused() const { return FIsFocused; }
 
     bool KorekceTextu() const { return FKorekceTextu; }
     void SetKorekceTextu(bool on) { FKorekceTextu = on; }
@@ -80,9 +75,6 @@ private:
     void detachPopupMenu();
     void replaceSelection(QChar key);
 
-    TColor FActiveColor = clYellow;
-    TColor FDefaultColor = clWindow;
-    bool FIsFocused = false;
     bool FKorekceTextu = false;
     bool fMapaZnaku = true;
     QPointer<QMenu> FPopupMenu;

@@ -16,7 +16,6 @@ TLabeledEditOxa::TLabeledEditOxa(QWidget *parent)
     // hidden until the edit is placed on a parent.
     if (!parent)
         FEditLabel->hide();
-    SetColor(FDefaultColor);
     placeLabel();
 }
 
@@ -81,15 +80,13 @@ void TLabeledEditOxa::followParent()
 
 void TLabeledEditOxa::DoEnter()
 {
-    FIsFocused = true;
-    SetColor(FActiveColor);
+    ShowActiveColor();
     Base::DoEnter();
 }
 
 void TLabeledEditOxa::DoExit()
 {
-    FIsFocused = false;
-    SetColor(FDefaultColor);
+    ShowDefaultColor();
     Base::DoExit();
 }
 

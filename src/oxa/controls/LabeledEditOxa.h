@@ -17,7 +17,7 @@ namespace oxa {
 //
 // Unlike the library's other controls, Loaded keeps the colour the control
 // was given.
-class TLabeledEditOxa : public TFocusNavigation<TLabeledEditOxa, QLineEdit>
+class TLabeledEditOxa : public TFocusColorNavigation<TLabeledEditOxa, QLineEdit>
 {
     Q_OBJECT
     Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
@@ -32,7 +32,7 @@ class TLabeledEditOxa : public TFocusNavigation<TLabeledEditOxa, QLineEdit>
     Q_PROPERTY(TLabelPosition LabelPosition READ LabelPosition WRITE SetLabelPosition)
     Q_PROPERTY(int LabelSpacing READ LabelSpacing WRITE SetLabelSpacing)
 
-    using Base = TFocusNavigation<TLabeledEditOxa, QLineEdit>;
+    using Base = TFocusColorNavigation<TLabeledEditOxa, QLineEdit>;
 
 public:
     enum TLabelPosition { lpAbove, lpBelow, lpLeft, lpRight };
@@ -41,11 +41,6 @@ public:
     explicit TLabeledEditOxa(QWidget *parent = nullptr);
     ~TLabeledEditOxa() override;
 
-    TColor ActiveColor() const { return FActiveColor; }
-    void SetActiveColor(TColor color) { FActiveColor = color; }
-    TColor DefaultColor() const { return FDefaultColor; }
-    void SetDefaultColor(TColor color) { FDefaultColor = color; }
-    bool IsFocused() const { return FIsFocused; }
 
     QLabel *EditLabel() const { return FEditLabel; }
     QString LabelCaption() const;
@@ -69,9 +64,6 @@ private:
     void placeLabel();
     void followParent();
 
-    TColor FActiveColor = clYellow;
-    TColor FDefaultColor = clWindow;
-    bool FIsFocused = false;
     QPointer<QLabel> FEditLabel;
     TLabelPosition FLabelPosition = lpAbove;
     int FLabelSpacing = 3;

@@ -50,7 +50,6 @@ bool translateMaskChar(QChar c, QString &qtMask)
 TMaskEditOxa::TMaskEditOxa(QWidget *owner)
     : Base(owner)
 {
-    SetColor(FDefaultColor);
 }
 
 QString TMaskEditOxa::DefaultDateMask()
@@ -174,7 +173,7 @@ void TMaskEditOxa::KeyPress(QChar &Key)
 void TMaskEditOxa::DoEnter()
 {
     Base::DoEnter();
-    SetColor(FActiveColor);
+    ShowActiveColor();
 }
 
 void TMaskEditOxa::DoExit()
@@ -187,7 +186,7 @@ void TMaskEditOxa::DoExit()
 void TMaskEditOxa::FinishExit()
 {
     Base::DoExit();
-    SetColor(FDefaultColor);
+    ShowDefaultColor();
 }
 
 // A text that is no date refuses the exit: the focus comes back and the
@@ -218,7 +217,7 @@ bool TMaskEditOxa::IsEmptyDate() const
 void TMaskEditOxa::Loaded()
 {
     Base::Loaded();
-    SetColor(FDefaultColor);
+    ResetToDefaultColor();
 }
 
 void RegisterMaskEditOxa()

@@ -24,11 +24,11 @@ namespace oxa {
 // after the last ";") and sets the equivalent Qt input mask; a Qt mask may
 // still be given directly through QLineEdit::setInputMask. Turning
 // IsDateFormat on in an edit without a mask gives it DefaultDateMask().
-class TMaskEditOxa : public TFocusNavigation<TMaskEditOxa, QLineEdit>
+class TMaskEditOxa : public TFocusColorNavigation<TMaskEditOxa, QLineEdit>
 {
     Q_OBJECT
-    Q_PROPERTY(oxa::TColor ActiveColor READ ActiveColor WRITE SetActiveColor)
-    Q_PROPERTY(oxa::TColor DefaultColor READ DefaultColor WRITE SetDefaultColor)
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
     Q_PROPERTY(bool IsDateFormat READ IsDateFormat WRITE SetIsDateFormat)
     Q_PROPERTY(QString EditMask READ EditMask WRITE SetEditMask)
     Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
@@ -36,15 +36,11 @@ class TMaskEditOxa : public TFocusNavigation<TMaskEditOxa, QLineEdit>
     Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
     Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
 
-    using Base = TFocusNavigation<TMaskEditOxa, QLineEdit>;
+    using Base = TFocusColorNavigation<TMaskEditOxa, QLineEdit>;
 
 public:
     explicit TMaskEditOxa(QWidget *owner = nullptr);
 
-    TColor ActiveColor() const { return FActiveColor; }
-    void SetActiveColor(TColor color) { FActiveColor = color; }
-    TColor DefaultColor() const { return FDefaultColor; }
-    void SetDefaultColor(TColor color) { FDefaultColor = color; }
 
     bool IsDateFormat() const { return FDateFormat; }
     void SetIsDateFormat(bool value);
@@ -71,8 +67,6 @@ private:
     void CheckDateOnExit();
     void FinishExit();
 
-    TColor FActiveColor = clYellow;
-    TColor FDefaultColor = clWindow;
     bool FDateFormat = false;
     QString FEditMask;
 };

@@ -7,27 +7,24 @@ namespace oxa {
 TMemoOxa::TMemoOxa(QWidget *parent)
     : Base(parent)
 {
-    SetColor(FDefaultColor);
 }
 
 void TMemoOxa::DoEnter()
 {
-    FIsFocused = true;
-    SetColor(FActiveColor);
+    ShowActiveColor();
     Base::DoEnter();
 }
 
 void TMemoOxa::DoExit()
 {
-    FIsFocused = false;
-    SetColor(FDefaultColor);
+    ShowDefaultColor();
     Base::DoExit();
 }
 
 void TMemoOxa::Loaded()
 {
     Base::Loaded();
-    SetColor(FDefaultColor);
+    ResetToDefaultColor();
 }
 
 void RegisterMemoOxa()

@@ -9,7 +9,7 @@ namespace oxa {
 // A multi-line text with Ctrl+arrow focus navigation and focus colouring.
 // Plain arrows keep moving the caret inside the text; only Ctrl+arrow
 // leaves for a neighbour.
-class TMemoOxa : public TFocusNavigation<TMemoOxa, QPlainTextEdit>
+class TMemoOxa : public TFocusColorNavigation<TMemoOxa, QPlainTextEdit>
 {
     Q_OBJECT
     Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
@@ -20,16 +20,11 @@ class TMemoOxa : public TFocusNavigation<TMemoOxa, QPlainTextEdit>
     Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
     Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
 
-    using Base = TFocusNavigation<TMemoOxa, QPlainTextEdit>;
+    using Base = TFocusColorNavigation<TMemoOxa, QPlainTextEdit>;
 
 public:
     explicit TMemoOxa(QWidget *parent = nullptr);
 
-    TColor ActiveColor() const { return FActiveColor; }
-    void SetActiveColor(TColor color) { FActiveColor = color; }
-    TColor DefaultColor() const { return FDefaultColor; }
-    void SetDefaultColor(TColor color) { FDefaultColor = color; }
-    bool IsFocused() const { return FIsFocused; }
 
 protected:
     void DoEnter() override;
@@ -37,9 +32,6 @@ protected:
     void Loaded() override;
 
 private:
-    TColor FActiveColor = clYellow;
-    TColor FDefaultColor = clWindow;
-    bool FIsFocused = false;
 };
 
 void RegisterMemoOxa();

@@ -21,11 +21,11 @@ namespace oxa {
 class TStringGridOxa : public TFocusNavigation<TStringGridOxa, TStringGrid>
 {
     Q_OBJECT
-    Q_PROPERTY(oxa::TColor CantSelectColor READ CantSelectColor WRITE SetCantSelectColor)
-    Q_PROPERTY(oxa::TColor ActiveColor READ ActiveColor WRITE SetActiveColor)
-    Q_PROPERTY(oxa::TColor DefaultColor READ DefaultColor WRITE SetDefaultColor)
-    Q_PROPERTY(oxa::TColor DeactiveTextColor READ DeactiveTextColor WRITE SetDeactiveTextColor)
-    Q_PROPERTY(oxa::TColor DeactiveColor READ DeactiveColor WRITE SetDeactiveColor)
+    Q_PROPERTY(uint CantSelectColor READ CantSelectColor WRITE SetCantSelectColor)
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
+    Q_PROPERTY(uint DeactiveTextColor READ DeactiveTextColor WRITE SetDeactiveTextColor)
+    Q_PROPERTY(uint DeactiveColor READ DeactiveColor WRITE SetDeactiveColor)
     Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
     Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
     Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)

@@ -1,6 +1,7 @@
 #include "oxa/diary/EnhancedMonthCalendar.h"
 
 #include "oxa/toolkit/Catalogue.h"
+#include "oxa/toolkit/DateUtils.h"
 
 #include <QTextCharFormat>
 
@@ -20,6 +21,7 @@ TEnhancedMonthCalendar::TEnhancedMonthCalendar(QWidget *aOwner)
     : TWinControl<QCalendarWidget>(aOwner)
 {
     // The platform calendar's defaults: weeks from Monday, no week numbers.
+    setLocale(CzechLocale());
     setFirstDayOfWeek(Qt::Monday);
     setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
     connect(this, &QCalendarWidget::currentPageChanged, this, [this] { UpdateBoldDays(); });

@@ -1,6 +1,7 @@
 #include "oxa/diary/MonthGrid.h"
 
 #include <QCursor>
+#include <QFont>
 #include <QFontMetrics>
 #include <QLabel>
 #include <QPainter>
@@ -169,6 +170,7 @@ TMonthGrid::TMonthGrid(QWidget *AOwner, int aDilekMinut)
 {
     // The cells draw their own lines.
     SetOptions(TGridOptions(goRangeSelect | goThumbTracking));
+    SetGridLineWidth(0);
     SetDefaultDrawing(false);
     SetRowCount(kRowCount);
     SetColCount(fDILKY_HODINY_DEN + 1);

@@ -4,7 +4,6 @@
 #include "oxa/toolkit/Grid.h"
 
 #include <QColor>
-#include <QFont>
 #include <QPen>
 #include <QString>
 

@@ -308,6 +308,11 @@ bool SameDate(TDateTime a, TDateTime b)
     return dayPart(a) == dayPart(b);
 }
 
+QLocale CzechLocale()
+{
+    return QLocale(QLocale::Czech, QLocale::CzechRepublic);
+}
+
 QString ShortDateFormat() { return QStringLiteral("dd.mm.yyyy"); }
 QString LongDateFormat() { return QStringLiteral("d. mmmm yyyy"); }
 QString ShortTimeFormat() { return QStringLiteral("h:nn"); }

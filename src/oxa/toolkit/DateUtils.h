@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QDateTime>
+#include <QLocale>
 #include <QString>
 #include <QTime>
 
@@ -51,6 +52,9 @@ int WeekOf(TDateTime value);
 int DaysInAMonth(int year, int month);
 bool IsLeapYear(int year);
 bool SameDate(TDateTime a, TDateTime b);
+
+// The locale of the library's visible texts (calendars, month names).
+QLocale CzechLocale();
 
 // Czech locale settings of the short date form.
 inline constexpr QChar DateSeparator = QLatin1Char('.');

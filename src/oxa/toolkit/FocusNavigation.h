@@ -2,7 +2,6 @@
 
 #include "oxa/toolkit/WinControl.h"
 
-#include <QPointer>
 
 namespace oxa {
 
@@ -105,6 +104,54 @@ protected:
 
 private:
     QWidget *m_foc[4] = {nullptr, nullptr, nullptr, nullptr};
+};
+
+// The focus colours most members carry on top of the navigation: the
+// control's background is ActiveColor while it holds the focus and
+// DefaultColor otherwise, and IsFocused tells which. Each member decides in
+// its DoEnter/DoExit whether its own colour work runs before or after the
+// inherited handler; these helpers are that work.
+template <class Family, class QtBase>
+class TFocusColorNavigation : public TFocusNavigation<Family, QtBase>
+{
+    using Base = TFocusNavigation<Family, QtBase>;
+
+public:
+    // The control starts in its DefaultColor.
+    explicit TFocusColorNavigation(QWidget *parent = nullptr)
+        : Base(parent)
+    {
+        this->SetColor(m_defaultColor);
+    }
+
+    TColor ActiveColor() const { return m_activeColor; }
+    // Takes effect at the next entry, as the colour is painted only then.
+    void SetActiveColor(TColor color) { m_activeColor = color; }
+    TColor DefaultColor() const { return m_defaultColor; }
+    void SetDefaultColor(TColor color) { m_defaultColor = color; }
+    bool IsFocused() const { return m_isFocused; }
+
+protected:
+    // Entry: IsFocused and the active colour.
+    void ShowActiveColor()
+    {
+        m_isFocused = true;
+        this->SetColor(m_activeColor);
+    }
+    // Exit: IsFocused cleared and the default colour.
+    void ShowDefaultColor()
+    {
+        m_isFocused = false;
+        this->SetColor(m_defaultColor);
+    }
+    // Loaded of most members: a colour stored with the form gives way to
+    // DefaultColor at run time.
+    void ResetToDefaultColor() { this->SetColor(m_defaultColor); }
+
+private:
+    TColor m_activeColor = clYellow;
+    TColor m_defaultColor = clWindow;
+    bool m_isFocused = false;
 };
 
 } // namespace oxa

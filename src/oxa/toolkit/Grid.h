@@ -139,7 +139,7 @@ class TCustomGrid : public TWinControl<QAbstractScrollArea>
     Q_PROPERTY(int DefaultColWidth READ DefaultColWidth WRITE SetDefaultColWidth)
     Q_PROPERTY(int DefaultRowHeight READ DefaultRowHeight WRITE SetDefaultRowHeight)
     Q_PROPERTY(int GridLineWidth READ GridLineWidth WRITE SetGridLineWidth)
-    Q_PROPERTY(oxa::TColor FixedColor READ FixedColor WRITE SetFixedColor)
+    Q_PROPERTY(uint FixedColor READ FixedColor WRITE SetFixedColor)
     Q_PROPERTY(oxa::TGridOptions Options READ Options WRITE SetOptions)
     Q_PROPERTY(oxa::TScrollStyle ScrollBars READ ScrollBars WRITE SetScrollBars)
     Q_PROPERTY(bool DefaultDrawing READ DefaultDrawing WRITE SetDefaultDrawing)
