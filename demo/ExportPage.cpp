@@ -9,6 +9,7 @@
 #include "oxa/utilities/ExecApp.h"
 
 #include <QDir>
+#include <QEventLoop>
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -155,9 +156,25 @@ void ExportPage::WriteFile(const std::vector<PatientRow> &rows, const QString &f
     xls.write();
 }
 
+QString ExportPage::ExportAndWait(const QString &fileName)
+{
+    m_fileName->setText(fileName);
+    QString result;
+    QEventLoop loop;
+    connect(this, &ExportPage::exportFinished, &loop, [&](const QString &error) {
+        result = error;
+        loop.quit();
+    });
+    StartExport();
+    if (m_cancel->isEnabled())
+        loop.exec();
+    return result;
+}
+
 void ExportPage::ExportDone(const QString &error, double elapsedDays)
 {
     SetRunning(false);
+    Q_EMIT exportFinished(error);
     if (!error.isEmpty()) {
         m_status->setText(error);
         return;

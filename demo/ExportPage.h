@@ -24,6 +24,13 @@ class ExportPage : public QWidget
 public:
     explicit ExportPage(QWidget *parent = nullptr);
 
+    // Exports to fileName as the button does and waits until the worker is
+    // done; returns the error text (empty on success).
+    QString ExportAndWait(const QString &fileName);
+
+Q_SIGNALS:
+    void exportFinished(const QString &error);
+
 private:
     struct PatientRow
     {

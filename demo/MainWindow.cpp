@@ -16,7 +16,8 @@ MainWindow::MainWindow(QWidget *parent)
     setCentralWidget(m_tabs);
     AddPage(new PatientPage(this), QStringLiteral("Pacient"), QStringLiteral("pacient"));
     AddPage(new DiaryPage(this), QStringLiteral("Diář"), QStringLiteral("diar"));
-    AddPage(new ExportPage(this), QStringLiteral("Export"), QStringLiteral("export"));
+    m_export = new ExportPage(this);
+    AddPage(m_export, QStringLiteral("Export"), QStringLiteral("export"));
     statusBar()->showMessage(QStringLiteral("Ctrl+šipky přesouvají mezi poli, Tab v pořadí formuláře."));
     resize(1100, 720);
 }

@@ -1,5 +1,6 @@
 // oxa-demo: a small clinic showing the library's components on an SQLite
 // sample database.
+#include "ExportPage.h"
 #include "MainWindow.h"
 #include "SampleDatabase.h"
 
@@ -24,7 +25,11 @@ int main(int argc, char **argv)
     const QCommandLineOption screenshotOption(QStringLiteral("screenshot"),
         QStringLiteral("Vykreslí všechny stránky do PNG v adresáři DIR a skončí."),
         QStringLiteral("DIR"));
+    const QCommandLineOption exportOption(QStringLiteral("export"),
+        QStringLiteral("Exportuje seznam pacientů do sešitu FILE a skončí."),
+        QStringLiteral("FILE"));
     parser.addOption(dbOption);
+    parser.addOption(exportOption);
     parser.addOption(screenshotOption);
     parser.process(app);
 
@@ -38,7 +43,12 @@ int main(int argc, char **argv)
     int result = 0;
     {
         MainWindow window;
-        if (parser.isSet(screenshotOption)) {
+        if (parser.isSet(exportOption)) {
+            const QString failure = window.Export()->ExportAndWait(parser.value(exportOption));
+            if (!failure.isEmpty())
+                std::fprintf(stderr, "oxa-demo: %s\n", qPrintable(failure));
+            result = failure.isEmpty() ? 0 : 1;
+        } else if (parser.isSet(screenshotOption)) {
             const QStringList files = window.SaveScreenshots(parser.value(screenshotOption));
             for (const QString &file : files)
                 std::printf("%s\n", qPrintable(file));
