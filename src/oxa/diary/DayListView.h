@@ -135,21 +135,6 @@ private:
 
     void ItemsChanged();
     void SortItems();
-    // Runs a handler of the host; an exception it raises is shown to the
-    // user, and a given answer becomes false.
-    template <class Fn>
-    void Safely(Fn &&fn)
-    {
-        bool failed = false;
-        guarded(std::forward<Fn>(fn), failed);
-    }
-    template <class Fn>
-    void Safely(Fn &&fn, bool &answer)
-    {
-        bool failed = false;
-        guarded(std::forward<Fn>(fn), failed);
-        answer = answer && !failed;
-    }
     bool AcceptsDrag(QDropEvent *event);
 
     QList<QIcon> FItemListImages;

@@ -258,21 +258,6 @@ private:
     void DiscardMonthGrid();
     void SyncMonthGrid();
 
-    // Runs a host handler; an exception it raises is shown to the user and
-    // turns a given answer into false.
-    template <class Fn>
-    void Safely(Fn &&fn)
-    {
-        bool failed = false;
-        guarded(std::forward<Fn>(fn), failed);
-    }
-    template <class Fn>
-    void Safely(Fn &&fn, bool &answer)
-    {
-        bool failed = false;
-        guarded(std::forward<Fn>(fn), failed);
-        answer = answer && !failed;
-    }
 
     int FDay = 0;
     qint16 FMonthYear = 0;

@@ -213,6 +213,22 @@ protected:
         }
     }
 
+    // Runs a handler of the host; an exception it raises is shown to the
+    // user, and a given answer (Allow, Accept) becomes false.
+    template <class Fn>
+    void Safely(Fn &&fn)
+    {
+        bool failed = false;
+        guarded(std::forward<Fn>(fn), failed);
+    }
+    template <class Fn>
+    void Safely(Fn &&fn, bool &answer)
+    {
+        bool failed = false;
+        guarded(std::forward<Fn>(fn), failed);
+        answer = answer && !failed;
+    }
+
     // Lets a DoExit that refuses the exit keep the control entered.
     void SetEntered(bool entered) { m_entered = entered; }
 
