@@ -12,6 +12,8 @@
 #include <QMetaObject>
 #include <QThread>
 
+#include "BenchMain.h"
+
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -75,13 +77,4 @@ BENCHMARK(BM_QtBlockingQueuedCall)->UseRealTime();
 
 } // namespace
 
-int main(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+OXA_BENCHMARK_MAIN()

@@ -7,6 +7,8 @@
 #include <QApplication>
 #include <QImage>
 
+#include "BenchMain.h"
+
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -158,15 +160,4 @@ BENCHMARK(BM_GotoDateSameMonth)->ArgName("view")->Arg(dsWeek)->Arg(dsMonth)->Uni
 
 } // namespace
 
-int main(int argc, char **argv)
-{
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+OXA_BENCHMARK_MAIN()

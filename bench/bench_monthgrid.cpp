@@ -15,6 +15,8 @@
 #include <QImage>
 #include <QPainter>
 
+#include "BenchMain.h"
+
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -139,15 +141,4 @@ BENCHMARK(BM_RenderMonthGridToImage)->Arg(15)->Arg(5)->Unit(benchmark::kMillisec
 
 } // namespace
 
-int main(int argc, char **argv)
-{
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+OXA_BENCHMARK_MAIN()
