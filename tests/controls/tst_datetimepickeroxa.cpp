@@ -1,315 +1,223 @@
 #include "oxa/controls/DateTimePickerOxa.h"
-#include "oxa/toolkit/Catalogue.h"
 #include "oxa/toolkit/Exceptions.h"
 #include "support/TestSupport.h"
 
 #include <QCalendarWidget>
 #include <QLineEdit>
-#include <QStyleOptionComboBox>
 #include <QTableView>
 #include <QTest>
-#include <QVBoxLayout>
 #include <memory>
 
 using namespace oxa;
+
+// Clicks where the user would: on the child under the point (the text field
+// covers most of the picker).
+static void click(QWidget *picker, const QPoint &pos)
+{
+    QWidget *target = picker->childAt(pos);
+    target = target ? target : picker;
+    QTest::mouseClick(target, Qt::LeftButton, {}, target->mapFrom(picker, pos));
+}
 
 class TestDateTimePickerOxa : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init();
-    void cleanup();
-    void newPickerIsBlankUntilFocused();
-    void quickKeys();
-    void sectionsTakeTurns_data();
-    void sectionsTakeTurns();
-    void typingADigitMovesToTheMonth();
-    void minDateRules();
-    void clickChoosesTheSection();
-    void noWindowNoMeasuring();
-    void calendarChoosesADate();
-    void calendarClosedOnEmptyPickerChangesNothing();
-
-private:
-    std::unique_ptr<QWidget> m_form;
+    std::unique_ptr<test::TestForm> m_form;
     QLineEdit *m_other = nullptr;
     TDateTimePickerOxa *m_picker = nullptr;
     int m_changes = 0;
     int m_closeUps = 0;
 
-    void focusPicker(const QDate &date, const QString &format = QString());
+    void focusPicker(const QDate &date, const QString &format = QString())
+    {
+        if (!format.isEmpty())
+            m_picker->SetFormat(format);
+        m_picker->SetDate(QDateToDateTime(date));
+        m_picker->setFocus(Qt::TabFocusReason);
+    }
     QDate pickerDate() const { return DateTimeToQDate(m_picker->Date()); }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(m_picker, key, modifiers); }
-    QCalendarWidget *openCalendar();
-    static void click(QWidget *picker, const QPoint &pos);
+
+private Q_SLOTS:
+    void init()
+    {
+        m_form = std::make_unique<test::TestForm>();
+        m_other = m_form->Add<QLineEdit>();
+        m_picker = m_form->Add<TDateTimePickerOxa>();
+        m_picker->setObjectName(QStringLiteral("dtpNavsteva"));
+        m_changes = m_closeUps = 0;
+        m_picker->OnChange = [this](QObject *) { ++m_changes; };
+        m_picker->OnCloseUp = [this](QObject *) { ++m_closeUps; };
+        QVERIFY(m_form->Show(m_other));
+    }
+    void cleanup() { m_form.reset(); }
+
+    void blankFieldAndQuickKeys()
+    {
+        QVERIFY(m_picker->EmptyDate());
+        QCOMPARE(m_picker->text(), QStringLiteral(" "));
+        QTest::keyClick(m_other, Qt::Key_Tab);
+        QCOMPARE(m_picker->text(), QStringLiteral("30.12.1899"));
+        QCOMPARE(m_picker->Color(), clYellow);
+        // Tab leaves at once (no walk through the sections); blank again.
+        press(Qt::Key_Tab);
+        QVERIFY(m_other->hasFocus());
+        QCOMPARE(m_picker->text(), QStringLiteral(" "));
+        QCOMPARE(m_picker->Color(), clWindow);
+        m_picker->SetDate(EncodeDate(2019, 1, 31));
+        QCOMPARE(m_picker->text(), QStringLiteral("31.01.2019"));
+        QCOMPARE(m_changes, 0);
+
+        m_picker->setFocus();
+        press(Qt::Key_Delete);
+        QVERIFY(m_picker->EmptyDate());
+        QCOMPARE(m_changes, 1);
+        press(Qt::Key_Asterisk, Qt::KeypadModifier);
+        QCOMPARE(pickerDate(), QDate::currentDate());
+        QCOMPARE(m_changes, 2);
+        m_picker->SetMinDate(oxa::Date() + 10); // today is too early now
+        press(Qt::Key_Asterisk, Qt::KeypadModifier);
+        QCOMPARE(pickerDate(), QDate::currentDate().addDays(10));
+        QCOMPARE(m_changes, 2);
+    }
+
+    void sectionsTakeTurns_data()
+    {
+        QTest::addColumn<QString>("format");
+        QTest::addColumn<QList<int>>("keys");
+        QTest::addColumn<QDate>("afterUp");
+        QTest::addColumn<int>("shownSection");
+        using Keys = QList<int>;
+        const QString day = QStringLiteral("dd.MM.yyyy"), month = QStringLiteral("MMMM.yyyy");
+        const int d = QDateTimeEdit::DaySection, m = QDateTimeEdit::MonthSection, y = QDateTimeEdit::YearSection;
+        QTest::newRow("day first") << day << Keys{} << QDate(2019, 2, 1) << d;
+        QTest::newRow("month: 31 January + 1") << day << Keys{Qt::Key_Right} << QDate(2019, 2, 28) << m;
+        QTest::newRow("Left from the day to the year") << day << Keys{Qt::Key_Left} << QDate(2020, 1, 31) << y;
+        QTest::newRow("Right from the year to the day")
+            << day << Keys{Qt::Key_Right, Qt::Key_Right, Qt::Key_Right} << QDate(2019, 2, 1) << d;
+        QTest::newRow("typed digit moves on to the month") << day << Keys{Qt::Key_5} << QDate(2019, 2, 5) << m;
+        QTest::newRow("month name: no day, Left to the year")
+            << month << Keys{Qt::Key_Left} << QDate(2020, 1, 31) << y;
+        QTest::newRow("month name: and back to the month")
+            << month << Keys{Qt::Key_Left, Qt::Key_Right} << QDate(2019, 2, 28) << m;
+    }
+
+    void sectionsTakeTurns()
+    {
+        QFETCH(QString, format);
+        QFETCH(QList<int>, keys);
+        focusPicker(QDate(2019, 1, 31), format);
+        for (int key : keys)
+            press(Qt::Key(key));
+        const int changes = m_changes;
+        press(Qt::Key_Up);
+        QTEST(pickerDate(), "afterUp");
+        QTEST(int(m_picker->currentSection()), "shownSection");
+        QCOMPARE(m_changes, changes + 1);
+        // Ctrl+Left keeps the section; keypad minus steps back in it.
+        press(Qt::Key_Left, Qt::ControlModifier);
+        press(Qt::Key_Minus, Qt::KeypadModifier);
+        QCOMPARE(pickerDate().month(), 1);
+    }
+
+    void minDateRules()
+    {
+        test::MessageRecorder messages;
+        m_picker->SetMinDate(EncodeDate(2020, 1, 10));
+        focusPicker(QDate(2020, 1, 10));
+        press(Qt::Key_Down);
+        press(Qt::Key_Right);
+        press(Qt::Key_Down); // the day before decides, whatever the section
+        QCOMPARE(pickerDate(), QDate(2020, 1, 10));
+        QCOMPARE(m_changes, 0);
+        QVERIFY(messages.Shown().isEmpty());
+
+        // A month back from a later day would land before MinDate: the
+        // control refuses it with the picker's name.
+        m_picker->SetDate(EncodeDate(2020, 1, 15));
+        press(Qt::Key_Down);
+        QCOMPARE(pickerDate(), QDate(2020, 1, 15));
+        QCOMPARE(messages.Texts(), QStringList{QStringLiteral("dtpNavsteva")});
+        QCOMPARE(messages.Shown().first().Caption, QStringLiteral("Chyba nastaveni"));
+
+        // The empty date's day count 0 is not above 1: not blocked by the
+        // rule, so the refusal of the control answers.
+        m_picker->SetMinDate(0);
+        press(Qt::Key_Left);
+        m_picker->SetDateTime(0.25);
+        press(Qt::Key_Down);
+        QCOMPARE(m_picker->DateTime(), 0.25);
+        QCOMPARE(messages.Shown().size(), 2);
+    }
+
+    void clickChoosesTheSection()
+    {
+        focusPicker(QDate(2019, 1, 31));
+        const QFontMetrics metrics(m_picker->font(), m_form.get());
+        const int y = m_picker->height() / 2;
+        const int monthX = metrics.horizontalAdvance(QStringLiteral("31.")) + 2;
+        click(m_picker, QPoint(metrics.horizontalAdvance(QStringLiteral("31.01.")) + 2, y));
+        QCOMPARE(m_picker->currentSection(), QDateTimeEdit::YearSection);
+        click(m_picker, QPoint(1, y)); // the first pixel changes nothing
+        press(Qt::Key_Up);
+        QCOMPARE(pickerDate(), QDate(2020, 1, 31));
+        click(m_picker, QPoint(monthX, y));
+        press(Qt::Key_Up);
+        QCOMPARE(pickerDate(), QDate(2020, 2, 29));
+        QCOMPARE(m_picker->VyhodnotStisk(monthX - 1), 0);
+
+        // In the month-name format the test counts from the right-hand edge.
+        m_picker->SetFormat(QStringLiteral("MMMM.yyyy"));
+        const int edge = m_picker->width() - metrics.horizontalAdvance(m_picker->text().left(4))
+                         - m_picker->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_picker) - 9;
+        QCOMPARE(m_picker->VyhodnotStisk(edge), 1);
+        QCOMPARE(m_picker->VyhodnotStisk(edge + 1), 2);
+    }
+
+    void noWindowNoMeasuring()
+    {
+        test::MessageRecorder messages;
+        TDateTimePickerOxa alone;
+        QCOMPARE(alone.VyhodnotStisk(1), 0);
+        QVERIFY_THROWS_EXCEPTION(Exception, alone.VyhodnotStisk(40));
+        alone.show();
+        click(&alone, QPoint(20, alone.height() / 2));
+        QCOMPARE(messages.Texts(), QStringList{QStringLiteral("Neexistuje parent třídy TForm")});
+    }
+
+    void calendar()
+    {
+        // Closed on an empty picker, the calendar changes nothing.
+        m_picker->setFocus();
+        press(Qt::Key_F4);
+        QCalendarWidget *calendar = m_picker->calendarWidget();
+        auto *view = calendar->findChild<QTableView *>();
+        QTRY_VERIFY(calendar->isVisible());
+        QTest::keyClick(view, Qt::Key_Escape);
+        QTRY_VERIFY(!calendar->isVisible());
+        QVERIFY(m_picker->EmptyDate());
+        QCOMPARE(m_closeUps + m_changes, 0);
+
+        m_picker->SetDate(EncodeDate(2019, 1, 31));
+        press(Qt::Key_Left); // the year section
+        press(Qt::Key_F4);
+        QTRY_VERIFY(calendar->isVisible());
+        // Moving in the open calendar changes the date, but steps nothing
+        // and is no change yet.
+        QTest::keyClick(view, Qt::Key_Right);
+        QCOMPARE(pickerDate(), QDate(2019, 2, 1));
+        QCOMPARE(m_changes, 0);
+        QTest::keyClick(view, Qt::Key_Down);
+        QTest::keyClick(view, Qt::Key_Return);
+        QTRY_VERIFY(!calendar->isVisible());
+        QCOMPARE(pickerDate(), QDate(2019, 2, 8));
+        QCOMPARE(m_closeUps, 1);
+        QCOMPARE(m_changes, 1);
+        press(Qt::Key_Up); // back in the day section
+        QCOMPARE(pickerDate(), QDate(2019, 2, 9));
+    }
 };
-
-void TestDateTimePickerOxa::init()
-{
-    m_form = std::make_unique<QWidget>();
-    auto *layout = new QVBoxLayout(m_form.get());
-    layout->addWidget(m_other = new QLineEdit(m_form.get()));
-    layout->addWidget(m_picker = new TDateTimePickerOxa(m_form.get()));
-    m_picker->setObjectName(QStringLiteral("dtpNavsteva"));
-    m_changes = m_closeUps = 0;
-    m_picker->OnChange = [this](QObject *) { ++m_changes; };
-    m_picker->OnCloseUp = [this](QObject *) { ++m_closeUps; };
-    QVERIFY(test::ShowAndActivate(m_form.get()));
-    m_other->setFocus();
-}
-
-void TestDateTimePickerOxa::cleanup()
-{
-    m_form.reset();
-}
-
-void TestDateTimePickerOxa::focusPicker(const QDate &date, const QString &format)
-{
-    if (!format.isEmpty())
-        m_picker->SetFormat(format);
-    m_picker->SetDate(QDateToDateTime(date));
-    m_picker->setFocus(Qt::TabFocusReason);
-}
-
-// Clicks where the user would: on the child under the point (the text field
-// covers most of the picker).
-void TestDateTimePickerOxa::click(QWidget *picker, const QPoint &pos)
-{
-    QWidget *target = picker->childAt(pos);
-    if (!target)
-        target = picker;
-    QTest::mouseClick(target, Qt::LeftButton, {}, target->mapFrom(picker, pos));
-}
-
-QCalendarWidget *TestDateTimePickerOxa::openCalendar()
-{
-    QStyleOptionComboBox option;
-    option.initFrom(m_picker);
-    option.editable = true;
-    click(m_picker, m_picker->style()
-                        ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxArrow, m_picker)
-                        .center());
-    return m_picker->calendarWidget();
-}
-
-void TestDateTimePickerOxa::newPickerIsBlankUntilFocused()
-{
-    QCOMPARE(m_picker->DateTime(), 0.0);
-    QVERIFY(m_picker->EmptyDate());
-    QCOMPARE(m_picker->Format(), QStringLiteral(" "));
-    QCOMPARE(m_picker->text(), QStringLiteral(" "));
-
-    QTest::keyClick(m_other, Qt::Key_Tab);
-    QCOMPARE(m_picker->text(), QStringLiteral("30.12.1899"));
-    QCOMPARE(m_picker->Color(), clYellow);
-
-    // Tab leaves at once (no walk through the sections); blank again.
-    press(Qt::Key_Tab);
-    QVERIFY(m_other->hasFocus());
-    QCOMPARE(m_picker->text(), QStringLiteral(" "));
-    QCOMPARE(m_picker->Color(), clWindow);
-
-    m_picker->SetDate(EncodeDate(2019, 1, 31));
-    QCOMPARE(m_picker->text(), QStringLiteral("31.01.2019"));
-    QCOMPARE(m_changes, 0);
-}
-
-void TestDateTimePickerOxa::quickKeys()
-{
-    focusPicker(QDate(2019, 1, 31));
-    m_picker->setReadOnly(true);
-    press(Qt::Key_Delete);
-    press(Qt::Key_Up);
-    QCOMPARE(pickerDate(), QDate(2019, 1, 31));
-    m_picker->setReadOnly(false);
-
-    press(Qt::Key_Delete);
-    QVERIFY(m_picker->EmptyDate());
-    QCOMPARE(m_changes, 1);
-    press(Qt::Key_Asterisk, Qt::KeypadModifier);
-    QCOMPARE(pickerDate(), QDate::currentDate());
-    QCOMPARE(m_changes, 2);
-
-    m_picker->SetMinDate(oxa::Date() + 10); // today is too early now
-    press(Qt::Key_Asterisk, Qt::KeypadModifier);
-    QCOMPARE(pickerDate(), QDate::currentDate().addDays(10));
-    QCOMPARE(m_changes, 2);
-}
-
-void TestDateTimePickerOxa::sectionsTakeTurns_data()
-{
-    QTest::addColumn<QString>("format");
-    QTest::addColumn<QList<int>>("keys");
-    QTest::addColumn<QDate>("afterUp");
-    QTest::addColumn<int>("shownSection");
-    const QDate start(2019, 1, 31);
-    const QString day = QStringLiteral("dd.MM.yyyy");
-    const QString month = QStringLiteral("MMMM.yyyy");
-    QTest::newRow("day first") << day << QList<int>{} << QDate(2019, 2, 1)
-                               << int(QDateTimeEdit::DaySection);
-    QTest::newRow("month: 31 January + 1") << day << QList<int>{Qt::Key_Right} << QDate(2019, 2, 28)
-                                           << int(QDateTimeEdit::MonthSection);
-    QTest::newRow("Left from the day to the year") << day << QList<int>{Qt::Key_Left} << start.addYears(1)
-                                                   << int(QDateTimeEdit::YearSection);
-    QTest::newRow("Right from the year to the day")
-        << day << QList<int>{Qt::Key_Right, Qt::Key_Right, Qt::Key_Right} << QDate(2019, 2, 1)
-        << int(QDateTimeEdit::DaySection);
-    QTest::newRow("month name: no day, Left to the year")
-        << month << QList<int>{Qt::Key_Left} << start.addYears(1) << int(QDateTimeEdit::YearSection);
-    QTest::newRow("month name: and back to the month")
-        << month << QList<int>{Qt::Key_Left, Qt::Key_Right} << QDate(2019, 2, 28)
-        << int(QDateTimeEdit::MonthSection);
-}
-
-void TestDateTimePickerOxa::sectionsTakeTurns()
-{
-    QFETCH(QString, format);
-    QFETCH(QList<int>, keys);
-    QFETCH(QDate, afterUp);
-    QFETCH(int, shownSection);
-    focusPicker(QDate(2019, 1, 31), format);
-    for (int key : keys)
-        press(Qt::Key(key));
-    press(Qt::Key_Up);
-    QCOMPARE(pickerDate(), afterUp);
-    QCOMPARE(int(m_picker->currentSection()), shownSection);
-    QCOMPARE(m_changes, 1);
-
-    // Ctrl+Left keeps the section; keypad minus steps back in it.
-    press(Qt::Key_Left, Qt::ControlModifier);
-    press(Qt::Key_Minus, Qt::KeypadModifier);
-    QCOMPARE(pickerDate().month(), 1);
-}
-
-void TestDateTimePickerOxa::typingADigitMovesToTheMonth()
-{
-    focusPicker(QDate(2019, 1, 31));
-    QTest::keyClick(m_picker, Qt::Key_5);
-    QCOMPARE(pickerDate(), QDate(2019, 1, 5));
-    QCOMPARE(m_changes, 1);
-    QCOMPARE(m_picker->currentSection(), QDateTimeEdit::MonthSection);
-    press(Qt::Key_Up);
-    QCOMPARE(pickerDate(), QDate(2019, 2, 5));
-}
-
-void TestDateTimePickerOxa::minDateRules()
-{
-    test::MessageRecorder messages;
-    m_picker->SetMinDate(EncodeDate(2020, 1, 10));
-    focusPicker(QDate(2020, 1, 10));
-    press(Qt::Key_Down);
-    press(Qt::Key_Right);
-    press(Qt::Key_Down); // the day before decides, whatever the section
-    QCOMPARE(pickerDate(), QDate(2020, 1, 10));
-    QCOMPARE(m_changes, 0);
-    QVERIFY(messages.Shown().isEmpty());
-
-    // A month back from a later day would land before MinDate: the control
-    // refuses it with the picker's name.
-    m_picker->SetDate(EncodeDate(2020, 1, 15));
-    press(Qt::Key_Down);
-    QCOMPARE(pickerDate(), QDate(2020, 1, 15));
-    QCOMPARE(messages.Texts(), QStringList{QStringLiteral("dtpNavsteva")});
-    QCOMPARE(messages.Shown().first().Caption, QStringLiteral("Chyba nastaveni"));
-
-    // The empty date's day count 0 is not above 1: not blocked by the rule,
-    // so the refusal of the control answers.
-    m_picker->SetMinDate(0);
-    press(Qt::Key_Left);
-    m_picker->SetDateTime(0.25);
-    press(Qt::Key_Down);
-    QVERIFY(m_picker->EmptyDate());
-    QCOMPARE(m_picker->DateTime(), 0.25);
-    QCOMPARE(messages.Shown().size(), 2);
-}
-
-void TestDateTimePickerOxa::clickChoosesTheSection()
-{
-    focusPicker(QDate(2019, 1, 31));
-    const QFontMetrics metrics(m_picker->font(), m_form.get());
-    const int y = m_picker->height() / 2;
-    const int monthX = metrics.horizontalAdvance(QStringLiteral("31.")) + 2;
-    const int yearX = metrics.horizontalAdvance(QStringLiteral("31.01.")) + 2;
-
-    click(m_picker, QPoint(yearX, y));
-    QCOMPARE(m_picker->currentSection(), QDateTimeEdit::YearSection);
-    click(m_picker, QPoint(1, y)); // the first pixel changes nothing
-    press(Qt::Key_Up);
-    QCOMPARE(pickerDate(), QDate(2020, 1, 31));
-    click(m_picker, QPoint(monthX, y));
-    press(Qt::Key_Up);
-    QCOMPARE(pickerDate(), QDate(2020, 2, 29));
-    QCOMPARE(m_picker->VyhodnotStisk(monthX - 1), 0);
-
-    // In the month-name format the test counts from the right-hand edge.
-    m_picker->SetFormat(QStringLiteral("MMMM.yyyy"));
-    const int edge = m_picker->width() - metrics.horizontalAdvance(m_picker->text().left(4))
-                     - m_picker->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_picker) - 9;
-    QCOMPARE(m_picker->VyhodnotStisk(edge), 1);
-    QCOMPARE(m_picker->VyhodnotStisk(edge + 1), 2);
-}
-
-void TestDateTimePickerOxa::noWindowNoMeasuring()
-{
-    test::MessageRecorder messages;
-    TDateTimePickerOxa alone;
-    QCOMPARE(alone.VyhodnotStisk(1), 0);
-    QVERIFY_THROWS_EXCEPTION(Exception, alone.VyhodnotStisk(40));
-    alone.show();
-    click(&alone, QPoint(20, alone.height() / 2));
-    QCOMPARE(messages.Texts(), QStringList{QStringLiteral("Neexistuje parent třídy TForm")});
-}
-
-void TestDateTimePickerOxa::calendarChoosesADate()
-{
-    focusPicker(QDate(2019, 1, 31));
-    press(Qt::Key_Left); // the year section
-    QCalendarWidget *calendar = openCalendar();
-    QTRY_VERIFY(calendar->isVisible());
-
-    // Moving in the open calendar changes the date, but steps nothing and
-    // is no change yet.
-    auto *view = calendar->findChild<QTableView *>();
-    QTest::keyClick(view, Qt::Key_Right);
-    QCOMPARE(pickerDate(), QDate(2019, 2, 1));
-    QCOMPARE(m_changes, 0);
-
-    QModelIndex fourteenth;
-    for (int column = 0; column < 7 && !fourteenth.isValid(); ++column)
-        fourteenth = view->model()->match(view->model()->index(1, column), Qt::DisplayRole, 14, 1,
-                                          Qt::MatchExactly).value(0);
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(fourteenth).center());
-    QTRY_VERIFY(!calendar->isVisible());
-    QCOMPARE(pickerDate(), QDate(2019, 2, 14));
-    QCOMPARE(m_closeUps, 1);
-    QCOMPARE(m_changes, 1);
-    press(Qt::Key_Up); // back in the day section
-    QCOMPARE(pickerDate(), QDate(2019, 2, 15));
-
-    // F4 opens it from the keyboard; closing on a real date is a close-up.
-    press(Qt::Key_F4);
-    QTRY_VERIFY(calendar->isVisible());
-    QTest::keyClick(view, Qt::Key_Escape);
-    QTRY_VERIFY(!calendar->isVisible());
-    QCOMPARE(pickerDate(), QDate(2019, 2, 15));
-    QCOMPARE(m_closeUps, 2);
-
-    RegisterDateTimePickerOxa();
-    QCOMPARE(Catalogue::Instance().Find(QStringLiteral("TDateTimePickerOxa"))->Page, QStringLiteral("Oxa"));
-}
-
-void TestDateTimePickerOxa::calendarClosedOnEmptyPickerChangesNothing()
-{
-    m_picker->setFocus();
-    QCalendarWidget *calendar = openCalendar();
-    QTRY_VERIFY(calendar->isVisible());
-    QTest::keyClick(calendar->findChild<QTableView *>(), Qt::Key_Escape);
-    QTRY_VERIFY(!calendar->isVisible());
-    QVERIFY(m_picker->EmptyDate());
-    QCOMPARE(m_closeUps, 0);
-    QCOMPARE(m_changes, 0);
-}
 
 QTEST_MAIN(TestDateTimePickerOxa)
 #include "tst_datetimepickeroxa.moc"

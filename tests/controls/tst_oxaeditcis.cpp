@@ -9,31 +9,27 @@ using namespace oxa;
 
 namespace {
 
-// A shown window with the code-list edit holding "111", the edit for the
-// second value and an edit that holds the focus at the start. The host's
-// OnBtnClick records the text it got and answers "205".
-struct Form
+// The code-list edit holding "111", the edit for the second value, and an
+// edit holding the focus at the start. The host's OnBtnClick records the
+// text it got and answers "205".
+struct Form : test::TestForm
 {
-    QWidget window;
-    QLineEdit *other = new QLineEdit(&window);
-    TOxaEditCis *edit = new TOxaEditCis(&window);
-    QLineEdit *second = new QLineEdit(&window);
+    QLineEdit *other = Add<QLineEdit>();
+    TOxaEditCis *edit = Add<TOxaEditCis>();
+    QLineEdit *second = Add<QLineEdit>();
     QStringList calls;
 
     Form()
     {
-        window.resize(300, 120);
         edit->setGeometry(10, 10, 100, 21);
         second->move(10, 40);
         other->move(10, 70);
         edit->setText(QStringLiteral("111"));
         edit->OnBtnClick = [this](QObject *sender, QString &text) {
-            QCOMPARE(sender, edit);
-            calls.append(text);
+            calls.append(sender == edit ? text : QStringLiteral("wrong sender"));
             text = QStringLiteral("205");
         };
     }
-    bool show() { return test::ShowAndActivate(&window) && other->hasFocus(); }
 };
 
 } // namespace
@@ -43,146 +39,115 @@ class TestOxaEditCis : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void buttonFollowsEdit();
-    void triggers_data();
-    void triggers();
-    void secondEdit();
-    void selectionRestored_data();
-    void selectionRestored();
-};
+    void buttonFollowsEdit()
+    {
+        Form form;
+        QVERIFY(form.Show(form.other));
+        QPointer<QToolButton> button = form.edit->Button();
+        QCOMPARE(button->text(), QStringLiteral("..."));
+        QCOMPARE(button->toolTip(), QStringLiteral("Otevřít číselník Ctrl+F1"));
+        form.edit->SetShortCut(VK_F4);
+        QCOMPARE(button->toolTip(), QStringLiteral("Otevřít číselník F4"));
 
-void TestOxaEditCis::buttonFollowsEdit()
-{
-    Form form;
-    QVERIFY(form.show());
-    QPointer<QToolButton> button = form.edit->Button();
-    QCOMPARE(button->text(), QStringLiteral("..."));
-    QCOMPARE(button->toolTip(), QStringLiteral("Otevřít číselník Ctrl+F1"));
-    form.edit->SetShortCut(VK_F4);
-    QCOMPARE(button->toolTip(), QStringLiteral("Otevřít číselník F4"));
-    form.edit->SetBtnHint(QStringLiteral("Pojišťovna"));
-    QCOMPARE(button->toolTip(), QStringLiteral("Pojišťovna F4"));
-
-    QCOMPARE(button->geometry(), QRect(110, 10, 21, 21));
-    form.edit->move(30, 40);
-    QCOMPARE(button->geometry(), QRect(130, 40, 21, 21));
-    form.edit->resize(80, 30);
-    QCOMPARE(button->geometry(), QRect(110, 40, 30, 30));
-    form.edit->hide();
-    QVERIFY(!button->isVisible());
-    form.edit->show();
-    QVERIFY(button->isVisible());
-    form.edit->setEnabled(false);
-    QVERIFY(!button->isEnabled());
-    form.edit->setEnabled(true);
-    QVERIFY(button->isEnabled());
-
-    QWidget panel(&form.window);
-    panel.show();
-    form.edit->setParent(&panel);
-    form.edit->show();
-    QCOMPARE(button->parentWidget(), &panel);
-    QVERIFY(button->isVisible());
-    delete form.edit;
-    QVERIFY(!button);
-}
-
-void TestOxaEditCis::triggers_data()
-{
-    QTest::addColumn<QString>("trigger");
-    QTest::addColumn<int>("calls");
-
-    QTest::newRow("Ctrl+F1") << "Ctrl+F1" << 1;
-    QTest::newRow("F1 alone") << "F1" << 0;
-    QTest::newRow("Ctrl+Shift+F1") << "Ctrl+Shift+F1" << 0;
-    QTest::newRow("button") << "button" << 1;
-    QTest::newRow("double click") << "double click" << 1;
-    QTest::newRow("Ctrl+double click") << "Ctrl+double click" << 0;
-}
-
-void TestOxaEditCis::triggers()
-{
-    QFETCH(QString, trigger);
-    Form form;
-    QVERIFY(form.show());
-    if (trigger == QLatin1String("button")) {
-        QTest::mouseClick(form.edit->Button(), Qt::LeftButton);
-    } else if (trigger.endsWith(QLatin1String("double click"))) {
-        const bool ctrl = trigger.startsWith(QLatin1String("Ctrl"));
-        QTest::mouseDClick(form.edit, Qt::LeftButton, ctrl ? Qt::ControlModifier : Qt::NoModifier);
-    } else {
-        form.edit->setFocus();
-        const QKeySequence keys(trigger);
-        QTest::keyClick(form.edit, keys[0].key(), keys[0].keyboardModifiers());
+        QCOMPARE(button->geometry(), QRect(110, 10, 21, 21));
+        form.edit->setGeometry(30, 40, 80, 30);
+        QCOMPARE(button->geometry(), QRect(110, 40, 30, 30));
+        form.edit->hide();
+        QVERIFY(!button->isVisible());
+        delete form.edit;
+        QVERIFY(!button);
     }
-    QTEST(int(form.calls.size()), "calls");
-    QCOMPARE(form.edit->text(), form.calls.isEmpty() ? QStringLiteral("111") : QStringLiteral("205"));
-    QVERIFY(form.edit->hasFocus()); // also after a click on the button
-}
 
-void TestOxaEditCis::secondEdit()
-{
-    Form form;
-    QVERIFY(form.show());
-    form.edit->SetSecondEdit(form.second);
-    form.second->setText(QStringLiteral("old"));
-    // Only OnBtnClick: it is not asked, and the second edit is cleared.
-    form.edit->DoClick();
-    QCOMPARE(form.calls, QStringList());
-    QCOMPARE(form.edit->text(), QStringLiteral("111"));
-    QCOMPARE(form.second->text(), QString());
+    void triggers_data()
+    {
+        QTest::addColumn<QString>("trigger");
+        QTest::addColumn<int>("calls");
+        QTest::newRow("Ctrl+F1") << "Ctrl+F1" << 1;
+        QTest::newRow("F1 alone") << "F1" << 0;
+        QTest::newRow("Ctrl+Shift+F1") << "Ctrl+Shift+F1" << 0;
+        QTest::newRow("button") << "button" << 1;
+        QTest::newRow("double click") << "double click" << 1;
+        QTest::newRow("Ctrl+double click") << "Ctrl+double click" << 0;
+    }
 
-    form.edit->OnBtnClick2 = [&](QObject *, QString &text, QString &second) {
-        form.calls.append(text + QLatin1Char('|') + second);
-        text = QStringLiteral("111");
-        second = QStringLiteral("VZP");
-    };
-    QTest::mouseClick(form.edit->Button(), Qt::LeftButton);
-    QCOMPARE(form.calls, QStringList{QStringLiteral("111|")});
-    QCOMPARE(form.second->text(), QStringLiteral("VZP"));
+    void triggers()
+    {
+        QFETCH(QString, trigger);
+        Form form;
+        QVERIFY(form.Show(form.other));
+        if (trigger == QLatin1String("button")) {
+            QTest::mouseClick(form.edit->Button(), Qt::LeftButton);
+        } else if (trigger.endsWith(QLatin1String("double click"))) {
+            const bool ctrl = trigger.startsWith(QLatin1String("Ctrl"));
+            QTest::mouseDClick(form.edit, Qt::LeftButton, ctrl ? Qt::ControlModifier : Qt::NoModifier);
+        } else {
+            form.edit->setFocus();
+            const QKeySequence keys(trigger);
+            QTest::keyClick(form.edit, keys[0].key(), keys[0].keyboardModifiers());
+        }
+        QTEST(int(form.calls.size()), "calls");
+        QCOMPARE(form.edit->text(), form.calls.isEmpty() ? QStringLiteral("111") : QStringLiteral("205"));
+        QCOMPARE(form.calls, form.calls.isEmpty() ? QStringList() : QStringList{"111"});
+        QVERIFY(form.edit->hasFocus()); // also after a click on the button
+    }
 
-    // A freed second edit is forgotten: OnBtnClick is asked again.
-    delete form.second;
-    QCOMPARE(form.edit->SecondEdit(), nullptr);
-    form.edit->DoClick();
-    QCOMPARE(form.calls.last(), QStringLiteral("111"));
+    void secondEdit()
+    {
+        Form form;
+        QVERIFY(form.Show(form.other));
+        form.edit->SetSecondEdit(form.second);
+        form.second->setText(QStringLiteral("old"));
+        // Only OnBtnClick: it is not asked, and the second edit is cleared.
+        form.edit->DoClick();
+        QCOMPARE(form.calls, QStringList());
+        QCOMPARE(form.edit->text(), QStringLiteral("111"));
+        QCOMPARE(form.second->text(), QString());
 
-    QLabel label;
-    form.edit->SetSecondEdit(&label);
-    QWidget textless;
-    QVERIFY_THROWS_EXCEPTION(EInvalidOperation, form.edit->SetSecondEdit(&textless));
-}
+        form.edit->OnBtnClick2 = [&](QObject *, QString &text, QString &second) {
+            form.calls.append(text + QLatin1Char('|') + second);
+            second = QStringLiteral("VZP");
+        };
+        QTest::mouseClick(form.edit->Button(), Qt::LeftButton);
+        QCOMPARE(form.calls, QStringList{QStringLiteral("111|")});
+        QCOMPARE(form.second->text(), QStringLiteral("VZP"));
 
-void TestOxaEditCis::selectionRestored_data()
-{
-    QTest::addColumn<int>("start");
-    QTest::addColumn<int>("length");
-    QTest::addColumn<QString>("newText");
-    QTest::addColumn<int>("caret");
-    QTest::addColumn<QString>("selected");
+        // A freed second edit is forgotten: OnBtnClick is asked again.
+        delete form.second;
+        form.edit->DoClick();
+        QCOMPARE(form.calls.last(), QStringLiteral("111"));
+        QWidget textless;
+        QVERIFY_THROWS_EXCEPTION(EInvalidOperation, form.edit->SetSecondEdit(&textless));
+    }
 
-    QTest::newRow("same length") << 2 << 3 << "abcdef" << 5 << "cde";
-    QTest::newRow("selection cut off") << 2 << 3 << "abcd" << 2 << "";
-    QTest::newRow("start cut off") << 4 << 1 << "ab" << 2 << "";
-    QTest::newRow("caret only") << 3 << 0 << "abcdef" << 3 << "";
-}
+    void selectionRestored_data()
+    {
+        QTest::addColumn<int>("start");
+        QTest::addColumn<int>("length");
+        QTest::addColumn<QString>("newText");
+        QTest::addColumn<int>("caret");
+        QTest::addColumn<QString>("selected");
+        QTest::newRow("same length") << 2 << 3 << "abcdef" << 5 << "cde";
+        QTest::newRow("selection cut off") << 2 << 3 << "abcd" << 2 << "";
+        QTest::newRow("start cut off") << 4 << 1 << "ab" << 2 << "";
+        QTest::newRow("caret only") << 3 << 0 << "abcdef" << 3 << "";
+    }
 
-void TestOxaEditCis::selectionRestored()
-{
-    QFETCH(int, start);
-    QFETCH(int, length);
-    QFETCH(QString, newText);
-    Form form;
-    QVERIFY(form.show());
-    form.edit->setFocus();
-    form.edit->setText(QStringLiteral("ABCDEF"));
-    form.edit->setSelection(start, length);
-    form.edit->OnBtnClick = [&](QObject *, QString &text) { text = newText; };
-    QTest::keyClick(form.edit, Qt::Key_F1, Qt::ControlModifier);
-    QCOMPARE(form.edit->text(), newText);
-    QTEST(form.edit->cursorPosition(), "caret");
-    QTEST(form.edit->selectedText(), "selected");
-}
+    void selectionRestored()
+    {
+        QFETCH(int, start);
+        QFETCH(int, length);
+        QFETCH(QString, newText);
+        Form form;
+        QVERIFY(form.Show(form.edit));
+        form.edit->setText(QStringLiteral("ABCDEF"));
+        form.edit->setSelection(start, length);
+        form.edit->OnBtnClick = [&](QObject *, QString &text) { text = newText; };
+        QTest::keyClick(form.edit, Qt::Key_F1, Qt::ControlModifier);
+        QCOMPARE(form.edit->text(), newText);
+        QTEST(form.edit->cursorPosition(), "caret");
+        QTEST(form.edit->selectedText(), "selected");
+    }
+};
 
 QTEST_MAIN(TestOxaEditCis)
 #include "tst_oxaeditcis.moc"

@@ -1,5 +1,4 @@
 #include "oxa/controls/StringGridOxa.h"
-#include "oxa/toolkit/Catalogue.h"
 
 #include "support/TestSupport.h"
 
@@ -12,26 +11,18 @@ using namespace oxa;
 
 namespace {
 
-QColor Resolved(TColor color, const QWidget *widget)
-{
-    return ColorToQColor(color, QApplication::palette(widget));
-}
-
-// A window with a grid and two edits around it.
+// A grid of 5 x 5 cells of 64 x 24, an edit right of it and one below.
 struct GridForm
 {
     QWidget window;
-    TStringGridOxa *grid;
-    QLineEdit *right;
-    QLineEdit *below;
+    TStringGridOxa *grid = new TStringGridOxa(&window);
+    QLineEdit *right = new QLineEdit(&window);
+    QLineEdit *below = new QLineEdit(&window);
     GridForm()
     {
-        grid = new TStringGridOxa(&window);
         grid->SetScrollBars(ssNone);
-        grid->setGeometry(0, 0, 334, 129); // 5 x 5 cells of 64 x 24 with lines
-        right = new QLineEdit(&window);
+        grid->setGeometry(0, 0, 334, 129);
         right->setGeometry(340, 0, 80, 24);
-        below = new QLineEdit(&window);
         below->setGeometry(0, 140, 80, 24);
         window.resize(430, 170);
     }
@@ -42,16 +33,6 @@ struct GridForm
         grid->setFocus();
         return grid->hasFocus();
     }
-    QColor pixel(int col, int row) const
-    {
-        const QImage image = grid->viewport()->grab().toImage();
-        return image.pixelColor(grid->CellRect(col, row).center());
-    }
-};
-
-struct CanvasColors
-{
-    QColor brush, pen;
 };
 
 } // namespace
@@ -61,182 +42,108 @@ class TestStringGridOxa : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void defaults();
-    void cellColoursWhileFocused();
-    void selectedCellWhileUnfocused();
-    void beforeDrawCellSeesCanvasColours();
-    void selectCellOrder_data();
+    void cellColours_data();
+    void cellColours();
     void selectCellOrder();
-    void plainArrowsMoveBetweenCells();
-    void ctrlArrowLeavesTheGrid();
-    void chainPassesDisabledGrids();
-    void freedNeighbourIsCleared();
-    void registration();
+    void keys_data();
+    void keys();
 };
 
-void TestStringGridOxa::defaults()
+void TestStringGridOxa::cellColours_data()
 {
-    TStringGridOxa grid;
-    QCOMPARE(grid.CantSelectColor(), TColor(0xFF00000B));
-    QCOMPARE(grid.ActiveColor(), TColor(0x0000FFFF));
-    QCOMPARE(grid.DefaultColor(), TColor(0xFF000005));
-    QCOMPARE(grid.DeactiveTextColor(), TColor(0xFF000008));
-    QCOMPARE(grid.DeactiveColor(), TColor(0x00B9FFFF));
-    QCOMPARE(grid.property("DeactiveColor").value<TColor>(), TColor(0x00B9FFFF));
-    QCOMPARE(grid.FocUp(), nullptr);
+    QTest::addColumn<bool>("focused");
+    QTest::addColumn<TGridCoord>("cell");
+    QTest::addColumn<TColor>("background");
+    QTest::addColumn<TColor>("text");
+    // Column 3 is refused by CanSelectCell; the fixed colour is set to lime.
+    QTest::newRow("selected, focused") << true << TGridCoord{1, 1} << clYellow << clWindowText;
+    QTest::newRow("selected, unfocused") << false << TGridCoord{1, 1} << TColor(0x00B9FFFF) << clBlue;
+    QTest::newRow("other") << true << TGridCoord{2, 2} << clWindow << clWindowText;
+    QTest::newRow("refused") << true << TGridCoord{3, 2} << clInactiveBorder << clWindowText;
+    QTest::newRow("refused, unfocused") << false << TGridCoord{3, 2} << clInactiveBorder << clWindowText;
+    QTest::newRow("fixed over refused") << true << TGridCoord{3, 0} << clLime << clWindowText;
 }
 
-void TestStringGridOxa::cellColoursWhileFocused()
+void TestStringGridOxa::cellColours()
 {
+    QFETCH(bool, focused);
+    QFETCH(TGridCoord, cell);
+    QFETCH(TColor, background);
+    QFETCH(TColor, text);
     GridForm form;
-    form.grid->SetCantSelectColor(clRed);
-    form.grid->CanSelectCell = [](int col, int, bool &can) { can = col != 3; };
-    QVERIFY(form.show());
-    const QColor yellow(0xFF, 0xFF, 0x00);
-    QCOMPARE(form.pixel(1, 1), yellow);                                    // selected
-    QCOMPARE(form.pixel(2, 2), Resolved(clWindow, form.grid));             // default
-    QCOMPARE(form.pixel(3, 2), QColor(Qt::red));                           // can't select
-    QCOMPARE(form.pixel(3, 0), Resolved(form.grid->FixedColor(), form.grid)); // fixed
-}
-
-void TestStringGridOxa::selectedCellWhileUnfocused()
-{
-    GridForm form;
-    QVERIFY(form.show());
-    form.right->setFocus();
-    QTRY_VERIFY(form.right->hasFocus());
-    QCOMPARE(form.pixel(1, 1), QColor(0xFF, 0xFF, 0xB9));
-    QCOMPARE(form.pixel(2, 1), Resolved(clWindow, form.grid));
-}
-
-void TestStringGridOxa::beforeDrawCellSeesCanvasColours()
-{
-    GridForm form;
+    QCOMPARE(form.grid->DeactiveTextColor(), clWindowText);
     form.grid->SetDeactiveTextColor(clBlue);
-    QMap<QPair<int, int>, CanvasColors> seen;
+    form.grid->SetFixedColor(clLime);
+    form.grid->CanSelectCell = [](int col, int, bool &can) { can = col != 3; };
+    QMap<QPair<int, int>, QPair<QColor, QColor>> seen;
     form.grid->BeforeDrawCell = [&](QObject *, int col, int row, const QRect &, TGridDrawState) {
-        QPainter *canvas = form.grid->Canvas();
-        seen[{col, row}] = {canvas->brush().color(), canvas->pen().color()};
+        seen[{col, row}] = {form.grid->Canvas()->brush().color(), form.grid->Canvas()->pen().color()};
     };
     QVERIFY(form.show());
-    form.below->setFocus();
-    QTRY_VERIFY(form.below->hasFocus());
+    if (!focused) {
+        form.right->setFocus();
+        QTRY_VERIFY(form.right->hasFocus());
+    }
     seen.clear();
-    form.grid->viewport()->repaint();
-    QCOMPARE(seen.size(), 25); // every cell drawn
-    QCOMPARE(seen.value({1, 1}).brush, QColor(0xFF, 0xFF, 0xB9));
-    QCOMPARE(seen.value({1, 1}).pen, QColor(Qt::blue));
-    QCOMPARE(seen.value({2, 2}).brush, Resolved(clWindow, form.grid));
-}
-
-void TestStringGridOxa::selectCellOrder_data()
-{
-    QTest::addColumn<bool>("canSelect");  // CanSelectCell's answer
-    QTest::addColumn<bool>("withEvent");  // OnSelectCell assigned, overriding to true
-    QTest::addColumn<int>("expectedCol");
-    QTest::newRow("both allow") << true << true << 2;
-    QTest::newRow("refused, event overrides") << false << true << 2;
-    QTest::newRow("refused, no event") << false << false << 1;
+    const QImage image = form.grid->viewport()->grab().toImage();
+    QCOMPARE(seen.size(), 25);
+    const QPalette palette = QApplication::palette(form.grid);
+    const QRgb expected = ColorToQColor(background, palette).rgb();
+    QCOMPARE(seen.value({cell.X, cell.Y}).first.rgb(), expected);
+    QCOMPARE(seen.value({cell.X, cell.Y}).second.rgb(), ColorToQColor(text, palette).rgb());
+    QCOMPARE(image.pixel(form.grid->CellRect(cell.X, cell.Y).center()), expected);
 }
 
 void TestStringGridOxa::selectCellOrder()
 {
-    QFETCH(bool, canSelect);
-    QFETCH(bool, withEvent);
-    QFETCH(int, expectedCol);
-    GridForm form;
+    TStringGridOxa grid;
     QStringList log;
-    bool logging = false;
-    form.grid->CanSelectCell = [&](int col, int row, bool &can) {
-        if (logging)
-            log << QStringLiteral("CanSelectCell %1,%2 %3").arg(col).arg(row).arg(can);
-        can = canSelect;
+    grid.CanSelectCell = [&](int col, int row, bool &can) {
+        log << QStringLiteral("CanSelectCell %1,%2 %3").arg(col).arg(row).arg(can);
+        can = false;
     };
-    if (withEvent) {
-        form.grid->OnSelectCell = [&](QObject *, int col, int row, bool &can) {
-            log << QStringLiteral("OnSelectCell %1,%2 %3").arg(col).arg(row).arg(can);
-            can = true;
-        };
-    }
-    QVERIFY(form.show());
-    logging = true;
-    QTest::keyClick(form.grid, Qt::Key_Right);
-    logging = false;
-    QStringList expected{QStringLiteral("CanSelectCell 2,1 1")};
-    if (withEvent)
-        expected << QStringLiteral("OnSelectCell 2,1 %1").arg(canSelect);
-    QCOMPARE(log, expected);
-    QCOMPARE(form.grid->Col(), expectedCol);
+    grid.SetCol(2);
+    QCOMPARE(grid.Col(), 1);
+    grid.OnSelectCell = [&](QObject *, int col, int row, bool &can) {
+        log << QStringLiteral("OnSelectCell %1,%2 %3").arg(col).arg(row).arg(can);
+        can = true;
+    };
+    grid.SetCol(2); // OnSelectCell has the last word
+    QCOMPARE(grid.Col(), 2);
+    QCOMPARE(log, (QStringList{"CanSelectCell 2,1 1", "CanSelectCell 2,1 1", "OnSelectCell 2,1 0"}));
 }
 
-void TestStringGridOxa::plainArrowsMoveBetweenCells()
+void TestStringGridOxa::keys_data()
 {
-    GridForm form;
-    form.grid->SetFocRight(form.right);
-    form.grid->SetFocDown(form.below);
-    QVERIFY(form.show());
-    QTest::keyClick(form.grid, Qt::Key_Right);
-    QTest::keyClick(form.grid, Qt::Key_Down);
-    QCOMPARE(form.grid->Col(), 2);
-    QCOMPARE(form.grid->Row(), 2);
-    QVERIFY(form.grid->hasFocus());
-    // Shift+Ctrl is not Ctrl: the grid keeps the key.
-    QTest::keyClick(form.grid, Qt::Key_Right, Qt::ControlModifier | Qt::ShiftModifier);
-    QVERIFY(form.grid->hasFocus());
+    QTest::addColumn<QKeyCombination>("key");
+    QTest::addColumn<int>("focus"); // 0 the grid, 1 the edit right of it, 2 the one below
+    QTest::addColumn<TGridCoord>("cell");
+    const auto ctrl = Qt::ControlModifier;
+    QTest::newRow("plain right") << QKeyCombination(Qt::Key_Right) << 0 << TGridCoord{2, 1};
+    QTest::newRow("ctrl right") << (ctrl | Qt::Key_Right) << 1 << TGridCoord{1, 1};
+    QTest::newRow("ctrl down, past a disabled grid") << (ctrl | Qt::Key_Down) << 2 << TGridCoord{1, 1};
+    // Not exactly Ctrl: the grid takes the key and pages sideways.
+    QTest::newRow("ctrl shift right") << (ctrl | Qt::ShiftModifier | Qt::Key_Right) << 0 << TGridCoord{4, 1};
+    QTest::newRow("ctrl left, no neighbour") << (ctrl | Qt::Key_Left) << 0 << TGridCoord{1, 1};
 }
 
-void TestStringGridOxa::ctrlArrowLeavesTheGrid()
+void TestStringGridOxa::keys()
 {
-    GridForm form;
-    form.grid->SetFocRight(form.right);
-    form.grid->SetFocDown(form.below);
-    QVERIFY(form.show());
-    QTest::keyClick(form.grid, Qt::Key_Right, Qt::ControlModifier);
-    QTRY_VERIFY(form.right->hasFocus());
-    QCOMPARE(form.grid->Col(), 1);
-    form.grid->setFocus();
-    QTest::keyClick(form.grid, Qt::Key_Down, Qt::ControlModifier);
-    QTRY_VERIFY(form.below->hasFocus());
-    QCOMPARE(form.grid->Row(), 1);
-    // Without a neighbour the grid scrolls as it always does.
-    form.grid->setFocus();
-    QTest::keyClick(form.grid, Qt::Key_Left, Qt::ControlModifier);
-    QVERIFY(form.grid->hasFocus());
-}
-
-void TestStringGridOxa::chainPassesDisabledGrids()
-{
+    QFETCH(QKeyCombination, key);
+    QFETCH(int, focus);
+    QFETCH(TGridCoord, cell);
     GridForm form;
     auto *middle = new TStringGridOxa(&form.window);
     middle->setGeometry(200, 140, 50, 25);
     middle->setEnabled(false);
     middle->SetFocDown(form.below);
     form.grid->SetFocDown(middle);
+    form.grid->SetFocRight(form.right);
     QVERIFY(form.show());
-    QTest::keyClick(form.grid, Qt::Key_Down, Qt::ControlModifier);
-    QTRY_VERIFY(form.below->hasFocus());
-}
-
-void TestStringGridOxa::freedNeighbourIsCleared()
-{
-    GridForm form;
-    form.grid->SetFocUp(form.right);
-    form.grid->SetFocLeft(form.right);
-    delete form.right;
-    QCOMPARE(form.grid->FocUp(), nullptr);
-    QCOMPARE(form.grid->FocLeft(), nullptr);
-}
-
-void TestStringGridOxa::registration()
-{
-    Catalogue::Instance().Clear();
-    RegisterStringGridOxa();
-    const TComponentEntry *entry = Catalogue::Instance().Find(QStringLiteral("TStringGridOxa"));
-    QVERIFY(entry);
-    QCOMPARE(entry->Page, QStringLiteral("Oxa"));
-    QCOMPARE(entry->Unit, QStringLiteral("StringGridOxa"));
-    QWidget owner;
-    QVERIFY(qobject_cast<TStringGridOxa *>(Catalogue::Instance().Create(entry->ClassName, &owner)));
+    QTest::keyClick(form.grid, key.key(), key.keyboardModifiers());
+    QWidget *const widgets[] = {form.grid, form.right, form.below};
+    QTRY_COMPARE(QApplication::focusWidget(), widgets[focus]);
+    QCOMPARE((TGridCoord{form.grid->Col(), form.grid->Row()}), cell);
 }
 
 QTEST_MAIN(TestStringGridOxa)

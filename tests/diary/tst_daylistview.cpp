@@ -2,20 +2,13 @@
 
 #include "support/TestSupport.h"
 
-#include <QDrag>
-#include <QHelpEvent>
-#include <QMimeData>
 #include <QTest>
-#include <QToolTip>
 
 using namespace oxa;
 
 namespace {
 
-TTime Cas(int h, int n)
-{
-    return EncodeTime(h, n, 0, 0);
-}
+TTime Cas(int h, int n) { return EncodeTime(h, n, 0, 0); }
 
 TDayRecord Zaznam(qint32 id, TTime od, TTime doCasu, const char *popis = "")
 {
@@ -40,57 +33,6 @@ QPoint ItemCenter(const TDayListView *list, int index)
     return list->visualItemRect(list->topLevelItem(index)).center();
 }
 
-void ClickItem(TDayListView *list, int index)
-{
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, ItemCenter(list, index));
-}
-
-// Whether the row of an item shows pure blue pixels.
-bool RowShowsBlue(TDayListView &list, int index)
-{
-    const QImage image = list.viewport()->grab().toImage();
-    const QRect row = list.visualItemRect(list.topLevelItem(index)) & image.rect();
-    for (int y = row.top(); y <= row.bottom(); ++y) {
-        for (int x = row.left(); x <= row.right(); ++x) {
-            const QColor c = image.pixelColor(x, y);
-            if (c.blue() > 200 && c.red() < 60 && c.green() < 60)
-                return true;
-        }
-    }
-    return false;
-}
-
-// A diary panel as its day boxes see it.
-class FakePanel : public QWidget, public TDayGroupBoxHost
-{
-public:
-    bool readOnly = false;
-    bool allowDelete = true;
-    QList<qint32> askedToDelete;
-    QList<Word> moves;
-    TDayGroupBox *box = new TDayGroupBox(this);
-    TDayListView *list = box->DayListView();
-
-    FakePanel()
-    {
-        resize(240, 200);
-        box->setGeometry(rect());
-        list->AddItem(Zaznam(1, Cas(8, 0), Cas(9, 0)));
-        list->AddItem(Zaznam(2, Cas(9, 0), Cas(10, 0)));
-        box->SetDate(EncodeDate(2019, 4, 15));
-    }
-
-    bool ReadOnly() const override { return readOnly; }
-    void DayDeleteEvent(QObject *, PDayRecord aData, bool &AllowDelete) override
-    {
-        askedToDelete << aData->ID_DIAR;
-        AllowDelete = allowDelete;
-    }
-    void RemoveDayRecord(const TDayRecord &aZaznam) override { list->RemoveItem(aZaznam.ID_DIAR); }
-    void OnDayMove(QObject *, Word &Key, TShiftState) override { moves << Key; }
-    void OnDayResize(QObject *) override {}
-};
-
 } // namespace
 
 class TestDayListView : public QObject
@@ -102,15 +44,12 @@ private Q_SLOTS:
     void visibleDates_data();
     void visibleDates();
     void itemsFollowTheirTimes();
-    void columnsAndTexts();
-    void itemsLook();
+    void columnsTextsAndLooks();
     void boxCaption_data();
     void boxCaption();
     void boxColours();
-    void deleteKeyGoesThroughThePanel();
-    void clicksOfTheList();
-    void dragFromTheItemUnderTheMouse();
-    void dropOnAList();
+    void boxWithoutPanel();
+    void dragStartsFromTheItemUnderTheMouse();
 };
 
 void TestDayListView::packedMonths()
@@ -120,7 +59,6 @@ void TestDayListView::packedMonths()
     QCOMPARE(SpocitejDatum(1, 10001), EncodeDate(2000, 1, 1));
     QVERIFY_THROWS_EXCEPTION(EConvertError, SpocitejDatum(29, 11902));
     QCOMPARE(SpocitejHodiny(Cas(8, 0), Cas(8, 0)), QStringLiteral("08:00-08:00"));
-    QCOMPARE(SpocitejHodiny(Cas(8, 30), Cas(9, 15)), QStringLiteral("08:30-09:15"));
 }
 
 void TestDayListView::visibleDates_data()
@@ -135,7 +73,6 @@ void TestDayListView::visibleDates_data()
     QTest::newRow("work week") << wednesday << int(dsWorkWeek) << QDate(2019, 4, 14) << QDate(2019, 4, 19);
     QTest::newRow("week from Sunday") << QDate(2019, 4, 21) << int(dsWeek) << QDate(2019, 4, 14) << QDate(2019, 4, 21);
     QTest::newRow("new year week") << QDate(2020, 1, 1) << int(dsWorkWeek) << QDate(2019, 12, 29) << QDate(2020, 1, 3);
-    QTest::newRow("month") << wednesday << int(dsMonth) << QDate(2019, 3, 31) << QDate(2019, 4, 30);
     QTest::newRow("leap March") << QDate(2020, 3, 1) << int(dsMonth) << QDate(2020, 2, 29) << QDate(2020, 3, 31);
 }
 
@@ -170,65 +107,43 @@ void TestDayListView::itemsFollowTheirTimes()
     list.RemoveItem(3);
     QCOMPARE(list.Count(), 5);
     QCOMPARE(list.VratIndexPrvku(3), -1);
-    list.Clear();
-    QCOMPARE(list.Count(), 0);
 }
 
-void TestDayListView::columnsAndTexts()
+void TestDayListView::columnsTextsAndLooks()
 {
     TDayListView list;
     list.resize(300, 200);
-    list.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&list));
+    QVERIFY(test::ShowAndActivate(&list));
     QCOMPARE(list.headerItem()->text(0), QStringLiteral("Od - do:"));
     QCOMPARE(list.headerItem()->text(1), QStringLiteral("Popis:"));
     QCOMPARE(list.columnWidth(0), 65);
     list.resize(400, 200);
     QCOMPARE(list.columnWidth(1), list.viewport()->width() - 65);
-    list.SetNoTime(true);
-    QVERIFY(list.isColumnHidden(0));
-    QCOMPARE(list.columnWidth(1), list.viewport()->width());
 
-    TDayRecord z = Zaznam(1, Cas(8, 0), Cas(9, 0), " Převaz ");
-    z.KONTAKT = QStringLiteral("Novák Jan");
-    z.PODROBNOSTI = QStringLiteral("zpráva\r\nz RTG");
-    list.AddItem(z);
-    QCOMPARE(list.topLevelItem(0)->text(1), QStringLiteral("Převaz : Novák Jan, zpráva z RTG"));
-    QCOMPARE(TDayListView::FormatPopis("", "Novák", "zpráva"), QStringLiteral("Novák, zpráva"));
-    QCOMPARE(TDayListView::FormatPopis("Převaz", " ", "zpráva"), QStringLiteral("Převaz : zpráva"));
-    QCOMPARE(TDayListView::FormatPopis(" ", "", " "), QString());
-}
-
-void TestDayListView::itemsLook()
-{
-    TDayListView list;
-    list.resize(300, 200);
-    TDayRecord hotovy = Zaznam(1, Cas(8, 0), Cas(9, 0), "hotovo");
+    TDayRecord hotovy = Zaznam(1, Cas(8, 0), Cas(9, 0), " Převaz ");
+    hotovy.KONTAKT = QStringLiteral("Novák Jan");
+    hotovy.PODROBNOSTI = QStringLiteral("zpráva\r\nz RTG");
     hotovy.SPLNENO = 100;
-    hotovy.PODROBNOSTI = QStringLiteral("Přinést výsledky z laboratoře");
     TDayRecord soukromy = Zaznam(2, Cas(9, 0), Cas(10, 0), "soukromé");
     soukromy.Soukrome = true;
     list.AddItem(hotovy);
     list.AddItem(soukromy);
-    list.addTopLevelItem(new QTreeWidgetItem(QStringList{"12:00", "bez záznamu"}));
-    QVERIFY(test::ShowAndActivate(&list));
+    QCOMPARE(list.topLevelItem(0)->text(1), QStringLiteral("Převaz : Novák Jan, zpráva z RTG"));
+    QCOMPARE(TDayListView::FormatPopis("", "Novák", "zpráva"), QStringLiteral("Novák, zpráva"));
+    QCOMPARE(TDayListView::FormatPopis("Převaz", " ", "zpráva"), QStringLiteral("Převaz : zpráva"));
+    QCOMPARE(TDayListView::FormatPopis(" ", "", " "), QString());
 
+    // Completed entries are struck out, private ones blue; the tip is the details.
     QVERIFY(list.topLevelItem(0)->font(1).strikeOut());
     QVERIFY(!list.topLevelItem(1)->font(0).strikeOut());
-    QVERIFY(!list.topLevelItem(2)->font(0).strikeOut());
-    QVERIFY(!RowShowsBlue(list, 0));
-    QVERIFY(RowShowsBlue(list, 1));
-    QVERIFY(!RowShowsBlue(list, 2));
+    QCOMPARE(list.topLevelItem(0)->foreground(1).style(), Qt::NoBrush);
+    QCOMPARE(list.topLevelItem(1)->foreground(1).color(), QColor(Qt::blue));
+    QCOMPARE(list.topLevelItem(0)->toolTip(1), hotovy.PODROBNOSTI);
+    QCOMPARE(list.topLevelItem(1)->toolTip(1), QString());
 
-    auto tipAt = [&list](int index) {
-        const QPoint pos = ItemCenter(&list, index);
-        QHelpEvent help(QEvent::ToolTip, pos, list.viewport()->mapToGlobal(pos));
-        QApplication::sendEvent(list.viewport(), &help);
-        return help.isAccepted() ? QToolTip::text() : QString();
-    };
-    QCOMPARE(tipAt(0), hotovy.PODROBNOSTI);
-    QCOMPARE(tipAt(1), QString());
-    QToolTip::hideText();
+    list.SetNoTime(true);
+    QVERIFY(list.isColumnHidden(0));
+    QCOMPARE(list.columnWidth(1), list.viewport()->width());
 }
 
 void TestDayListView::boxCaption_data()
@@ -265,8 +180,7 @@ void TestDayListView::boxColours()
     TDayGroupBox box;
     box.resize(200, 150);
     box.SetDate(EncodeDate(2019, 4, 15)); // Monday
-    box.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    QVERIFY(test::ShowAndActivate(&box));
     // A point of the caption row right of the caption text.
     auto background = [&box] { return box.grab().toImage().pixelColor(box.width() - 3, 2); };
 
@@ -279,7 +193,6 @@ void TestDayListView::boxColours()
     QCOMPARE(background(), QColor(0, 0, 0x80));
     QCOMPARE(box.palette().color(QPalette::Text), ColorToQColor(clWindow));
     QCOMPARE(box.DayListView()->palette().color(QPalette::Base), ColorToQColor(clInfoBk));
-    QCOMPARE(box.DayListView()->palette().color(QPalette::Text), ColorToQColor(clWindowText));
 
     box.SetActive(false);
     QCOMPARE(background(), QColor(0xE0, 0xE0, 0xE0));
@@ -287,126 +200,56 @@ void TestDayListView::boxColours()
     QCOMPARE(box.DayListView()->palette().color(QPalette::Base), ColorToQColor(clWindow));
 }
 
-void TestDayListView::deleteKeyGoesThroughThePanel()
+void TestDayListView::boxWithoutPanel()
 {
-    FakePanel panel;
-    QVERIFY(test::ShowAndActivate(&panel));
-    ClickItem(panel.list, 1);
-    panel.allowDelete = false;
-    QTest::keyClick(panel.list, Qt::Key_Delete);
-    QCOMPARE(panel.askedToDelete, QList<qint32>{2});
-    QCOMPARE(panel.list->Count(), 2);
-
-    panel.allowDelete = true;
-    QTest::keyClick(panel.list, Qt::Key_Delete);
-    QCOMPARE(panel.list->Count(), 1);
-    QCOMPARE(panel.box->title(), QStringLiteral(" po 15. duben   (1) "));
-
-    panel.list->clearSelection();
-    QTest::keyClick(panel.list, Qt::Key_Delete);
-    ClickItem(panel.list, 0);
-    panel.readOnly = true;
-    QTest::keyClick(panel.list, Qt::Key_Delete);
-    QCOMPARE(panel.askedToDelete.size(), 2);
-
-    QTest::keyClick(panel.list, Qt::Key_Right);
-    QTest::keyClick(panel.list, Qt::Key_PageDown);
-    QCOMPARE(panel.moves, (QList<Word>{VK_RIGHT, VK_NEXT}));
-}
-
-void TestDayListView::clicksOfTheList()
-{
-    FakePanel panel;
+    TDayGroupBox box;
+    box.resize(240, 200);
+    TDayListView *list = box.DayListView();
+    list->AddItem(Zaznam(1, Cas(8, 0), Cas(9, 0)));
+    list->AddItem(Zaznam(2, Cas(9, 0), Cas(10, 0)));
     QList<int> selected;
     QList<qint32> opened;
-    panel.box->OnSelectDayItem = [&selected](QObject *, int index) { selected << index; };
-    panel.box->OnDoubleClickDayItem = [&opened](QObject *, const TDayRecord &z) { opened << z.ID_DIAR; };
-    QVERIFY(test::ShowAndActivate(&panel));
+    box.OnSelectDayItem = [&selected](QObject *, int index) { selected << index; };
+    box.OnDoubleClickDayItem = [&opened](QObject *, const TDayRecord &z) { opened << z.ID_DIAR; };
+    QVERIFY(test::ShowAndActivate(&box));
 
-    ClickItem(panel.list, 1);
-    QTest::mouseClick(panel.list->viewport(), Qt::LeftButton, {},
-                      QPoint(10, panel.list->viewport()->height() - 5));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, ItemCenter(list, 1));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, QPoint(10, list->viewport()->height() - 5));
     QCOMPARE(selected, (QList<int>{1, -1}));
-
-    QTest::mouseDClick(panel.list->viewport(), Qt::LeftButton, {}, ItemCenter(panel.list, 0));
-    panel.readOnly = true;
-    QTest::mouseDClick(panel.list->viewport(), Qt::LeftButton, {}, ItemCenter(panel.list, 1));
-    QCOMPARE(opened, QList<qint32>{1});
-
-    // A box with no panel above it opens nothing and deletes nothing.
-    TDayGroupBox single;
-    TDayListView *list = single.DayListView();
-    list->AddItem(Zaznam(5, Cas(8, 0), Cas(9, 0)));
-    single.OnDoubleClickDayItem = [&opened](QObject *, const TDayRecord &z) { opened << z.ID_DIAR; };
-    QVERIFY(test::ShowAndActivate(&single));
+    // Without a diary panel above it the box opens nothing and deletes nothing.
     QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, ItemCenter(list, 0));
     QTest::keyClick(list, Qt::Key_Delete);
-    QCOMPARE(opened, QList<qint32>{1});
-    QCOMPARE(list->Count(), 1);
+    QVERIFY(opened.isEmpty());
+    QCOMPARE(list->Count(), 2);
 }
 
-void TestDayListView::dragFromTheItemUnderTheMouse()
+void TestDayListView::dragStartsFromTheItemUnderTheMouse()
 {
-    TTextDragObject nothing;
-    QCOMPARE(nothing.DragText(), QStringLiteral("- nevybráno -"));
-    QVERIFY(!nothing.GetDragImages().isNull());
+    QCOMPARE(TTextDragObject().DragText(), QStringLiteral("- nevybráno -"));
 
-    TDayListView list;
-    list.resize(300, 200);
-    list.AddItem(Zaznam(1, Cas(8, 0), Cas(9, 0)));
-    list.AddItem(Zaznam(2, Cas(9, 15), Cas(10, 0)));
+    TDayListView source;
+    source.resize(300, 200);
+    source.AddItem(Zaznam(1, Cas(8, 0), Cas(9, 0)));
+    source.AddItem(Zaznam(2, Cas(9, 15), Cas(10, 0)));
     QStringList texts;
     QImage image;
-    list.OnStartDrag = [&](QObject *, TTextDragObject &drag, bool &allow) {
+    source.OnStartDrag = [&](QObject *, TTextDragObject &drag, bool &allow) {
         texts << drag.DragText();
         image = drag.GetDragImages().toImage();
         allow = false;
     };
-    QVERIFY(test::ShowAndActivate(&list));
-    const QPoint start = ItemCenter(&list, 1);
-    QTest::mousePress(list.viewport(), Qt::LeftButton, {}, start);
-    QTest::mouseMove(list.viewport(), start + QPoint(5, 0));
-    QTest::mouseMove(list.viewport(), start + QPoint(40, 30));
-    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, start + QPoint(40, 30));
+    QVERIFY(test::ShowAndActivate(&source));
+    const QPoint start = ItemCenter(&source, 1);
+    QTest::mousePress(source.viewport(), Qt::LeftButton, {}, start);
+    QTest::mouseMove(source.viewport(), start + QPoint(5, 0));
+    QTest::mouseMove(source.viewport(), start + QPoint(40, 30));
+    QTest::mouseRelease(source.viewport(), Qt::LeftButton, {}, start + QPoint(40, 30));
     QCOMPARE(texts, QStringList{"09:15-10:00"});
-
     // The image shows the text: its middle row holds the text colour.
     bool inked = false;
     for (int x = 2; x < image.width() - 2 && !inked; ++x)
         inked = image.pixelColor(x, image.height() / 2) == ColorToQColor(clInfoText);
     QVERIFY(inked);
-}
-
-void TestDayListView::dropOnAList()
-{
-    TDayListView source;
-    TDayListView target;
-    source.AddItem(Zaznam(7, Cas(8, 0), Cas(9, 0)));
-    bool accept = false;
-    QPoint droppedAt;
-    target.OnDragOver = [&accept](QObject *, QObject *, const QPoint &, bool &Accept) { Accept = accept; };
-    target.OnDragDrop = [&droppedAt](QObject *, QObject *, const QPoint &pos) { droppedAt = pos; };
-
-    TTextDragObject entry(source.topLevelItem(0)), nothing;
-    std::unique_ptr<QDrag> drag(entry.CreateDrag(&source)), emptyDrag(nothing.CreateDrag(&source));
-    // The events the platform delivers to the list under the mouse.
-    const QPoint pos(30, 40);
-    auto deliver = [&target, &pos]<class Event>(Event *, QDrag *d) {
-        Event event(pos, Qt::MoveAction, d->mimeData(), Qt::LeftButton, {});
-        event.setAccepted(false);
-        QApplication::sendEvent(target.viewport(), &event);
-        return event.isAccepted();
-    };
-    QDragEnterEvent *enter = nullptr;
-    QVERIFY(!deliver(enter, drag.get()));
-    accept = true;
-    QVERIFY(!deliver(enter, emptyDrag.get()));
-    QVERIFY(deliver(enter, drag.get()));
-    QVERIFY(deliver(static_cast<QDropEvent *>(nullptr), drag.get()));
-    QCOMPARE(droppedAt, pos);
-    qint32 id = 0;
-    QVERIFY(TTextDragObject::DraggedID(drag->mimeData(), id));
-    QCOMPARE(id, 7);
 }
 
 QTEST_MAIN(TestDayListView)

@@ -1,6 +1,7 @@
 #include "support/TestSupport.h"
 
 #include <QApplication>
+#include <QMenu>
 #include <QTest>
 
 namespace oxa::test {
@@ -46,6 +47,32 @@ bool ShowAndActivate(QWidget *window)
     QApplication::setActiveWindow(window);
     window->activateWindow();
     return QTest::qWaitForWindowActive(window);
+}
+
+QMenu *RightClick(QWidget *widget, const QString &item)
+{
+    QWidget *top = widget->window();
+    QTest::mouseClick(top->windowHandle(), Qt::RightButton, {}, widget->mapTo(top, widget->rect().center()));
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    if (!menu || item.isEmpty())
+        return menu;
+    for (QAction *action : menu->actions()) {
+        if (!action->isSeparator() && action->text().startsWith(item)) {
+            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+            return menu;
+        }
+    }
+    menu->close();
+    return nullptr;
+}
+
+bool TestForm::Show(QWidget *focus, Qt::FocusReason reason)
+{
+    if (!ShowAndActivate(this))
+        return false;
+    if (focus)
+        focus->setFocus(reason);
+    return !focus || focus->hasFocus();
 }
 
 } // namespace oxa::test

@@ -3,6 +3,7 @@
 #include "oxa/toolkit/MessageService.h"
 
 #include <QList>
+#include <QMenu>
 #include <QString>
 #include <QWidget>
 #include <functional>
@@ -42,5 +43,35 @@ private:
 // Shows a top-level window and waits until it is active, so that focus and
 // key events reach its widgets as they would on a screen.
 bool ShowAndActivate(QWidget *window);
+
+// Right-clicks the widget as the user does and returns the context menu that
+// opened. When an item is named, also clicks the menu's first item whose text
+// starts with it, and returns null when there is none.
+QMenu *RightClick(QWidget *widget, const QString &item = QString());
+
+// A top-level window for the widgets of a test. Add places each new widget
+// below the previous one (200 pixels wide); Show shows and activates the
+// window and gives the focus to a widget.
+class TestForm : public QWidget
+{
+public:
+    TestForm() { resize(320, 240); }
+
+    template <class T>
+    T *Add(int height = 24)
+    {
+        auto *widget = new T(this);
+        widget->setGeometry(10, m_nextTop, 200, height);
+        if (isVisible())
+            widget->show();
+        m_nextTop += height + 8;
+        return widget;
+    }
+    // True when the window is active and focus (if given) holds the focus.
+    bool Show(QWidget *focus = nullptr, Qt::FocusReason reason = Qt::OtherFocusReason);
+
+private:
+    int m_nextTop = 10;
+};
 
 } // namespace oxa::test

@@ -16,42 +16,26 @@ class TestColorDlg : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    // A new host takes the last test's picker with it.
+    void init() { host = std::make_unique<QWidget>(); }
     void paletteButtons();
-    void clickingColourReportsItAndCloses();
-    void specialButtonByMode_data();
-    void specialButtonByMode();
-    void moreColours_data();
-    void moreColours();
-    void closingWithoutChoice();
+    void clickChoosesAndCloses_data();
+    void clickChoosesAndCloses();
+    void moreColoursAndDeactivation();
 
 private:
     // A shown picker at (40, 120) with the preset colour, and spies on its signals.
     void OpenForm(TColorDlgMode mode, TColor preset);
-    static bool FreedAfterClosing(const QPointer<TColorForm> &form);
+    bool FreedAfterClosing();
 
-    QWidget *host = nullptr;
+    std::unique_ptr<QWidget> host;
     QPointer<TColorForm> form;
     std::unique_ptr<QSignalSpy> selected, closed;
 };
 
-void TestColorDlg::init()
-{
-    host = new QWidget;
-}
-
-void TestColorDlg::cleanup()
-{
-    selected.reset();
-    closed.reset();
-    delete host; // takes a picker still open with it
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
 void TestColorDlg::OpenForm(TColorDlgMode mode, TColor preset)
 {
-    form = new TColorForm(host);
+    form = new TColorForm(host.get());
     form->SetColor(preset);
     form->Init(120, 40, mode);
     QVERIFY(test::ShowAndActivate(form));
@@ -59,7 +43,7 @@ void TestColorDlg::OpenForm(TColorDlgMode mode, TColor preset)
     closed = std::make_unique<QSignalSpy>(form.data(), &TColorForm::Closed);
 }
 
-bool TestColorDlg::FreedAfterClosing(const QPointer<TColorForm> &form)
+bool TestColorDlg::FreedAfterClosing()
 {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return form.isNull();
@@ -75,7 +59,6 @@ void TestColorDlg::paletteButtons()
                                   0xFF0000, 0xFF00FF, 0xFFFF00, 0xFFFFFF};
     OpenForm(cdmNone, clOlive);
     QCOMPARE(form->pos(), QPoint(40, 120));
-    QVERIFY(form->windowFlags().testFlag(Qt::FramelessWindowHint));
     const QList<QToolButton *> buttons = form->PaletteButtons();
     QCOMPARE(buttons.size(), 16);
     for (int i = 0; i < 16; ++i) {
@@ -87,108 +70,81 @@ void TestColorDlg::paletteButtons()
         QCOMPARE(glyph.pixelColor(0, 0), QColor(colors.at(i) == clRed ? Qt::white : Qt::red));
     }
     QCOMPARE(buttons.at(7)->y(), buttons.at(0)->y()); // rows of eight
-    QCOMPARE(buttons.at(8)->x(), buttons.at(0)->x());
-    QVERIFY(buttons.at(8)->y() > buttons.at(0)->y());
-}
-
-void TestColorDlg::clickingColourReportsItAndCloses()
-{
-    OpenForm(cdmTransparent, clBlack);
-    QTest::mouseClick(form->PaletteButtons().at(10), Qt::LeftButton);
-    QCOMPARE(selected->count(), 1);
-    QCOMPARE(selected->at(0).at(0).value<TColor>(), clLime);
-    QCOMPARE(closed->count(), 1);
-    QCOMPARE(closed->at(0), (QVariantList{true, QVariant::fromValue(clLime)}));
-    QVERIFY(FreedAfterClosing(form));
-
-    // A button that is not one of the palette closes with the colour unchanged.
-    OpenForm(cdmNone, clNavy);
-    QToolButton stranger;
-    stranger.setProperty("Tag", 16);
-    form->BtnClick(&stranger);
-    QCOMPARE(closed->at(0), (QVariantList{false, QVariant::fromValue(clNavy)}));
-}
-
-void TestColorDlg::specialButtonByMode_data()
-{
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<QString>("caption");
-    QTest::addColumn<TColor>("result");
-    QTest::addColumn<bool>("hasGlyph");
-    QTest::newRow("none") << int(cdmNone) << QString() << clRed << false;
-    QTest::newRow("transparent") << int(cdmTransparent) << "Průhledná" << clNone << false;
-    QTest::newRow("automatic") << int(cdmAutomatic) << "Automatická" << clWindowText << true;
-}
-
-void TestColorDlg::specialButtonByMode()
-{
-    QFETCH(int, mode);
-    QFETCH(QString, caption);
-    QFETCH(TColor, result);
-    QFETCH(bool, hasGlyph);
-    OpenForm(TColorDlgMode(mode), clRed);
+    QVERIFY(buttons.at(8)->x() == buttons.at(0)->x() && buttons.at(8)->y() > buttons.at(0)->y());
+    QVERIFY(!form->SpecialButton());
     QCOMPARE(form->OthersButton()->text(), QString("Další barvy..."));
     QVERIFY(form->OthersButton()->icon().isNull());
-    QVERIFY(form->OthersButton()->y() > form->PaletteButtons().last()->y());
-    QToolButton *special = form->SpecialButton();
-    QCOMPARE(special != nullptr, mode != cdmNone);
-    if (!special)
-        return;
-    QCOMPARE(special->text(), caption);
-    QCOMPARE(!special->icon().isNull(), hasGlyph);
-    QVERIFY(special->y() < form->PaletteButtons().first()->y());
-    QTest::mouseClick(special, Qt::LeftButton);
-    QCOMPARE(closed->at(0), (QVariantList{true, QVariant::fromValue(result)}));
+    QVERIFY(form->OthersButton()->y() > buttons.last()->y());
 }
 
-void TestColorDlg::moreColours_data()
+void TestColorDlg::clickChoosesAndCloses_data()
 {
-    QTest::addColumn<bool>("accept");
-    QTest::newRow("accepted") << true;
-    QTest::newRow("cancelled") << false;
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<int>("tag"); // of the clicked button; -1 is the special button
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<TColor>("result");
+    QTest::newRow("palette") << int(cdmTransparent) << 10 << "" << clLime;
+    QTest::newRow("transparent") << int(cdmTransparent) << -1 << "Průhledná" << clNone;
+    QTest::newRow("automatic") << int(cdmAutomatic) << -1 << "Automatická" << clWindowText;
+    QTest::newRow("tag outside 0-15") << int(cdmNone) << 16 << "" << clRed;
 }
 
-void TestColorDlg::moreColours()
+void TestColorDlg::clickChoosesAndCloses()
 {
-    QFETCH(bool, accept);
+    QFETCH(int, mode);
+    QFETCH(int, tag);
+    QFETCH(QString, caption);
+    QFETCH(TColor, result);
+    const bool chosen = tag < 16;
+    OpenForm(TColorDlgMode(mode), clRed);
+    if (QToolButton *special = form->SpecialButton(); tag == -1) {
+        QCOMPARE(special->text(), caption);
+        QCOMPARE(!special->icon().isNull(), result != clNone);
+        QVERIFY(special->y() < form->PaletteButtons().first()->y());
+        QTest::mouseClick(special, Qt::LeftButton);
+    } else if (chosen) {
+        QTest::mouseClick(form->PaletteButtons().at(tag), Qt::LeftButton);
+    } else {
+        QToolButton stranger;
+        stranger.setProperty("Tag", tag);
+        form->BtnClick(&stranger);
+    }
+    QCOMPARE(closed->count(), 1);
+    QCOMPARE(closed->at(0), (QVariantList{chosen, QVariant::fromValue(result)}));
+    QCOMPARE(selected->count(), int(chosen));
+    QVERIFY(FreedAfterClosing());
+}
+
+// Cancelled, the picker stays open as it was, until it loses activation (a
+// click elsewhere) and closes without a choice; confirmed, it takes the colour.
+void TestColorDlg::moreColoursAndDeactivation()
+{
     OpenForm(cdmNone, clTeal);
-    QColor preset;
+    QList<QColor> presets;
     QPointer<QDialog> shown;
+    bool accept = false;
     test::DialogAnswerer answerer([&](QDialog *dialog) {
         shown = dialog;
         auto *colorDialog = qobject_cast<QColorDialog *>(dialog);
-        preset = colorDialog->currentColor();
+        presets.append(colorDialog->currentColor());
         colorDialog->setCurrentColor(QColor(0x12, 0x34, 0x56));
         accept ? dialog->accept() : dialog->reject();
         return dialog->result();
     });
     QTest::mouseClick(form->OthersButton(), Qt::LeftButton);
-    QCOMPARE(answerer.Count(), 1);
-    QCOMPARE(preset, ColorToQColor(clTeal));
-    QVERIFY(shown.isNull());
-    if (accept) {
-        QCOMPARE(selected->at(0).at(0).value<TColor>(), RGBColor(0x12, 0x34, 0x56));
-        QVERIFY(FreedAfterClosing(form));
-    } else {
-        QVERIFY(!FreedAfterClosing(form));
-        QVERIFY(form->isVisible());
-        QCOMPARE(closed->count(), 0);
-        QCOMPARE(form->Color(), clTeal);
-    }
-}
-
-void TestColorDlg::closingWithoutChoice()
-{
-    OpenForm(cdmAutomatic, clSilver);
-    QVERIFY(test::ShowAndActivate(host)); // the user clicks elsewhere
-    QCOMPARE(selected->count(), 0);
-    QCOMPARE(closed->at(0), (QVariantList{false, QVariant::fromValue(clSilver)}));
-    QVERIFY(FreedAfterClosing(form));
-
-    OpenForm(cdmNone, clSilver);
-    QTest::keyClick(form, Qt::Key_Escape);
+    QVERIFY(shown.isNull() && !FreedAfterClosing() && form->isVisible());
+    QCOMPARE(form->Color(), clTeal);
+    QVERIFY(test::ShowAndActivate(host.get()));
     QCOMPARE(closed->count(), 1);
-    QCOMPARE(selected->count(), 0);
+    QCOMPARE(closed->at(0), (QVariantList{false, QVariant::fromValue(clTeal)}));
+    QVERIFY(FreedAfterClosing());
+
+    OpenForm(cdmNone, clTeal);
+    accept = true;
+    QTest::mouseClick(form->OthersButton(), Qt::LeftButton);
+    QCOMPARE(presets, (QList<QColor>{ColorToQColor(clTeal), ColorToQColor(clTeal)}));
+    QCOMPARE(selected->at(0).at(0).value<TColor>(), RGBColor(0x12, 0x34, 0x56));
+    QVERIFY(shown.isNull() && FreedAfterClosing());
 }
 
 QTEST_MAIN(TestColorDlg)
