@@ -11,6 +11,8 @@ build="$OXA_ROOT/build/release"
 asan="$OXA_ROOT/build/asan"
 stage="$OXA_ROOT/build/stage"
 export QT_QPA_PLATFORM=offscreen
+# The spreadsheet files are checked with real readers: they must be there.
+export OXA_REQUIRE_READERS=1
 
 echo "== Build"
 oxa_build "$build" -DCMAKE_BUILD_TYPE=Release -DOXA_BUILD_BENCH=ON
