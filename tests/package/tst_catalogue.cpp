@@ -70,7 +70,7 @@ const char *const kBuilt[] = {
     "TMaskEditOxa", "TDateTimePickerOxa", "TOxaPopUpMenu", "TEditOxa", "TComboBoxOxa",
     "TStringGridOxa", "TMemoOxa", "TLabeledEditOxa", "TButtonOxa", "TErrorProvider",
     "TEnhancedMonthCalendar", "TDayListView", "TDayGroupBox", "TXLSfile", "TExecApplication",
-    "TBackgroundWorker", "TNumEditOxa", "TOxaEditCis",
+    "TBackgroundWorker", "TNumEditOxa", "TOxaEditCis", "TDiarPanel",
 };
 
 const CatalogueRow *rowOf(const QString &className)
