@@ -11,6 +11,7 @@
 
 #include <array>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -89,13 +90,18 @@ private:
 
 // Writes little-endian values and code page 1250 text. The writer collects
 // the bytes in a buffer of its own and hands them to the stream in large
-// blocks by FlushBuffer, so writing a value costs no system call. Whoever
-// writes through it directly calls FlushBuffer at the end; a failed stream
-// write throws EWriteError.
+// blocks, so writing a value costs no system call. Whoever writes through it
+// directly calls FlushBuffer at the end; a failed stream write throws
+// EWriteError.
+//
+// With BeginBackground the full blocks go to the stream on a thread of the
+// writer's own while the next block is being filled, so the formatting and
+// the stream's writing overlap; the bytes and their order stay the same.
 class TMyWriter : public TMyFiler
 {
 public:
-    using TMyFiler::TMyFiler;
+    explicit TMyWriter(QIODevice *stream = nullptr);
+    ~TMyWriter() override;
 
     void WriteBuffer(const void *data, qsizetype count) { std::memcpy(Append(count), data, size_t(count)); }
     void WriteByte(quint8 Value) { *Append(1) = char(Value); }
@@ -112,11 +118,23 @@ public:
     // The same, preceded by the 16-bit byte count.
     void WriteStr(QStringView Value);
 
+    // Room for count more bytes at the end of the buffer, which the caller
+    // fills, all of them: a record can put its fields straight there.
+    char *Append(qsizetype count)
+    {
+        if (m_end - m_cur < count)
+            Grow(count);
+        char *dest = m_cur;
+        m_cur += count;
+        return dest;
+    }
+
+    // Ends background writing (see EndBackground) and binds the writer.
     void SetStream(QIODevice *stream) override;
 
     // Bytes written through the writer since it was bound to its stream.
     qint64 Position() const { return m_flushed + Buffered(); }
-    // Bytes written but not yet handed to the stream.
+    // Bytes written but not yet handed on.
     qsizetype Buffered() const { return m_cur - m_buffer.data(); }
     // Overwrites the two bytes written at Position() == position: in the
     // buffer, or, once they have gone out, in the (then seekable) stream.
@@ -127,22 +145,32 @@ public:
         else
             PatchFlushed(position, Value);
     }
-    // Hands the buffered bytes to the stream; throws EWriteError when the
-    // stream takes fewer than all of them. The buffer is empty afterwards.
+    // Hands the buffered bytes to the stream, after every block queued
+    // before; throws EWriteError when the stream takes fewer than all of
+    // them. The buffer is empty afterwards.
     void FlushBuffer();
+    // Like FlushBuffer, but writing in the background it only queues the
+    // block and returns at once (or when a buffer comes free for the next
+    // bytes); a failed write is thrown by a later call.
+    void QueueBuffer();
     // Forgets the buffered bytes (after a failed write).
     void DiscardBuffer() { m_cur = m_buffer.data(); }
 
+    // From now on the blocks queued go to the stream on a thread of the
+    // writer's own (ending one begun before), and nobody else may use the
+    // stream until EndBackground. Meant for a file: a stream that may be
+    // used from another thread. The thread first runs prepare, when given
+    // (opening the file, say), while the writer goes on filling blocks;
+    // false from it fails the writing as a failed write does. Does nothing
+    // without a stream.
+    void BeginBackground(const std::function<bool()> &prepare = {});
+    // Stops the thread, which writes nothing more, and waits for it. Blocks
+    // queued and not yet written are dropped: FlushBuffer first to keep them.
+    void EndBackground();
+
 private:
-    // Room for count more bytes at the end of the buffer.
-    char *Append(qsizetype count)
-    {
-        if (m_end - m_cur < count)
-            Grow(count);
-        char *dest = m_cur;
-        m_cur += count;
-        return dest;
-    }
+    class TBackground;
+
     void Grow(qsizetype count);
     void PatchFlushed(qint64 position, quint16 Value);
     void PatchByte(qint64 position, char value);
@@ -151,6 +179,10 @@ private:
     char *m_cur = nullptr;
     char *m_end = nullptr;
     qint64 m_flushed = 0;
+    // A buffer the thread gave back, kept for the next writing in the
+    // background: fresh memory costs more than filling it.
+    std::vector<std::vector<char>> m_spare;
+    std::unique_ptr<TBackground> m_background;
 };
 
 // Keeps the record objects of a file in registration order, writes them with
