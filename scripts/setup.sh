@@ -6,7 +6,7 @@ set -euo pipefail
 OXA_PACKAGES=(
     g++ cmake ninja-build pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools
-    libqt6sql6-sqlite libgl-dev
+    libqt6sql6-sqlite libgl-dev libqt6opengl6-dev
     libbenchmark-dev
 )
 OXA_TEST_PACKAGES=(
