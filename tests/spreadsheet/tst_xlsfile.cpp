@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include <bit>
+#include <functional>
 
 using namespace oxa;
 
@@ -89,11 +90,11 @@ QString ReadStream(TDispatcher &d, QByteArray stream)
 }
 
 // A record that reads count bytes, whatever the record holds, and writes
-// count bytes 0, 1, 2..., flushing the writer half-way when asked.
+// count bytes 0, 1, 2...: a host's own record class.
 class TProbe : public TData
 {
 public:
-    TProbe(quint16 op, int n, bool flush = false) : count(n), flushInside(flush) { opCode = op; }
+    TProbe(quint16 op, int n) : count(n) { opCode = op; }
     void Read(TMyReader &r) override
     {
         for (int i = 0; i < count; ++i)
@@ -101,14 +102,37 @@ public:
     }
     void Write(TMyWriter &w) override
     {
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < count; ++i)
             w.WriteByte(quint8(i));
-            if (flushInside && i == count / 2)
-                w.FlushBuffer();
-        }
     }
     int count;
-    bool flushInside;
+};
+
+// A device that takes whole writes while they fit into room bytes and
+// refuses the rest; sequential when asked.
+class TRefusing : public QIODevice
+{
+public:
+    explicit TRefusing(qint64 room, bool sequential = false) : m_room(room), m_sequential(sequential)
+    {
+        open(QIODevice::WriteOnly);
+    }
+    bool isSequential() const override { return m_sequential; }
+    QByteArray taken;
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+    qint64 writeData(const char *data, qint64 len) override
+    {
+        if (taken.size() + len > m_room)
+            return -1;
+        taken.append(data, len);
+        return len;
+    }
+
+private:
+    qint64 m_room;
+    bool m_sequential;
 };
 
 } // namespace
@@ -125,6 +149,7 @@ private Q_SLOTS:
     void lengthBackPatching_data();
     void lengthBackPatching();
     void writerAndReaderPrimitives();
+    void writerHoldsNothingBack();
     void readLoop_data();
     void readLoop();
     void readSurvivesDamagedStreams();
@@ -197,6 +222,12 @@ void TestXLSfile::largeSheetBytesAcrossFlushes()
     const QStringList texts = {QStringLiteral("Čapek"), QStringLiteral("Němcová"), QString()};
     for (int i = 0; i < 200000; ++i) {
         const int col = i % 50 + 1, row = i / 50 + 1;
+        if (i == 100000) { // a host's record between the component's own
+            xls.AddData(std::make_unique<TProbe>(0x77, 300));
+            expected.u16(0x77).u16(300);
+            for (int b = 0; b < 300; ++b)
+                expected.u8(b);
+        }
         if (i % 3 == 0) {
             xls.AddDoubleCell(col, row, acRight, i * 0.25);
             expected.cell(3, row - 1, col - 1, 3, Bytes().f64(i * 0.25).b);
@@ -213,28 +244,25 @@ void TestXLSfile::largeSheetBytesAcrossFlushes()
     QVERIFY(expected.b.size() > 3 * 1024 * 1024); // several flushes of the writer
     QTemporaryDir dir;
     QCOMPARE(WriteSheet(xls, dir.filePath(QStringLiteral("large.xls"))), expected.b);
+    QCOMPARE(WriteToBuffer(xls.Dispatcher()), expected.b); // the same through the plain writer
 }
 
 void TestXLSfile::lengthBackPatching_data()
 {
     QTest::addColumn<int>("size"); // -1: nothing registered
-    QTest::addColumn<bool>("flushInside");
-    QTest::newRow("nothing registered") << -1 << false;
-    QTest::newRow("empty payload") << 0 << false;
-    QTest::newRow("small") << 5 << false;
-    QTest::newRow("flushed by the record itself") << 9 << true;
-    QTest::newRow("longer than 16 bits, truncated") << 70000 << false;
-    QTest::newRow("long, flushed inside") << 70000 << true;
+    QTest::newRow("nothing registered") << -1;
+    QTest::newRow("empty payload") << 0;
+    QTest::newRow("small") << 5;
+    QTest::newRow("longer than 16 bits, truncated") << 70000;
 }
 
 void TestXLSfile::lengthBackPatching()
 {
     QFETCH(int, size);
-    QFETCH(bool, flushInside);
     TDispatcher d;
     Bytes expected;
     if (size >= 0) {
-        d.RegisterObj(std::make_unique<TProbe>(0x77, size, flushInside));
+        d.RegisterObj(std::make_unique<TProbe>(0x77, size));
         expected.u16(0x77).u16(size & 0xFFFF);
         for (int i = 0; i < size; ++i)
             expected.u8(i);
@@ -242,20 +270,23 @@ void TestXLSfile::lengthBackPatching()
     QCOMPARE(WriteToBuffer(d), expected.u16(999).u16(0).b);
 }
 
+// The values of every writer function, in turn, and their bytes.
+const std::vector<std::pair<std::function<void(TMyWriter &)>, QByteArray>> WriterSteps = {
+    {[](TMyWriter &w) { w.WriteByte(0xAB); }, QByteArray::fromHex("ab")},
+    {[](TMyWriter &w) { w.WriteWord(0x1234); }, QByteArray::fromHex("3412")},
+    {[](TMyWriter &w) { w.WriteInt(-2); }, QByteArray::fromHex("feffffff")},
+    {[](TMyWriter &w) { w.WriteDouble(0.5); }, QByteArray::fromHex("000000000000e03f")},
+    {[](TMyWriter &w) { w.WriteStr(u"ťΩ"); }, QByteArray::fromHex("0200 9d3f")},
+    {[](TMyWriter &w) { w.WriteSingleStr(u"Šíř"); }, QByteArray::fromHex("8aedf8")},
+};
+
 void TestXLSfile::writerAndReaderPrimitives()
 {
     QBuffer buffer;
     buffer.open(QIODevice::ReadWrite);
     TMyWriter w(&buffer);
-    w.WriteByte(0xAB);
-    w.WriteWord(0x1234);
-    w.WriteInt(-2);
-    w.WriteDouble(0.5);
-    w.WriteStr(u"ťΩ");
-    w.WriteSingleStr(u"Šíř");
-    QCOMPARE(buffer.size(), 0); // still in the writer's buffer
-    w.FlushBuffer();
-    QCOMPARE(buffer.data(), QByteArray::fromHex("ab 3412 feffffff 000000000000e03f 0200 9d3f 8aedf8"));
+    for (const auto &step : WriterSteps)
+        step.first(w);
 
     buffer.seek(0);
     TMyReader r(&buffer);
@@ -263,6 +294,64 @@ void TestXLSfile::writerAndReaderPrimitives()
     QCOMPARE((std::tuple{r.readByte(), r.readWord(), r.readInt(), r.readDouble(), r.readStr(), r.readWord()}),
              (std::tuple{quint8(0xAB), quint16(0x1234), -2, 0.5, QString(QChar(0x3F9D)) + QChar(0), quint16(0xED8A)}));
     QVERIFY_THROWS_EXCEPTION(EReadError, r.readWord()); // one byte left
+}
+
+// Every value is in the stream when the writer's call returns, and a stream
+// that refuses bytes fails that very call.
+void TestXLSfile::writerHoldsNothingBack()
+{
+    QByteArray expected;
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    {
+        TMyWriter w(&buffer);
+        for (const auto &step : WriterSteps) {
+            step.first(w);
+            expected += step.second;
+            QCOMPARE(buffer.data(), expected);
+        }
+    }
+
+    QTemporaryDir dir;
+    QFile file(dir.filePath(QStringLiteral("values.bin")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    {
+        TMyWriter w(&file);
+        for (const auto &step : WriterSteps)
+            step.first(w);
+    } // the writer is gone before the file is closed
+    file.close();
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), expected);
+
+    for (qint64 room = 0; room < expected.size(); ++room) {
+        TRefusing device(room);
+        TMyWriter w(&device);
+        qsizetype done = 0;
+        bool thrown = false;
+        for (const auto &step : WriterSteps) {
+            try {
+                step.first(w);
+            } catch (const EWriteError &) {
+                thrown = true;
+                break;
+            }
+            done += step.second.size();
+        }
+        QVERIFY2(thrown, qPrintable(QString::number(room)));
+        QVERIFY(device.taken.size() >= done && device.taken.size() <= room);
+        QVERIFY(expected.startsWith(device.taken));
+    }
+
+    TMyWriter unbound;
+    QVERIFY_THROWS_EXCEPTION(EWriteError, unbound.WriteByte(1));
+    // The record lengths are put back into the headers: a stream that cannot
+    // seek is refused with a message, not written wrongly.
+    TDispatcher d;
+    d.RegisterObj(std::make_unique<TProbe>(0x77, 3));
+    TRefusing sequential(1000, true);
+    d.SetStream(&sequential);
+    QVERIFY_THROWS_EXCEPTION(EWriteError, d.Write());
 }
 
 void TestXLSfile::readLoop_data()

@@ -4,6 +4,7 @@
 #include "oxa/toolkit/Exceptions.h"
 #include "oxa/toolkit/MessageService.h"
 
+#include <QApplication>
 #include <QCalendarWidget>
 #include <QFontMetrics>
 #include <QLineEdit>
@@ -11,6 +12,8 @@
 #include <QScopedValueRollback>
 #include <QStringList>
 #include <QStyle>
+
+#include <algorithm>
 
 namespace oxa {
 
@@ -287,8 +290,49 @@ void TDateTimePickerOxa::PlatformKeyDown(Word &Key, TShiftState Shift)
         Key = 0;
         break;
     default:
+        if (const int digit = TypedDigit(Key); digit >= 0 && !(Shift & (ssCtrl | ssAlt)) &&
+                                               !isReadOnly() && TypeDigit(digit))
+            Key = 0;
         break;
     }
+}
+
+// A digit typed into a section is that section's new value at once, and the
+// date-changed notification then moves on to the next section, as every
+// other change by typing does: "2" in the day of 15.06.2020 gives
+// 02.06.2020 with the month selected. (Qt's own editing would hold "2" as
+// the start of a two-digit day and change nothing yet.) A year takes the
+// digit as a two-digit year of the current century; a 0 in the day or the
+// month, and a digit that would make no date or one outside the picker's
+// range, are refused with a beep. False when the picker does not edit a
+// date section now (the blank display, an open calendar).
+bool TDateTimePickerOxa::TypeDigit(int digit)
+{
+    if (FDroppedDown || isBlankFormat(FFormat) || !(displayedSections() & qtSection(FSection)))
+        return false;
+    const QDate current = date();
+    // A day beyond the new month's end becomes its last day, as stepping does.
+    const auto dayIn = [&current](int year, int month) {
+        const QDate first(year, month, 1);
+        return first.isValid() ? QDate(year, month, std::min(current.day(), first.daysInMonth())) : QDate();
+    };
+    QDate typed;
+    if (FSection == kDaySection)
+        typed = QDate(current.year(), current.month(), digit);
+    else if (FSection == kMonthSection)
+        typed = dayIn(current.year(), digit);
+    else
+        typed = dayIn(current.year() / 100 * 100 + digit, current.month());
+    if (!typed.isValid() || typed < minimumDate() || typed > maximumDate()) {
+        QApplication::beep();
+        return true;
+    }
+    if (typed == current) {
+        DateTimeChanged(); // the same value typed again still moves on
+        return true;
+    }
+    setDate(typed); // notifies DateTimeChanged
+    return true;
 }
 
 bool TDateTimePickerOxa::focusNextPrevChild(bool next)

@@ -107,6 +107,7 @@ private:
     void ClosedUp();
     void AfterNotification();
     bool StepDate(int direction);
+    bool TypeDigit(int digit);
     void FireChange();
     void SetFormatField(const QString &format);
     void ApplyFormat();

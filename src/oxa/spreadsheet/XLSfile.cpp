@@ -1,4 +1,5 @@
 #include "oxa/spreadsheet/XLSfile.h"
+#include "oxa/spreadsheet/XLSfile_p.h"
 
 #include "oxa/spreadsheet/CodePage1250.h"
 #include "oxa/toolkit/Catalogue.h"
@@ -6,10 +7,12 @@
 #include <QDir>
 #include <QFile>
 #include <QIODevice>
+#include <QVarLengthArray>
 #include <QWidget>
 #include <QtEndian>
 
 #include <algorithm>
+#include <bit>
 #include <condition_variable>
 #include <cstring>
 #include <deque>
@@ -17,6 +20,7 @@
 #include <mutex>
 #include <system_error>
 #include <thread>
+#include <typeinfo>
 #include <utility>
 
 namespace oxa {
@@ -45,9 +49,9 @@ QString StreamWriteError(const QIODevice &stream)
 
 // --- TMyPersistent ---------------------------------------------------------
 
-void TMyPersistent::Write(TMyWriter &) {}
+void TMyPersistent::Write(TMyWriter &) { }
 
-void TMyPersistent::Read(TMyReader &) {}
+void TMyPersistent::Read(TMyReader &) { }
 
 // --- TMyReader -------------------------------------------------------------
 
@@ -96,7 +100,7 @@ QString TMyReader::readStr()
     return text;
 }
 
-// --- TMyWriter::TBackground -----------------------------------------------
+// --- TBlockWriter::TBackground --------------------------------------------
 
 // The thread that writes the writer's full blocks to the stream, in the order
 // queued, while the writer fills the next one. Before the first block it
@@ -107,16 +111,16 @@ QString TMyReader::readStr()
 // thread alone uses the stream while it has work. After a failed
 // preparation or write it writes nothing more; the writer learns of the
 // failure on its next call.
-class TMyWriter::TBackground
+class TBlockWriter::TBackground
 {
 public:
     // Takes spare buffers of an earlier writing: fresh memory costs more
     // than filling it.
-    TBackground(QIODevice &stream, std::vector<std::vector<char>> spare, std::function<bool()> prepare)
+    TBackground(QIODevice &stream, std::vector<std::vector<char>> spare,
+                std::function<bool()> prepare)
         : m_stream(stream), m_prepare(std::move(prepare)), m_spare(std::move(spare)),
           m_blocks(1 + int(m_spare.size())), m_busy(bool(m_prepare)), m_thread([this] { Run(); })
-    {
-    }
+    { }
 
     ~TBackground() { Stop(); }
 
@@ -215,8 +219,8 @@ private:
             if (m_error.isEmpty()) {
                 m_busy = true;
                 lock.unlock();
-                const bool written =
-                    Attempt([&] { return m_stream.write(block.bytes.data(), block.count) == block.count; });
+                const bool written = Attempt(
+                    [&] { return m_stream.write(block.bytes.data(), block.count) == block.count; });
                 lock.lock();
                 m_busy = false;
                 if (!written)
@@ -229,7 +233,7 @@ private:
 
     // Nothing may escape the thread: whatever the stream throws counts as a
     // failed write.
-    template <class F>
+    template<class F>
     static bool Attempt(const F &step) noexcept
     {
         try {
@@ -257,13 +261,66 @@ private:
 
 // --- TMyWriter -------------------------------------------------------------
 
-TMyWriter::TMyWriter(QIODevice *stream) : TMyFiler(stream) {}
+void TMyWriter::WriteBuffer(const void *data, qsizetype count)
+{
+    if (!FStream)
+        throw EWriteError(
+            QStringLiteral("Chyba zápisu: není určen proud, do kterého se zapisuje."));
+    if (FStream->write(static_cast<const char *>(data), count) != count)
+        throw EWriteError(StreamWriteError(*FStream));
+}
 
-TMyWriter::~TMyWriter() = default;
+void TMyWriter::WriteByte(quint8 Value)
+{
+    WriteBuffer(&Value, sizeof Value);
+}
+
+void TMyWriter::WriteWord(quint16 Value)
+{
+    uchar bytes[sizeof Value];
+    qToLittleEndian(Value, bytes);
+    WriteBuffer(bytes, sizeof bytes);
+}
+
+void TMyWriter::WriteInt(qint32 Value)
+{
+    uchar bytes[sizeof Value];
+    qToLittleEndian(Value, bytes);
+    WriteBuffer(bytes, sizeof bytes);
+}
+
+void TMyWriter::WriteDouble(double Value)
+{
+    uchar bytes[sizeof Value];
+    qToLittleEndian(std::bit_cast<quint64>(Value), bytes);
+    WriteBuffer(bytes, sizeof bytes);
+}
+
+void TMyWriter::WriteSingleStr(QStringView Value)
+{
+    QVarLengthArray<char, 256> bytes(Value.size());
+    CodePage1250::FromUnicode(Value, bytes.data());
+    WriteBuffer(bytes.data(), bytes.size());
+}
+
+void TMyWriter::WriteStr(QStringView Value)
+{
+    WriteWord(quint16(Value.size())); // one byte per UTF-16 unit
+    WriteSingleStr(Value);
+}
+
+// --- TBlockWriter ----------------------------------------------------------
+
+TBlockWriter::TBlockWriter(QIODevice &stream) : m_stream(stream) { }
+
+TBlockWriter::~TBlockWriter()
+{
+    EndBackground();
+}
 
 // Doubles the buffer from InitialBuffer up to a full block and the record
 // that crosses its end; only a larger record grows it further.
-void TMyWriter::Grow(qsizetype count)
+void TBlockWriter::Grow(qsizetype count)
 {
     const qsizetype used = Buffered();
     size_t size = std::max(m_buffer.size() * 2, InitialBuffer);
@@ -274,81 +331,31 @@ void TMyWriter::Grow(qsizetype count)
     m_end = m_buffer.data() + m_buffer.size();
 }
 
-void TMyWriter::WriteSingleStr(QStringView Value)
-{
-    CodePage1250::FromUnicode(Value, Append(Value.size()));
-}
-
-void TMyWriter::WriteStr(QStringView Value)
-{
-    WriteWord(quint16(Value.size())); // one byte per UTF-16 unit
-    WriteSingleStr(Value);
-}
-
-void TMyWriter::SetStream(QIODevice *stream)
-{
-    EndBackground();
-    TMyFiler::SetStream(stream);
-    DiscardBuffer();
-    m_flushed = 0;
-}
-
 // A thread that cannot be started leaves the writing in the caller's thread,
 // and the preparation, too.
-void TMyWriter::BeginBackground(const std::function<bool()> &prepare)
+void TBlockWriter::BeginBackground(const std::function<bool()> &prepare)
 {
     EndBackground();
-    if (!FStream)
-        return;
     try {
-        m_background = std::make_unique<TBackground>(*FStream, std::move(m_spare), prepare);
+        m_background =
+            std::make_unique<TBackground>(m_stream, std::vector<std::vector<char>>(), prepare);
         return;
-    } catch (const std::system_error &) {
-    }
+    } catch (const std::system_error &) { }
     if (prepare && !prepare())
-        throw EWriteError(StreamWriteError(*FStream));
+        throw EWriteError(StreamWriteError(m_stream));
 }
 
-// One spare buffer is kept besides the writer's own: as much memory as a
-// writer without the thread keeps for its buffer.
-void TMyWriter::EndBackground()
+void TBlockWriter::EndBackground()
 {
     if (!m_background)
         return;
-    m_spare = m_background->Stop();
+    m_background->Stop();
     m_background.reset();
-    m_spare.resize(std::min<size_t>(m_spare.size(), 1));
-}
-
-// The bytes in the stream are patched there, so the blocks still queued must
-// reach it first.
-void TMyWriter::PatchFlushed(qint64 position, quint16 Value)
-{
-    if (m_background)
-        m_background->Drain();
-    char bytes[2];
-    qToLittleEndian(Value, bytes);
-    PatchByte(position, bytes[0]);
-    PatchByte(position + 1, bytes[1]);
-}
-
-void TMyWriter::PatchByte(qint64 position, char value)
-{
-    Q_ASSERT(position >= 0 && position < Position());
-    if (position >= m_flushed) {
-        m_buffer[size_t(position - m_flushed)] = value;
-        return;
-    }
-    // Already in the stream, which now stands just after the flushed bytes.
-    const qint64 here = FStream->pos();
-    const qint64 at = here - (m_flushed - position);
-    if (!FStream->seek(at) || FStream->write(&value, 1) != 1 || !FStream->seek(here))
-        throw EWriteError(StreamWriteError(*FStream));
 }
 
 // The buffer goes to the thread whole, and a free one takes its place. The
 // writer is left empty and valid first, should the queueing throw.
-void TMyWriter::QueueBuffer()
+void TBlockWriter::QueueBuffer()
 {
     const qint64 count = Buffered();
     if (count == 0)
@@ -362,13 +369,12 @@ void TMyWriter::QueueBuffer()
     m_buffer = m_background->Queue(std::move(full), count);
     m_cur = m_buffer.data();
     m_end = m_cur + m_buffer.size();
-    m_flushed += count;
 }
 
 // Writing in the background, the blocks queued before go first, and the
 // rest is written here: handing it to the thread would only add the wait
 // for the thread to wake up.
-void TMyWriter::FlushBuffer()
+void TBlockWriter::FlushBuffer()
 {
     if (m_background)
         m_background->Drain();
@@ -376,19 +382,15 @@ void TMyWriter::FlushBuffer()
     if (count == 0)
         return;
     DiscardBuffer();
-    if (!FStream)
-        throw EWriteError(QStringLiteral("Chyba zápisu: není určen proud, do kterého se zapisuje."));
-    if (FStream->write(m_buffer.data(), count) != count)
-        throw EWriteError(StreamWriteError(*FStream));
-    m_flushed += count;
+    if (m_stream.write(m_buffer.data(), count) != count)
+        throw EWriteError(StreamWriteError(m_stream));
 }
 
 // --- TDispatcher -----------------------------------------------------------
 
 TDispatcher::TDispatcher()
     : FReader(std::make_unique<TMyReader>()), FWriter(std::make_unique<TMyWriter>())
-{
-}
+{ }
 
 TDispatcher::~TDispatcher()
 {
@@ -422,42 +424,42 @@ QString TDispatcher::Strings(qsizetype index) const
     return QString::number(StrListOpcodes.at(size_t(index)));
 }
 
-// Every record goes into the writer's buffer: its header with a zero length,
-// then its payload; the length is then put into the header. The buffer is
-// queued for the stream in large blocks between records, so the stream sees
-// no seeking unless a record flushes the writer itself; the closing
-// FlushBuffer returns when every block is in the stream.
-void TDispatcher::Write()
+namespace {
+
+// Writes one record through writer: its header with a zero length, its
+// payload by the object's own Write, then the length, by seeking back into
+// the header and forward again.
+void WriteRecordThrough(TMyWriter &writer, quint16 opCode, TMyPersistent *object)
 {
-    TMyWriter &writer = *FWriter;
-    try {
-        const size_t count = StrList.size();
-        for (size_t i = 0; i < count; ++i) {
-            // The objects lie all over the heap: fetch the next ones early.
-            if (i + PrefetchDistance < count)
-                __builtin_prefetch(StrList[i + PrefetchDistance].get());
-            WriteRecord(writer, StrList[i]->opCode, StrList[i].get());
-        }
-        WriteRecord(writer, FOpcodeEOF, nullptr);
-        writer.FlushBuffer();
-    } catch (...) {
-        writer.DiscardBuffer();
-        throw;
-    }
+    writer.WriteWord(opCode);
+    writer.WriteWord(0);
+    if (!object)
+        return;
+    QIODevice &stream = *writer.Stream();
+    const qint64 payload = stream.pos();
+    object->Write(writer);
+    const qint64 length = stream.pos() - payload;
+    const auto seek = [&stream](qint64 offset) {
+        if (stream.isSequential() || !stream.seek(stream.pos() + offset))
+            throw EWriteError(QStringLiteral("Chyba zápisu do proudu: v proudu se nelze vrátit k "
+                                             "hlavičce záznamu."));
+    };
+    seek(-(length + 2));
+    // The length is kept to 16 bits, as the record header holds no more.
+    writer.WriteWord(quint16(length));
+    seek(length);
 }
 
-inline void TDispatcher::WriteRecord(TMyWriter &writer, quint16 opCode, TMyPersistent *object)
+} // namespace
+
+void TDispatcher::Write()
 {
-    const quint8 header[4] = {quint8(opCode), quint8(opCode >> 8), 0, 0};
-    writer.WriteBuffer(header, sizeof header);
-    if (object) {
-        const qint64 payload = writer.Position();
-        object->Write(writer);
-        // The length is kept to 16 bits, as the record header holds no more.
-        writer.PatchWord(payload - 2, quint16(writer.Position() - payload));
-    }
-    if (writer.Buffered() >= FlushThreshold)
-        writer.QueueBuffer();
+    if (!FStream)
+        throw EWriteError(
+            QStringLiteral("Chyba zápisu: není určen proud, do kterého se zapisuje."));
+    for (const std::unique_ptr<TMyPersistent> &object : StrList)
+        WriteRecordThrough(*FWriter, object->opCode, object.get());
+    WriteRecordThrough(*FWriter, FOpcodeEOF, nullptr);
 }
 
 // The first registered object of each opcode answers for it.
@@ -518,10 +520,12 @@ void TDispatcher::Read()
         }
         const qint64 position = FStream->pos();
         if (position < end) {
-            FSLError.append(QStringLiteral("Opcode %1 underrun %2 bytes").arg(opcode).arg(end - position));
+            FSLError.append(
+                QStringLiteral("Opcode %1 underrun %2 bytes").arg(opcode).arg(end - position));
             SeekRelative(position - end);
         } else if (position > end) {
-            FSLError.append(QStringLiteral("Opcode %1 overrun %2 bytes").arg(opcode).arg(position - end));
+            FSLError.append(
+                QStringLiteral("Opcode %1 overrun %2 bytes").arg(opcode).arg(position - end));
             SeekRelative(end - position);
         }
     }
@@ -531,6 +535,157 @@ void TDispatcher::Read()
 
 // --- The records -----------------------------------------------------------
 
+// Each record class of the library puts its payload in one place,
+// PutPayload, and tells its size beforehand with PayloadSize; its Write hands
+// those bytes to the writer, and the component's fast path puts them straight
+// into its blocks.
+namespace {
+
+constexpr qsizetype CellHeaderSize = 7;
+
+void PutCellHeader(const TCell &cell, quint8 *dest)
+{
+    qToLittleEndian(cell.Row, dest);
+    qToLittleEndian(cell.Col, dest + 2);
+    std::memcpy(dest + 4, cell.FAtribut.data(), cell.FAtribut.size());
+}
+
+constexpr qsizetype PayloadSize(const TBOF &)
+{
+    return 6;
+}
+constexpr qsizetype PayloadSize(const TCodePage &)
+{
+    return 2;
+}
+constexpr qsizetype PayloadSize(const TDimension &)
+{
+    return 8;
+}
+constexpr qsizetype PayloadSize(const TBlankCell &)
+{
+    return 0;
+}
+constexpr qsizetype PayloadSize(const TWordCell &)
+{
+    return CellHeaderSize + 2;
+}
+constexpr qsizetype PayloadSize(const TDoubleCell &)
+{
+    return CellHeaderSize + 8;
+}
+qsizetype PayloadSize(const TStrCell &cell)
+{
+    return CellHeaderSize + 1 + cell.Value.size();
+}
+
+void PutPayload(const TBOF &, quint8 *dest)
+{
+    qToLittleEndian<quint16>(0, dest);
+    qToLittleEndian<quint16>(0x0010, dest + 2); // a worksheet
+    qToLittleEndian<quint16>(0, dest + 4);
+}
+
+void PutPayload(const TCodePage &, quint8 *dest)
+{
+    qToLittleEndian<quint16>(1250, dest);
+}
+
+void PutPayload(const TDimension &d, quint8 *dest)
+{
+    qToLittleEndian(d.MinSaveRecs, dest);
+    qToLittleEndian(d.MaxSaveRecs, dest + 2);
+    qToLittleEndian(d.MinSaveCols, dest + 4);
+    qToLittleEndian(d.MaxSaveCols, dest + 6);
+}
+
+// A blank cell's record has no payload at all.
+void PutPayload(const TBlankCell &, quint8 *) { }
+
+void PutPayload(const TWordCell &cell, quint8 *dest)
+{
+    PutCellHeader(cell, dest);
+    qToLittleEndian(cell.Value, dest + CellHeaderSize);
+}
+
+void PutPayload(const TDoubleCell &cell, quint8 *dest)
+{
+    PutCellHeader(cell, dest);
+    qToLittleEndian(std::bit_cast<quint64>(cell.Value), dest + CellHeaderSize);
+}
+
+void PutPayload(const TStrCell &cell, quint8 *dest)
+{
+    PutCellHeader(cell, dest);
+    dest[CellHeaderSize] = quint8(cell.Value.size()); // UTF-16 units, modulo 256
+    CodePage1250::FromUnicode(cell.Value, reinterpret_cast<char *>(dest + CellHeaderSize + 1));
+}
+
+template<class R>
+void WritePayload(TMyWriter &writer, const R &record)
+{
+    QVarLengthArray<quint8, 64> bytes(PayloadSize(record));
+    PutPayload(record, bytes.data());
+    writer.WriteBuffer(bytes.data(), bytes.size());
+}
+
+// The whole record, header included, into the block.
+template<class R>
+void AppendRecord(TBlockWriter &out, const R &record)
+{
+    const qsizetype size = PayloadSize(record);
+    auto *dest = reinterpret_cast<quint8 *>(out.Append(4 + size));
+    qToLittleEndian(record.opCode, dest);
+    qToLittleEndian(quint16(size), dest + 2); // kept to 16 bits, as the header holds no more
+    PutPayload(record, dest + 4);
+}
+
+// Appends object when it is exactly one of the library's record classes: a
+// descendant may write anything and goes through its own Write.
+bool AppendOwnRecord(TBlockWriter &out, const TMyPersistent &object)
+{
+    const std::type_info &type = typeid(object);
+    const auto append = [&]<class R>(const R *) {
+        if (type != typeid(R))
+            return false;
+        AppendRecord(out, static_cast<const R &>(object));
+        return true;
+    };
+    return append(static_cast<const TWordCell *>(nullptr)) ||
+        append(static_cast<const TDoubleCell *>(nullptr)) ||
+        append(static_cast<const TStrCell *>(nullptr)) ||
+        append(static_cast<const TBlankCell *>(nullptr)) ||
+        append(static_cast<const TBOF *>(nullptr)) ||
+        append(static_cast<const TCodePage *>(nullptr)) ||
+        append(static_cast<const TDimension *>(nullptr));
+}
+
+} // namespace
+
+void WriteRecordsInBlocks(TDispatcher &dispatcher, QIODevice &stream,
+                          const std::function<bool()> &prepare)
+{
+    TBlockWriter out(stream);
+    out.BeginBackground(prepare);
+    const qsizetype count = dispatcher.Count();
+    for (qsizetype i = 0; i < count; ++i) {
+        // The objects lie all over the heap: fetch the next ones early.
+        if (i + qsizetype(PrefetchDistance) < count)
+            __builtin_prefetch(dispatcher.Objects(i + qsizetype(PrefetchDistance)));
+        TMyPersistent *object = dispatcher.Objects(i);
+        if (!AppendOwnRecord(out, *object)) {
+            out.FlushBuffer();
+            WriteRecordThrough(dispatcher.Writer(), object->opCode, object);
+        }
+        if (out.Buffered() >= FlushThreshold)
+            out.QueueBuffer();
+    }
+    auto *end = reinterpret_cast<quint8 *>(out.Append(4));
+    qToLittleEndian(dispatcher.OpcodeEOF(), end);
+    qToLittleEndian<quint16>(0, end + 2);
+    out.FlushBuffer();
+}
+
 TBOF::TBOF()
 {
     opCode = 0x0809;
@@ -538,9 +693,7 @@ TBOF::TBOF()
 
 void TBOF::Write(TMyWriter &Writer)
 {
-    Writer.WriteWord(0);
-    Writer.WriteWord(0x0010); // a worksheet
-    Writer.WriteWord(0);
+    WritePayload(Writer, *this);
 }
 
 TCodePage::TCodePage()
@@ -550,7 +703,7 @@ TCodePage::TCodePage()
 
 void TCodePage::Write(TMyWriter &Writer)
 {
-    Writer.WriteWord(1250);
+    WritePayload(Writer, *this);
 }
 
 TDimension::TDimension()
@@ -560,10 +713,7 @@ TDimension::TDimension()
 
 void TDimension::Write(TMyWriter &Writer)
 {
-    Writer.WriteWord(MinSaveRecs);
-    Writer.WriteWord(MaxSaveRecs);
-    Writer.WriteWord(MinSaveCols);
-    Writer.WriteWord(MaxSaveCols);
+    WritePayload(Writer, *this);
 }
 
 // The attribute bytes add their values; the alignment takes the first of
@@ -597,16 +747,11 @@ void TCell::SetAtribut(TSetOfAtribut Value)
     FAtribut = bytes;
 }
 
-void TCell::PutHeader(quint8 *dest) const
-{
-    qToLittleEndian(Row, dest);
-    qToLittleEndian(Col, dest + 2);
-    std::memcpy(dest + 4, FAtribut.data(), FAtribut.size());
-}
-
 void TCell::Write(TMyWriter &Writer)
 {
-    PutHeader(reinterpret_cast<quint8 *>(Writer.Append(HeaderSize)));
+    quint8 header[CellHeaderSize];
+    PutCellHeader(*this, header);
+    Writer.WriteBuffer(header, sizeof header);
 }
 
 TBlankCell::TBlankCell()
@@ -614,24 +759,16 @@ TBlankCell::TBlankCell()
     opCode = 0x0001;
 }
 
-void TBlankCell::Write(TMyWriter &)
-{
-    // A blank cell's record has no payload at all.
-}
+void TBlankCell::Write(TMyWriter &) { }
 
 TWordCell::TWordCell()
 {
     opCode = 0x0002;
 }
 
-// The header and the value go straight into the writer's buffer: put
-// together elsewhere and copied, they cost the copy and a stall on reading
-// back the bytes just stored.
 void TWordCell::Write(TMyWriter &Writer)
 {
-    auto *record = reinterpret_cast<quint8 *>(Writer.Append(HeaderSize + sizeof Value));
-    PutHeader(record);
-    qToLittleEndian(Value, record + HeaderSize);
+    WritePayload(Writer, *this);
 }
 
 TDoubleCell::TDoubleCell()
@@ -641,11 +778,7 @@ TDoubleCell::TDoubleCell()
 
 void TDoubleCell::Write(TMyWriter &Writer)
 {
-    auto *record = reinterpret_cast<quint8 *>(Writer.Append(HeaderSize + sizeof Value));
-    PutHeader(record);
-    quint64 bits;
-    std::memcpy(&bits, &Value, sizeof bits);
-    qToLittleEndian(bits, record + HeaderSize);
+    WritePayload(Writer, *this);
 }
 
 TStrCell::TStrCell()
@@ -655,10 +788,7 @@ TStrCell::TStrCell()
 
 void TStrCell::Write(TMyWriter &Writer)
 {
-    auto *record = reinterpret_cast<quint8 *>(Writer.Append(HeaderSize + 1 + Value.size()));
-    PutHeader(record);
-    record[HeaderSize] = quint8(Value.size()); // UTF-16 units, modulo 256
-    CodePage1250::FromUnicode(Value, reinterpret_cast<char *>(record + HeaderSize + 1));
+    WritePayload(Writer, *this);
 }
 
 void TStrCell::Read(TMyReader &Reader)
@@ -668,8 +798,7 @@ void TStrCell::Read(TMyReader &Reader)
 
 // --- TXLSfile --------------------------------------------------------------
 
-TXLSfile::TXLSfile(QObject *owner)
-    : QObject(owner), FDispatcher(std::make_unique<TDispatcher>())
+TXLSfile::TXLSfile(QObject *owner) : QObject(owner), FDispatcher(std::make_unique<TDispatcher>())
 {
     FModeOpen = false;
     FDispatcher->SetOpcodeEOF(10);
@@ -686,7 +815,7 @@ void TXLSfile::clear()
     FDimension = static_cast<TDimension *>(AddData(std::make_unique<TDimension>()));
 }
 
-template <class T>
+template<class T>
 T *TXLSfile::AddTypedCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut)
 {
     return static_cast<T *>(AddCell(vCol, vRow, vAtribut, CellClassOf<T>()));
@@ -699,14 +828,16 @@ TWordCell *TXLSfile::AddWordCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtri
     return cell;
 }
 
-TDoubleCell *TXLSfile::AddDoubleCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut, double aValue)
+TDoubleCell *TXLSfile::AddDoubleCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut,
+                                     double aValue)
 {
     TDoubleCell *cell = AddTypedCell<TDoubleCell>(vCol, vRow, vAtribut);
     cell->Value = aValue;
     return cell;
 }
 
-TStrCell *TXLSfile::AddStrCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut, const QString &aValue)
+TStrCell *TXLSfile::AddStrCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut,
+                               const QString &aValue)
 {
     TStrCell *cell = AddTypedCell<TStrCell>(vCol, vRow, vAtribut);
     cell->Value = aValue;
@@ -728,13 +859,12 @@ TData *TXLSfile::AddData(std::unique_ptr<TData> Data)
     return static_cast<TData *>(FDispatcher->RegisterObj(std::move(Data)));
 }
 
-// The file is written without Qt's buffering: the dispatcher's writer hands
-// it the records in large blocks, on a thread of its own, so that the disk
-// takes one block while the next one is put together. That thread opens the
-// file, too: truncating a file written a moment ago waits until its old
-// contents are on the disk, and the records are put together meanwhile.
-// Unbinding the stream ends the thread, on every way out, before the file is
-// looked at again.
+// The file is written without Qt's buffering: the records go to it in large
+// blocks, on a thread of their own, so that the disk takes one block while
+// the next one is put together. That thread opens the file, too: truncating
+// a file written a moment ago waits until its old contents are on the disk,
+// and the records are put together meanwhile. The thread has ended, on every
+// way out, before the file is looked at again.
 void TXLSfile::write()
 {
     QFile file(FFileName);
@@ -748,10 +878,9 @@ void TXLSfile::write()
     };
     FDispatcher->SetStream(&file);
     try {
-        FDispatcher->Writer().BeginBackground([&file] {
+        WriteRecordsInBlocks(*FDispatcher, file, [&file] {
             return file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
         });
-        FDispatcher->Write();
     } catch (const EWriteError &) {
         FDispatcher->SetStream(nullptr);
         throwIfNotCreated();

@@ -29,8 +29,14 @@ class TMyWriter;
 
 // Declared for opcode and length faults of a record stream; reading collects
 // such faults as messages instead and ends in EReadError.
-class EopCodeError : public Exception { using Exception::Exception; };
-class EOverUnderError : public Exception { using Exception::Exception; };
+class EopCodeError : public Exception
+{
+    using Exception::Exception;
+};
+class EOverUnderError : public Exception
+{
+    using Exception::Exception;
+};
 
 // A record object: knows its opcode and writes (and reads) its own payload.
 class TMyPersistent
@@ -49,14 +55,13 @@ public:
 
 // The base of every record class of a worksheet file.
 class TData : public TMyPersistent
-{
-};
+{ };
 
 // Holds the byte stream a reader or writer works on; the stream is not owned.
 class TMyFiler
 {
 public:
-    explicit TMyFiler(QIODevice *stream = nullptr) : FStream(stream) {}
+    explicit TMyFiler(QIODevice *stream = nullptr) : FStream(stream) { }
     virtual ~TMyFiler() = default;
     TMyFiler(const TMyFiler &) = delete;
     TMyFiler &operator=(const TMyFiler &) = delete;
@@ -88,101 +93,24 @@ private:
     void ReadBuffer(void *dest, qint64 count);
 };
 
-// Writes little-endian values and code page 1250 text. The writer collects
-// the bytes in a buffer of its own and hands them to the stream in large
-// blocks, so writing a value costs no system call. Whoever writes through it
-// directly calls FlushBuffer at the end; a failed stream write throws
-// EWriteError.
-//
-// With BeginBackground the full blocks go to the stream on a thread of the
-// writer's own while the next block is being filled, so the formatting and
-// the stream's writing overlap; the bytes and their order stay the same.
+// Writes little-endian values and code page 1250 text straight to the
+// stream: every value is in the stream when the call returns. A stream that
+// takes fewer bytes than given, or no stream at all, throws EWriteError at
+// that call.
 class TMyWriter : public TMyFiler
 {
 public:
-    explicit TMyWriter(QIODevice *stream = nullptr);
-    ~TMyWriter() override;
+    using TMyFiler::TMyFiler;
 
-    void WriteBuffer(const void *data, qsizetype count) { std::memcpy(Append(count), data, size_t(count)); }
-    void WriteByte(quint8 Value) { *Append(1) = char(Value); }
-    void WriteWord(quint16 Value) { qToLittleEndian(Value, Append(sizeof Value)); }
-    void WriteInt(qint32 Value) { qToLittleEndian(Value, Append(sizeof Value)); }
-    void WriteDouble(double Value)
-    {
-        quint64 bits;
-        std::memcpy(&bits, &Value, sizeof bits);
-        qToLittleEndian(bits, Append(sizeof bits));
-    }
+    void WriteBuffer(const void *data, qsizetype count);
+    void WriteByte(quint8 Value);
+    void WriteWord(quint16 Value);
+    void WriteInt(qint32 Value);
+    void WriteDouble(double Value);
     // The text in code page 1250, one byte per UTF-16 unit, without a length.
     void WriteSingleStr(QStringView Value);
     // The same, preceded by the 16-bit byte count.
     void WriteStr(QStringView Value);
-
-    // Room for count more bytes at the end of the buffer, which the caller
-    // fills, all of them: a record can put its fields straight there.
-    char *Append(qsizetype count)
-    {
-        if (m_end - m_cur < count)
-            Grow(count);
-        char *dest = m_cur;
-        m_cur += count;
-        return dest;
-    }
-
-    // Ends background writing (see EndBackground) and binds the writer.
-    void SetStream(QIODevice *stream) override;
-
-    // Bytes written through the writer since it was bound to its stream.
-    qint64 Position() const { return m_flushed + Buffered(); }
-    // Bytes written but not yet handed on.
-    qsizetype Buffered() const { return m_cur - m_buffer.data(); }
-    // Overwrites the two bytes written at Position() == position: in the
-    // buffer, or, once they have gone out, in the (then seekable) stream.
-    void PatchWord(qint64 position, quint16 Value)
-    {
-        if (position >= m_flushed)
-            qToLittleEndian(Value, m_buffer.data() + (position - m_flushed));
-        else
-            PatchFlushed(position, Value);
-    }
-    // Hands the buffered bytes to the stream, after every block queued
-    // before; throws EWriteError when the stream takes fewer than all of
-    // them. The buffer is empty afterwards.
-    void FlushBuffer();
-    // Like FlushBuffer, but writing in the background it only queues the
-    // block and returns at once (or when a buffer comes free for the next
-    // bytes); a failed write is thrown by a later call.
-    void QueueBuffer();
-    // Forgets the buffered bytes (after a failed write).
-    void DiscardBuffer() { m_cur = m_buffer.data(); }
-
-    // From now on the blocks queued go to the stream on a thread of the
-    // writer's own (ending one begun before), and nobody else may use the
-    // stream until EndBackground. Meant for a file: a stream that may be
-    // used from another thread. The thread first runs prepare, when given
-    // (opening the file, say), while the writer goes on filling blocks;
-    // false from it fails the writing as a failed write does. Does nothing
-    // without a stream.
-    void BeginBackground(const std::function<bool()> &prepare = {});
-    // Stops the thread, which writes nothing more, and waits for it. Blocks
-    // queued and not yet written are dropped: FlushBuffer first to keep them.
-    void EndBackground();
-
-private:
-    class TBackground;
-
-    void Grow(qsizetype count);
-    void PatchFlushed(qint64 position, quint16 Value);
-    void PatchByte(qint64 position, char value);
-
-    std::vector<char> m_buffer;
-    char *m_cur = nullptr;
-    char *m_end = nullptr;
-    qint64 m_flushed = 0;
-    // A buffer the thread gave back, kept for the next writing in the
-    // background: fresh memory costs more than filling it.
-    std::vector<std::vector<char>> m_spare;
-    std::unique_ptr<TBackground> m_background;
 };
 
 // Keeps the record objects of a file in registration order, writes them with
@@ -215,7 +143,9 @@ public:
     TMyPersistent *Objects(qsizetype index) const { return StrList.at(size_t(index)).get(); }
     QString Strings(qsizetype index) const;
 
-    // Writes every registered object as a record, then the end record.
+    // Writes every registered object as a record, then the end record, each
+    // record's length put into its header by seeking back: the stream must
+    // be seekable.
     void Write();
     // Reads records until the end record, collecting in SLError a message
     // for every unknown opcode and every record its object under- or
@@ -231,7 +161,6 @@ public:
     const QStringList &SLError() const { return FSLError; }
 
 private:
-    static void WriteRecord(TMyWriter &writer, quint16 opCode, TMyPersistent *object);
     QHash<quint16, TMyPersistent *> FirstByOpcode() const;
     void SeekRelative(qint64 offset);
 
@@ -317,11 +246,6 @@ public:
     quint16 Col = 0;
     quint16 Row = 0;
 
-protected:
-    // The 7 bytes the cell records begin with: row, column, attributes.
-    static constexpr qsizetype HeaderSize = 7;
-    void PutHeader(quint8 *dest) const;
-
 private:
     TSetOfAtribut FAtributSet;
 };
@@ -329,7 +253,7 @@ private:
 // Makes a new cell of one cell class: the class reference AddCell takes.
 using TCellClass = std::unique_ptr<TCell> (*)();
 
-template <class T>
+template<class T>
 TCellClass CellClassOf()
 {
     return []() -> std::unique_ptr<TCell> { return std::make_unique<T>(); };
@@ -405,7 +329,9 @@ public:
     // Adds any record; the component owns it from now on.
     TData *AddData(std::unique_ptr<TData> Data);
 
-    // Creates FileName anew and writes the records into it. A file that
+    // Creates FileName anew and writes the records into it, byte for byte as
+    // the dispatcher's Write would, but in large blocks on a thread of its
+    // own. A file that
     // cannot be created throws EFCreateError, a failed write EWriteError; the
     // cells stay in either case.
     void write();
@@ -417,7 +343,7 @@ public:
     TDimension *Dimension() const { return FDimension; }
 
 private:
-    template <class T>
+    template<class T>
     T *AddTypedCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut);
 
     QString FFileName;

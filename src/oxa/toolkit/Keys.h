@@ -78,6 +78,15 @@ inline constexpr Word VK_OEM_7 = 0xDE;      // '
 constexpr Word VK_Letter(char c) { return Word(VK_A + (c >= 'a' ? c - 'a' : c - 'A')); }
 constexpr Word VK_Digit(int d) { return Word(VK_0 + d); }
 constexpr Word VK_Function(int n) { return Word(VK_F1 + n - 1); }
+// The digit a key types, from the main keys or the keypad; -1 for any other key.
+constexpr int TypedDigit(Word key)
+{
+    if (key >= VK_0 && key <= VK_0 + 9)
+        return key - VK_0;
+    if (key >= VK_NUMPAD0 && key <= VK_NUMPAD0 + 9)
+        return key - VK_NUMPAD0;
+    return -1;
+}
 
 // The shift state of a key or mouse event.
 enum TShiftStateFlag {
