@@ -9,6 +9,14 @@ OXA_PACKAGES=(
     libqt6sql6-sqlite libgl-dev libqt6opengl6-dev
     libbenchmark-dev
 )
+# Only for the comparisons in the benchmarks (scripts/bench.sh).
+OXA_BENCH_PACKAGES=(
+    python3 python3-xlwt
+)
+# Only for the fuzz targets (tests/fuzz/build_and_run.sh): clang and its libFuzzer.
+OXA_FUZZ_PACKAGES=(
+    clang libclang-rt-14-dev
+)
 OXA_TEST_PACKAGES=(
     python3 python3-xlrd libreoffice-calc-nogui
     xvfb xauth

@@ -1,12 +1,14 @@
-#!/bin/sh
+#!/usr/bin/env bash
 # Builds the record-stream reader's fuzz target with clang's libFuzzer and
 # AddressSanitizer (leak detection on), and runs it for a bounded time.
 #   tests/fuzz/build_and_run.sh [seconds, default 60] [extra libFuzzer args]
-# Needs clang++, Qt 6 (pkg-config Qt6Core Qt6Widgets) and Qt's moc.
-set -eu
+# Installs what it needs (clang with libFuzzer, Qt 6) when it is missing.
+set -euo pipefail
 
-here=$(cd "$(dirname "$0")" && pwd)
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 root=$(cd "$here/../.." && pwd)
+source "$root/scripts/setup.sh"
+oxa_install_packages "${OXA_PACKAGES[@]}" "${OXA_FUZZ_PACKAGES[@]}"
 seconds=${1:-60}
 [ $# -gt 0 ] && shift
 out=${OXA_FUZZ_DIR:-$root/build-fuzz}
