@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/FocusNavigation.h"
 
 #include <QPushButton>
@@ -9,7 +11,7 @@ namespace oxa {
 // A push button with Ctrl+arrow focus navigation. It keeps its own colours;
 // IsFocused tells whether it holds the focus (followed only while the
 // button is enabled).
-class TButtonOxa : public TFocusNavigation<TButtonOxa, QPushButton>
+class OXA_EXPORT TButtonOxa : public TFocusNavigation<TButtonOxa, QPushButton>
 {
     Q_OBJECT
     Q_PROPERTY(bool IsFocused READ IsFocused)
@@ -34,6 +36,6 @@ private:
     bool FIsFocused = false;
 };
 
-void RegisterButtonOxa();
+OXA_EXPORT void RegisterButtonOxa();
 
 } // namespace oxa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/FocusNavigation.h"
 
 #include <QComboBox>
@@ -10,7 +12,7 @@ namespace oxa {
 // the edits it swallows every Ctrl+arrow, neighbour or not, and in a
 // drop-down list (a combo box that is not editable) Space selects the next
 // item, wrapping from the last to the first.
-class TComboBoxOxa : public TFocusColorNavigation<TComboBoxOxa, QComboBox>
+class OXA_EXPORT TComboBoxOxa : public TFocusColorNavigation<TComboBoxOxa, QComboBox>
 {
     Q_OBJECT
     Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
@@ -44,6 +46,6 @@ private:
 
 };
 
-void RegisterComboBoxOxa();
+OXA_EXPORT void RegisterComboBoxOxa();
 
 } // namespace oxa

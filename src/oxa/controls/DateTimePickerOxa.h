@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/Color.h"
 #include "oxa/toolkit/DateUtils.h"
 #include "oxa/toolkit/FocusNavigation.h"
@@ -22,7 +24,7 @@ namespace oxa {
 // shows) and "MMMM.yyyy"; a Format of a single space shows the blank field.
 // Month names are those of the Czech locale. Qt's own stepping (wheel,
 // PageUp/PageDown) is off: the section rules alone change the date.
-class TDateTimePickerOxa : public TFocusColorNavigation<TDateTimePickerOxa, QDateEdit>
+class OXA_EXPORT TDateTimePickerOxa : public TFocusColorNavigation<TDateTimePickerOxa, QDateEdit>
 {
     Q_OBJECT
     Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
@@ -132,6 +134,6 @@ private:
     bool m_sectionSyncPending = false;
 };
 
-void RegisterDateTimePickerOxa();
+OXA_EXPORT void RegisterDateTimePickerOxa();
 
 } // namespace oxa

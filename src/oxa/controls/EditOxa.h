@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/controls/OxaPopupMenu.h"
 #include "oxa/toolkit/FocusNavigation.h"
 
@@ -20,7 +22,7 @@ namespace oxa {
 // again. Right-click shows PopupMenu when there is one; an edit without a
 // menu (read-only, MapaZnaku off, not entered yet) shows Qt's standard
 // context menu of a line edit, as the platform's edit control does.
-class TEditOxa : public TFocusColorNavigation<TEditOxa, QLineEdit>
+class OXA_EXPORT TEditOxa : public TFocusColorNavigation<TEditOxa, QLineEdit>
 {
     Q_OBJECT
     Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
@@ -85,12 +87,12 @@ private:
 // Replaces the typed sequences "a "e "o "u "A "E "O "U in the edit's text
 // with ä ë ö ü Ä Ë Ö Ü (the first occurrence of each per call) and keeps the
 // caret beside the text it stood by. Returns whether anything was replaced.
-bool ProvedKorekciTextu(QLineEdit *edit);
+OXA_EXPORT bool ProvedKorekciTextu(QLineEdit *edit);
 
 // The replacement of s when s is exactly one of the typed sequences,
 // otherwise s itself; changed tells whether the result differs from s.
-QString GetKorigovanySubString(const QString &s, bool &changed);
+OXA_EXPORT QString GetKorigovanySubString(const QString &s, bool &changed);
 
-void RegisterEditOxa();
+OXA_EXPORT void RegisterEditOxa();
 
 } // namespace oxa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include <QLabel>
 #include <QList>
 #include <QObject>
@@ -19,7 +21,7 @@ enum TJustifyType { jtTopLeft, jtTopRight, jtBottomLeft, jtBottomRight, jtCenter
 
 // One mark: a 16x16 icon placed on the marked control's parent, with the
 // message as its tooltip. Double-clicking it emits DblClick.
-class TErrorImage : public QLabel
+class OXA_EXPORT TErrorImage : public QLabel
 {
     Q_OBJECT
 
@@ -70,7 +72,7 @@ private:
 // keyed by the control's object name: controls of the same name share one
 // mark. A mark follows its control when it moves, resizes, hides or changes
 // parent, and goes away with it.
-class TErrorProvider : public QObject
+class OXA_EXPORT TErrorProvider : public QObject
 {
     Q_OBJECT
 
@@ -144,6 +146,6 @@ private:
     QTimer *fTimer;
 };
 
-void RegisterErrorProvider();
+OXA_EXPORT void RegisterErrorProvider();
 
 } // namespace oxa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/FocusNavigation.h"
 
 #include <QLabel>
@@ -17,7 +19,7 @@ namespace oxa {
 //
 // Unlike the library's other controls, Loaded keeps the colour the control
 // was given.
-class TLabeledEditOxa : public TFocusColorNavigation<TLabeledEditOxa, QLineEdit>
+class OXA_EXPORT TLabeledEditOxa : public TFocusColorNavigation<TLabeledEditOxa, QLineEdit>
 {
     Q_OBJECT
     Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
@@ -69,6 +71,6 @@ private:
     int FLabelSpacing = 3;
 };
 
-void RegisterLabeledEditOxa();
+OXA_EXPORT void RegisterLabeledEditOxa();
 
 } // namespace oxa

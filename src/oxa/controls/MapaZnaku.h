@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include <QChar>
 #include <QDialog>
 #include <QString>
@@ -25,7 +27,7 @@ class TMapaZnaku;
 //
 // A click or keyboard move in the grid selects the character of the current
 // cell; a double click or Enter inserts it ("Vložit znak do textu").
-class TMapaZnaku : public QDialog
+class OXA_EXPORT TMapaZnaku : public QDialog
 {
     Q_OBJECT
 

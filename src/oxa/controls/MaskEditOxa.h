@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/Color.h"
 #include "oxa/toolkit/FocusNavigation.h"
 
@@ -24,7 +26,7 @@ namespace oxa {
 // after the last ";") and sets the equivalent Qt input mask; a Qt mask may
 // still be given directly through QLineEdit::setInputMask. Turning
 // IsDateFormat on in an edit without a mask gives it DefaultDateMask().
-class TMaskEditOxa : public TFocusColorNavigation<TMaskEditOxa, QLineEdit>
+class OXA_EXPORT TMaskEditOxa : public TFocusColorNavigation<TMaskEditOxa, QLineEdit>
 {
     Q_OBJECT
     Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
@@ -71,6 +73,6 @@ private:
     QString FEditMask;
 };
 
-void RegisterMaskEditOxa();
+OXA_EXPORT void RegisterMaskEditOxa();
 
 } // namespace oxa

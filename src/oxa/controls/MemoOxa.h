@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/FocusNavigation.h"
 
 #include <QPlainTextEdit>
@@ -9,7 +11,7 @@ namespace oxa {
 // A multi-line text with Ctrl+arrow focus navigation and focus colouring.
 // Plain arrows keep moving the caret inside the text; only Ctrl+arrow
 // leaves for a neighbour.
-class TMemoOxa : public TFocusColorNavigation<TMemoOxa, QPlainTextEdit>
+class OXA_EXPORT TMemoOxa : public TFocusColorNavigation<TMemoOxa, QPlainTextEdit>
 {
     Q_OBJECT
     Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
@@ -34,6 +36,6 @@ protected:
 private:
 };
 
-void RegisterMemoOxa();
+OXA_EXPORT void RegisterMemoOxa();
 
 } // namespace oxa

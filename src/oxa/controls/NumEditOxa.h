@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/controls/EditOxa.h"
 
 #include <QChar>
@@ -10,7 +12,7 @@ namespace oxa {
 
 // The toolkit's currency: a fixed-point number with four decimals, kept as
 // a count of ten-thousandths so that amounts add up without rounding.
-class TCurrency
+class OXA_EXPORT TCurrency
 {
 public:
     constexpr TCurrency() = default;
@@ -33,8 +35,8 @@ private:
 // from its locale:
 //     oxa::SetDecimalSeparator(QLocale().decimalPoint().at(0));
 // A digit, a sign or a null character is refused with EInvalidOperation.
-QChar DecimalSeparator();
-void SetDecimalSeparator(QChar separator);
+OXA_EXPORT QChar DecimalSeparator();
+OXA_EXPORT void SetDecimalSeparator(QChar separator);
 
 // A TEditOxa for numbers. NumType decides which typed characters it takes:
 //   ntNone      none at all (only pasting and setting the text change it);
@@ -58,7 +60,7 @@ void SetDecimalSeparator(QChar separator);
 // reads as 0; getCardinal converts as a signed integer (so a text above
 // 2147483647 does not convert), and setCardinal prints its value as a signed
 // one (3000000000 shows as -1294967296).
-class TNumEditOxa : public TEditOxa
+class OXA_EXPORT TNumEditOxa : public TEditOxa
 {
     Q_OBJECT
     Q_PROPERTY(TAlignment Aligment READ Aligment WRITE SetAligment)
@@ -142,6 +144,6 @@ private:
     TNumType fNumType = ntNone;
 };
 
-void RegisterNumEditOxa();
+OXA_EXPORT void RegisterNumEditOxa();
 
 } // namespace oxa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/controls/EditOxa.h"
 
 #include <QPointer>
@@ -28,7 +30,7 @@ using TOxaEditBtnClick2 =
 // the edit. Its hint reads BtnHint, a space and the shortcut's text
 // ("Otevřít číselník Ctrl+F1"). Meant for forms with placed controls, like
 // the designer's.
-class TOxaEditCis : public TEditOxa
+class OXA_EXPORT TOxaEditCis : public TEditOxa
 {
     Q_OBJECT
     Q_PROPERTY(ushort ShortCut READ ShortCut WRITE SetShortCut)
@@ -85,6 +87,6 @@ private:
     QWidget *FSecondEdit = nullptr;
 };
 
-void RegisterOxaEditCis();
+OXA_EXPORT void RegisterOxaEditCis();
 
 } // namespace oxa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/WinControl.h"
 
 #include <QChar>
@@ -25,7 +27,7 @@ using TOnItemClick = std::function<void(QObject *Sender, TItemTyp Item, QChar Ke
 //
 // The menu is a non-visual component: it is created in code (by an edit on
 // its entry, or by the host) rather than placed on a form.
-class TOxaPopUpMenu : public QMenu
+class OXA_EXPORT TOxaPopUpMenu : public QMenu
 {
     Q_OBJECT
 
@@ -59,17 +61,17 @@ private:
 
 // The top-level item of the menu with the caption (separators aside), or
 // nullptr: how items of a menu are found, also in menus of the host's.
-QAction *FindMenuItem(const QMenu *menu, const QString &caption);
+OXA_EXPORT QAction *FindMenuItem(const QMenu *menu, const QString &caption);
 
 // Shows the character map as a modal dialog owned by owner. Returns true when
 // the user confirmed with "Vložit znak do textu" (modal result 1); znak then
 // holds the picked character.
-bool VyberZnakZMapy(QWidget *owner, QChar &znak);
+OXA_EXPORT bool VyberZnakZMapy(QWidget *owner, QChar &znak);
 
 // The caption of the character-map item, also the one an edit adds to a
 // context menu of the host's.
-QString MapaZnakuCaption();
+OXA_EXPORT QString MapaZnakuCaption();
 
-void RegisterOxaPopupMenu();
+OXA_EXPORT void RegisterOxaPopupMenu();
 
 } // namespace oxa

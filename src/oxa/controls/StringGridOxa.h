@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/Color.h"
 #include "oxa/toolkit/FocusNavigation.h"
 #include "oxa/toolkit/StringGrid.h"
@@ -18,7 +20,7 @@ namespace oxa {
 //                             CanSelectCell refuses the cell
 // BeforeDrawCell runs for every cell after these colours are set on the
 // canvas and before the cell is drawn.
-class TStringGridOxa : public TFocusNavigation<TStringGridOxa, TStringGrid>
+class OXA_EXPORT TStringGridOxa : public TFocusNavigation<TStringGridOxa, TStringGrid>
 {
     Q_OBJECT
     Q_PROPERTY(uint CantSelectColor READ CantSelectColor WRITE SetCantSelectColor)
@@ -68,6 +70,6 @@ private:
 };
 
 // Adds TStringGridOxa to the catalogue, page "Oxa".
-void RegisterStringGridOxa();
+OXA_EXPORT void RegisterStringGridOxa();
 
 } // namespace oxa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/diary/DiarShared.h"
 #include "oxa/toolkit/WinControl.h"
 
@@ -25,16 +27,16 @@ enum TDiarSize { dsDay, dsWorkWeek, dsWeek, dsMonth };
 
 // The date of day aDen of the packed month aMonthYear ((year - 1900) * 100 +
 // month). Throws EConvertError for a day the month does not have.
-TDate SpocitejDatum(int aDen, qint16 aMonthYear);
+OXA_EXPORT TDate SpocitejDatum(int aDen, qint16 aMonthYear);
 // The packed month of a date: 15 January 2000 gives 10001.
-qint16 DateToMesicRok(TDate aDate);
+OXA_EXPORT qint16 DateToMesicRok(TDate aDate);
 // The time text of an entry, "08:30-09:15".
-QString SpocitejHodiny(TTime start, TTime end);
+OXA_EXPORT QString SpocitejHodiny(TTime start, TTime end);
 // The bounds of the period shown around aDate. The first visible date lies
 // one day before the first day shown (the Sunday before a week, the last day
 // of the previous month); the last visible date is the last day shown.
-TDate FirstVisibleDate(TDate aDate, TDiarSize aDiarSize);
-TDate LastVisibleDate(TDate aDate, TDiarSize aDiarSize);
+OXA_EXPORT TDate FirstVisibleDate(TDate aDate, TDiarSize aDiarSize);
+OXA_EXPORT TDate LastVisibleDate(TDate aDate, TDiarSize aDiarSize);
 
 // The font colour of an entry by its privacy (Soukrome): the list's own
 // colour, or blue for a private entry.
@@ -42,7 +44,7 @@ inline constexpr TFixedArray<TColor, false, true> BarvaSchuzky{{clDefault, 0xFF0
 // Whether an entry's text is struck out, by its completion (SPLNENO > 0).
 inline constexpr TFixedArray<bool, false, true> FontSchuzek{{false, true}};
 // The host's table a contact comes from: "", "TBLPACIENT", "TBLPARTNER".
-extern const TFixedArray<QString, zkNone, zkPartner> ContactSourceTables;
+OXA_EXPORT extern const TFixedArray<QString, zkNone, zkPartner> ContactSourceTables;
 
 // The diary's events.
 using TOnDateOfMonthListView = std::function<void(QObject *Sender, qint16 MonthYear)>;
@@ -60,7 +62,7 @@ using TDragDropEvent = std::function<void(QObject *Sender, QObject *Source, cons
 // "Popis:". The items stay in the order of their time text; every item owns
 // a copy of its entry, which gives its text, its font (struck out once
 // completion started, blue when private) and its tool tip (the details).
-class TDayListView : public TWinControl<QTreeWidget>
+class OXA_EXPORT TDayListView : public TWinControl<QTreeWidget>
 {
     Q_OBJECT
     Q_PROPERTY(QList<QIcon> ItemListImages READ ItemListImages WRITE SetItemListImages)
@@ -148,7 +150,7 @@ private:
 // The diary panel as its day boxes see it. The panel that lays out the
 // boxes implements it; a box with no such panel above it leaves double
 // clicks and keys alone.
-class TDayGroupBoxHost
+class OXA_EXPORT TDayGroupBoxHost
 {
 public:
     virtual bool ReadOnly() const = 0;
@@ -166,7 +168,7 @@ protected:
 
 // A framed box showing one day: its caption names the day and the number of
 // its entries, the list of the entries fills it.
-class TDayGroupBox : public QGroupBox
+class OXA_EXPORT TDayGroupBox : public QGroupBox
 {
     Q_OBJECT
     Q_PROPERTY(oxa::TDayListView *DayListView READ DayListView CONSTANT)
@@ -222,7 +224,7 @@ private:
 };
 
 // What a drag of an entry carries: the dragged item, its text and its image.
-class TTextDragObject
+class OXA_EXPORT TTextDragObject
 {
 public:
     // The MIME type under which a drag holds the entry's key.
@@ -251,6 +253,6 @@ private:
 };
 
 // Registers TDayListView and TDayGroupBox on the palette page "Oxa Diar".
-void RegisterDayListView();
+OXA_EXPORT void RegisterDayListView();
 
 } // namespace oxa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/diary/DayListView.h"
 #include "oxa/diary/DiarShared.h"
 #include "oxa/toolkit/WinControl.h"
@@ -50,7 +52,7 @@ using TOnDaySelectItemEvent = std::function<void(QObject *Sender, QTreeWidgetIte
 // day by dragging or with Ctrl+arrow keys and deletes them with Delete; each
 // of these reaches the host through the On... events, and the host stores
 // the change.
-class TDiarPanel : public TWinControl<QFrame>, public TDayGroupBoxHost
+class OXA_EXPORT TDiarPanel : public TWinControl<QFrame>, public TDayGroupBoxHost
 {
     Q_OBJECT
     Q_PROPERTY(oxa::TDayListView *DayListView READ DayListView)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/Color.h"
 #include "oxa/toolkit/DateUtils.h"
 #include "oxa/toolkit/Exceptions.h"
@@ -21,7 +23,7 @@ using TTime = TDateTime;
 using TDate = TDateTime;
 
 // The text of the failure raised for an index outside a fixed array or a list.
-QString IndexOutOfBoundsMessage(long long index);
+OXA_EXPORT QString IndexOutOfBoundsMessage(long long index);
 
 // A string of at most MaxLength characters, the records' short strings. A
 // longer text is cut to the limit when it is assigned.
@@ -114,7 +116,7 @@ enum TJednotkaUpozorneni { juMinuta, juHodina, juDen };
 
 // One diary entry (an appointment), copied by value between the store and
 // the controls.
-struct TDayRecord
+struct OXA_EXPORT TDayRecord
 {
     qint32 ID_DIAR = 0;
     qint32 ID_PORIZOVACI = 0;
@@ -147,7 +149,7 @@ using TDayRecordArray = std::vector<TDayRecord>;
 
 // A day's working hours: two intervals. An interval whose start is not
 // before its end marks nothing.
-struct TPracDobaCas
+struct OXA_EXPORT TPracDobaCas
 {
     TTime CasOd = 0;
     TTime CasDo = 0;
@@ -166,7 +168,7 @@ using TObjednaniKLekariDenCas = QList<TPracDobaCas>;
 using TObjednaniKLekariCas = TFixedArray<TObjednaniKLekariDenCas, 1, 7>;
 
 // One leave (absence).
-struct TDovolena
+struct OXA_EXPORT TDovolena
 {
     TTime CasOd = 0;
     TTime CasDo = 0;
@@ -182,7 +184,7 @@ struct TDovolena
 using TDovolenaPole = QList<TDovolena>;
 
 // The diary settings the host hands to the controls by value.
-struct TDiarNastaveni
+struct OXA_EXPORT TDiarNastaveni
 {
     TColor barvaSvatek = 0;
     TColor barvaSoNe = 0;
@@ -210,7 +212,7 @@ struct TDiarNastaveni
 using TCalDaysArray = TFixedArray<quint32, 1, 31>;
 
 // A configured surgery-hours record of a doctor, as the host reads it.
-class TDiarKonfig
+class OXA_EXPORT TDiarKonfig
 {
 public:
     TDiarKonfig() = default;
@@ -233,7 +235,7 @@ public:
 
 // An owning list of TDiarKonfig. An index outside the list throws
 // oxa::Exception.
-class TDiarKonfigList
+class OXA_EXPORT TDiarKonfigList
 {
 public:
     TDiarKonfigList() = default;
@@ -268,7 +270,7 @@ private:
 };
 
 // A time of day with its seconds and milliseconds dropped.
-TTime TruncToMinutes(TTime aCas);
+OXA_EXPORT TTime TruncToMinutes(TTime aCas);
 
 // Whether an entry lies in the span aCasOd to aCasDo: its start and end, cut
 // to whole minutes, are a and b. Entries with a negative time never do. An
@@ -276,7 +278,7 @@ TTime TruncToMinutes(TTime aCas);
 // only touches an edge of the span does not; an entry with b = a meets the
 // span that contains it (aCasOd <= a < aCasDo). The store, the grids and the
 // panel all use this rule.
-bool EntryMeetsSpan(const TDayRecord &aZaznam, TTime aCasOd, TTime aCasDo);
+OXA_EXPORT bool EntryMeetsSpan(const TDayRecord &aZaznam, TTime aCasOd, TTime aCasDo);
 // The same rule for a start a and an end b already cut to whole minutes.
 inline bool MinutesMeetSpan(TTime a, TTime b, TTime aCasOd, TTime aCasDo)
 {
@@ -290,7 +292,7 @@ inline bool MinutesMeetSpan(TTime a, TTime b, TTime aCasOd, TTime aCasDo)
 // The store of the entries of a displayed period: one slot per day. Slots 0
 // to DnuPred - 1 are the days shown before the month, slot DnuPred + d - 1 is
 // day d of the month (always 31 of them), the last DnuPo slots follow it.
-class TMonthArray
+class OXA_EXPORT TMonthArray
 {
 public:
     TMonthArray(quint16 aDnuPred, quint16 aDnuPo);
@@ -347,7 +349,7 @@ private:
 };
 
 // The names of the contact sources.
-extern const TFixedArray<QString, zkNone, zkPartner> ZdrojKontaktuNazev;
+OXA_EXPORT extern const TFixedArray<QString, zkNone, zkPartner> ZdrojKontaktuNazev;
 
 // Background of a day by weekday (1 = Monday): white on working days, light
 // grey at the weekend.

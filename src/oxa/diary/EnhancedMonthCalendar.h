@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/diary/DiarShared.h"
 #include "oxa/toolkit/WinControl.h"
 
@@ -23,7 +25,7 @@ using TOnGetMonthInfoEvent = std::function<void(QObject *Sender, quint32 Month, 
 // the previous, the shown and the next month, whose days fill the first and
 // the last rows. The host is asked whenever the shown page changes, when the
 // calendar is shown and when UpdateBoldDays is called.
-class TEnhancedMonthCalendar : public TWinControl<QCalendarWidget>
+class OXA_EXPORT TEnhancedMonthCalendar : public TWinControl<QCalendarWidget>
 {
     Q_OBJECT
     Q_PROPERTY(double Date READ Date WRITE SetDate)
@@ -67,6 +69,6 @@ private:
 };
 
 // Registers TEnhancedMonthCalendar on the palette page "Oxa Diar".
-void RegisterEnhancedMonthCalendar();
+OXA_EXPORT void RegisterEnhancedMonthCalendar();
 
 } // namespace oxa

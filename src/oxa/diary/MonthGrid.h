@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/diary/DiarShared.h"
 #include "oxa/toolkit/Grid.h"
 
@@ -21,7 +23,7 @@ inline constexpr TFixedArray<TColor, false, true> BarvaSchuzkyMonth{{0x0000FF, 0
 inline constexpr TFixedArray<TColor, false, true> BarvaKonfigZaznamu{{0x79FFF1, 0x79FFBE}};
 
 // A public holiday on a fixed date.
-struct TSvatek
+struct OXA_EXPORT TSvatek
 {
     int Den;
     int Mesic;
@@ -29,18 +31,18 @@ struct TSvatek
 };
 
 // The public holidays on fixed dates, with the texts shown in the cell hints.
-extern const std::array<TSvatek, 11> Svatky;
+OXA_EXPORT extern const std::array<TSvatek, 11> Svatky;
 
 // Easter Monday of the year by the Gauss rule with the constants of the
 // Gregorian years 1900 to 2099, used for every year.
-TDate VelikonocniPondeli(int aRok);
+OXA_EXPORT TDate VelikonocniPondeli(int aRok);
 // The name of the public holiday on a date: the fixed table first, then
 // "Velikonoce" (Easter Monday) and "Velký pátek" (Good Friday); empty on
 // other days.
-QString NazevSvatku(TDate aDatum);
+OXA_EXPORT QString NazevSvatku(TDate aDatum);
 
 // What one cell of the month grid shows, prepared by InitVykreslovani.
-struct TMonthGridCell
+struct OXA_EXPORT TMonthGridCell
 {
     bool dovolena = false; // leave covers the slot
     bool svatek = false;   // the day is a public holiday
@@ -61,7 +63,7 @@ struct TMonthGridCell
 // settings; Init (InitVykreslovani) prepares the cells after any of them, or
 // the month, changed. After the mouse rests on a cell for 250 ms its hint
 // shows for 4 s.
-class TMonthGrid : public TDrawGrid
+class OXA_EXPORT TMonthGrid : public TDrawGrid
 {
     Q_OBJECT
     Q_PROPERTY(double Datum READ Datum WRITE SetDatum)
@@ -226,7 +228,7 @@ private:
 // time span (a new appointment's start and end). Its cells are coloured at
 // drawing time from the entries and the settings; public holidays are not
 // shown. The hint comes from the month's prepared cells of the day.
-class TDayGrid : public TMonthGrid
+class OXA_EXPORT TDayGrid : public TMonthGrid
 {
     Q_OBJECT
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 namespace oxa {
 
 // Runs the Register function of every unit, in unit order, so that the
 // catalogue offers all of the library's classes.
-void RegisterAll();
+OXA_EXPORT void RegisterAll();
 
 } // namespace oxa

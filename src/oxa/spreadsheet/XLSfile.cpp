@@ -119,7 +119,7 @@ public:
     TBackground(QIODevice &stream, std::vector<std::vector<char>> spare,
                 std::function<bool()> prepare)
         : m_stream(stream), m_prepare(std::move(prepare)), m_spare(std::move(spare)),
-          m_blocks(1 + int(m_spare.size())), m_busy(bool(m_prepare)), m_thread([this] { Run(); })
+          m_blocks(1 + int(m_spare.size())), m_busy(bool(m_prepare)), m_thread(&TBackground::Enter, static_cast<void *>(this))
     { }
 
     ~TBackground() { Stop(); }
@@ -198,6 +198,10 @@ private:
         if (!m_error.isEmpty())
             throw EWriteError(m_error);
     }
+
+    // The thread's entry names no type of the library: the instance of
+    // std::thread's machinery it needs then shows no internals outside.
+    static void Enter(void *self) { static_cast<TBackground *>(self)->Run(); }
 
     void Run()
     {

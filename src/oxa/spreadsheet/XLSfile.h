@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/Exceptions.h"
 
 #include <QFlags>
@@ -29,17 +31,17 @@ class TMyWriter;
 
 // Declared for opcode and length faults of a record stream; reading collects
 // such faults as messages instead and ends in EReadError.
-class EopCodeError : public Exception
+class OXA_EXPORT EopCodeError : public Exception
 {
     using Exception::Exception;
 };
-class EOverUnderError : public Exception
+class OXA_EXPORT EOverUnderError : public Exception
 {
     using Exception::Exception;
 };
 
 // A record object: knows its opcode and writes (and reads) its own payload.
-class TMyPersistent
+class OXA_EXPORT TMyPersistent
 {
 public:
     TMyPersistent() = default;
@@ -54,11 +56,11 @@ public:
 };
 
 // The base of every record class of a worksheet file.
-class TData : public TMyPersistent
+class OXA_EXPORT TData : public TMyPersistent
 { };
 
 // Holds the byte stream a reader or writer works on; the stream is not owned.
-class TMyFiler
+class OXA_EXPORT TMyFiler
 {
 public:
     explicit TMyFiler(QIODevice *stream = nullptr) : FStream(stream) { }
@@ -75,7 +77,7 @@ protected:
 
 // Reads little-endian values from the stream. A stream that ends too early
 // fails with EReadError "Stream read error".
-class TMyReader : public TMyFiler
+class OXA_EXPORT TMyReader : public TMyFiler
 {
 public:
     using TMyFiler::TMyFiler;
@@ -97,7 +99,7 @@ private:
 // stream: every value is in the stream when the call returns. A stream that
 // takes fewer bytes than given, or no stream at all, throws EWriteError at
 // that call.
-class TMyWriter : public TMyFiler
+class OXA_EXPORT TMyWriter : public TMyFiler
 {
 public:
     using TMyFiler::TMyFiler;
@@ -115,7 +117,7 @@ public:
 
 // Keeps the record objects of a file in registration order, writes them with
 // their record headers and reads a record stream back.
-class TDispatcher
+class OXA_EXPORT TDispatcher
 {
 public:
     TDispatcher();
@@ -180,7 +182,7 @@ private:
 // ---------------------------------------------------------------------------
 
 // The file header: a worksheet.
-class TBOF : public TData
+class OXA_EXPORT TBOF : public TData
 {
 public:
     TBOF();
@@ -188,7 +190,7 @@ public:
 };
 
 // Declares code page 1250 for the texts of the file.
-class TCodePage : public TData
+class OXA_EXPORT TCodePage : public TData
 {
 public:
     TCodePage();
@@ -197,7 +199,7 @@ public:
 
 // The sheet's extent. Always claims rows 0-1000 and columns 0-100, whatever
 // the cells: readers take it as a hint only.
-class TDimension : public TData
+class OXA_EXPORT TDimension : public TData
 {
 public:
     TDimension();
@@ -229,7 +231,7 @@ Q_DECLARE_OPERATORS_FOR_FLAGS(TSetOfAtribut)
 
 // A cell record: zero-based row and column and three attribute bytes, then
 // the value of the descendant.
-class TCell : public TData
+class OXA_EXPORT TCell : public TData
 {
     Q_GADGET
     Q_PROPERTY(oxa::TSetOfAtribut Atribut READ Atribut WRITE SetAtribut)
@@ -260,7 +262,7 @@ TCellClass CellClassOf()
 }
 
 // An empty cell. Written with no payload at all: no row, column or attributes.
-class TBlankCell : public TCell
+class OXA_EXPORT TBlankCell : public TCell
 {
 public:
     TBlankCell();
@@ -268,7 +270,7 @@ public:
 };
 
 // A small integer, 0 to 65535.
-class TWordCell : public TCell
+class OXA_EXPORT TWordCell : public TCell
 {
 public:
     TWordCell();
@@ -278,7 +280,7 @@ public:
 };
 
 // A number.
-class TDoubleCell : public TCell
+class OXA_EXPORT TDoubleCell : public TCell
 {
 public:
     TDoubleCell();
@@ -289,7 +291,7 @@ public:
 
 // A text. Its length byte counts UTF-16 units modulo 256, so a text of 256
 // units or more is read back shortened by spreadsheet programs.
-class TStrCell : public TCell
+class OXA_EXPORT TStrCell : public TCell
 {
 public:
     TStrCell();
@@ -305,7 +307,7 @@ public:
 
 // Collects cells and writes them to a worksheet file. Columns and rows are
 // counted from 1 by the callers; nothing is range-checked.
-class TXLSfile : public QObject
+class OXA_EXPORT TXLSfile : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(QString FileName READ FileName WRITE SetFileName)
@@ -355,6 +357,6 @@ private:
 };
 
 // Offers TXLSfile on the "Oxa" page of the component catalogue.
-void RegisterXLSfile();
+OXA_EXPORT void RegisterXLSfile();
 
 } // namespace oxa

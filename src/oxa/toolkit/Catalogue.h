@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -10,7 +12,7 @@ class QWidget;
 namespace oxa {
 
 // One class offered on a palette page.
-struct TComponentEntry
+struct OXA_EXPORT TComponentEntry
 {
     QString Page;       // "Oxa", "Oxa Edits", "Oxa Diar", ...
     QString ClassName;  // "TEditOxa"
@@ -21,7 +23,7 @@ struct TComponentEntry
 };
 
 // A design-time property editor attached to a property of a class.
-struct TPropertyEditorEntry
+struct OXA_EXPORT TPropertyEditorEntry
 {
     QString OwnerClass;
     QString PropertyName;
@@ -30,7 +32,7 @@ struct TPropertyEditorEntry
 
 // The run-time registry of the library's component classes. Each unit's
 // Register function adds its classes; a host creates a class by name.
-class Catalogue
+class OXA_EXPORT Catalogue
 {
 public:
     static Catalogue &Instance();

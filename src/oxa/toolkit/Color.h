@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include <QColor>
 #include <QPalette>
 #include <QString>
@@ -83,23 +85,23 @@ inline constexpr TColor RGBColor(int r, int g, int b)
 // Converts a toolkit colour to a QColor. System colours are taken from the
 // palette (the widget's own when given, else the application's); clNone gives
 // an invalid QColor and clDefault the palette's base colour.
-QColor ColorToQColor(TColor color, const QWidget *widget = nullptr);
-QColor ColorToQColor(TColor color, const QPalette &palette);
+OXA_EXPORT QColor ColorToQColor(TColor color, const QWidget *widget = nullptr);
+OXA_EXPORT QColor ColorToQColor(TColor color, const QPalette &palette);
 // The nearest plain toolkit colour of a QColor (alpha is dropped).
-TColor QColorToColor(const QColor &color);
+OXA_EXPORT TColor QColorToColor(const QColor &color);
 
 // "clWindowText" for named colours, otherwise "$" and eight hexadecimal digits.
-QString ColorToString(TColor color);
+OXA_EXPORT QString ColorToString(TColor color);
 // Reads a name ("clRed"), "$00FF00FF" or a decimal number; throws EConvertError otherwise.
-TColor StringToColor(const QString &text);
+OXA_EXPORT TColor StringToColor(const QString &text);
 // The name of a named colour; false when the colour has no name.
-bool ColorToIdent(TColor color, QString &ident);
-bool IdentToColor(const QString &ident, TColor &color);
+OXA_EXPORT bool ColorToIdent(TColor color, QString &ident);
+OXA_EXPORT bool IdentToColor(const QString &ident, TColor &color);
 
 // Paints the background of a control in the colour (the widget's base,
 // window and button roles), the way the toolkit's Color property does.
-void SetControlColor(QWidget *widget, TColor color);
+OXA_EXPORT void SetControlColor(QWidget *widget, TColor color);
 // The font colour (text roles) of a control.
-void SetControlFontColor(QWidget *widget, TColor color);
+OXA_EXPORT void SetControlFontColor(QWidget *widget, TColor color);
 
 } // namespace oxa

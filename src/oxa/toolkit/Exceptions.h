@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include <QString>
 #include <stdexcept>
 
@@ -7,7 +9,7 @@ namespace oxa {
 
 // Base of every failure the library reports to the host. The message is the
 // user-facing text (Czech, except for the spreadsheet reader).
-class Exception : public std::runtime_error
+class OXA_EXPORT Exception : public std::runtime_error
 {
 public:
     explicit Exception(const QString &message)
@@ -19,16 +21,16 @@ private:
 };
 
 // A value could not be converted (dates, numbers, colours).
-class EConvertError : public Exception { using Exception::Exception; };
+class OXA_EXPORT EConvertError : public Exception { using Exception::Exception; };
 // An operation is not allowed in the control's current state (focusing a hidden control).
-class EInvalidOperation : public Exception { using Exception::Exception; };
+class OXA_EXPORT EInvalidOperation : public Exception { using Exception::Exception; };
 // A stream could not be read as expected.
-class EReadError : public Exception { using Exception::Exception; };
+class OXA_EXPORT EReadError : public Exception { using Exception::Exception; };
 // A stream could not be written.
-class EWriteError : public Exception { using Exception::Exception; };
+class OXA_EXPORT EWriteError : public Exception { using Exception::Exception; };
 // A file could not be created or opened.
-class EFCreateError : public Exception { using Exception::Exception; };
+class OXA_EXPORT EFCreateError : public Exception { using Exception::Exception; };
 // A date or time value was out of range.
-class EDateTimeError : public EConvertError { using EConvertError::EConvertError; };
+class OXA_EXPORT EDateTimeError : public EConvertError { using EConvertError::EConvertError; };
 
 } // namespace oxa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/WinControl.h"
 
 
@@ -9,7 +11,7 @@ namespace oxa {
 enum TFocusDirection { fdUp = 1, fdDown = 2, fdLeft = 3, fdRight = 4 };
 
 // The arrow key that moves the focus in a direction, and the reverse.
-bool FocusDirectionOfKey(Word key, TFocusDirection &direction);
+OXA_EXPORT bool FocusDirectionOfKey(Word key, TFocusDirection &direction);
 
 // The focus navigation shared by the data-entry controls: four weak
 // neighbour references (FocUp, FocDown, FocLeft, FocRight) and Ctrl+arrow

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/Color.h"
 #include "oxa/toolkit/Exceptions.h"
 #include "oxa/toolkit/Keys.h"
@@ -20,13 +22,13 @@ namespace oxa {
 
 // A failed operation on a grid: a cell or line index out of range, more
 // fixed lines than lines.
-class EInvalidGridOperation : public EInvalidOperation
+class OXA_EXPORT EInvalidGridOperation : public EInvalidOperation
 {
     using EInvalidOperation::EInvalidOperation;
 };
 
 // A cell: X is the column, Y the row.
-struct TGridCoord
+struct OXA_EXPORT TGridCoord
 {
     int X = 0;
     int Y = 0;
@@ -34,7 +36,7 @@ struct TGridCoord
 };
 
 // A rectangle of cells, all four sides inclusive.
-struct TGridRect
+struct OXA_EXPORT TGridRect
 {
     int Left = 0;
     int Top = 0;
@@ -51,7 +53,7 @@ struct TGridRect
 };
 
 // The rectangle spanned by two cells, whichever order they come in.
-TGridRect GridRect(TGridCoord a, TGridCoord b);
+OXA_EXPORT TGridRect GridRect(TGridCoord a, TGridCoord b);
 
 enum TGridDrawStateFlag {
     gdSelected = 0x1, // inside the selection
@@ -129,7 +131,7 @@ class TCustomGridPrivate;
 // filled the cell with the brush. DrawCell may change the pen, brush and
 // font (the grid resets them before the next cell); anything else it changes
 // on the painter (clipping, transformation) it restores itself.
-class TCustomGrid : public TWinControl<QAbstractScrollArea>
+class OXA_EXPORT TCustomGrid : public TWinControl<QAbstractScrollArea>
 {
     Q_OBJECT
     Q_PROPERTY(int ColCount READ ColCount WRITE SetColCount)
@@ -367,7 +369,7 @@ private:
 
 // The drawing grid with nothing added: cells are painted by OnDrawCell (or
 // an override of DrawCell).
-class TDrawGrid : public TCustomGrid
+class OXA_EXPORT TDrawGrid : public TCustomGrid
 {
     Q_OBJECT
 public:

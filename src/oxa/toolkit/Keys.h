@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include <QFlags>
 #include <QtGlobal>
 #include <Qt>
@@ -102,33 +104,33 @@ Q_DECLARE_FLAGS(TShiftState, TShiftStateFlag)
 Q_DECLARE_OPERATORS_FOR_FLAGS(TShiftState)
 
 // Shift, Alt and Ctrl from Qt's keyboard modifiers.
-TShiftState ShiftStateFromModifiers(Qt::KeyboardModifiers modifiers);
+OXA_EXPORT TShiftState ShiftStateFromModifiers(Qt::KeyboardModifiers modifiers);
 // Keyboard modifiers plus mouse buttons (and the double-click flag).
-TShiftState ShiftStateFromMouse(Qt::KeyboardModifiers modifiers, Qt::MouseButtons buttons,
+OXA_EXPORT TShiftState ShiftStateFromMouse(Qt::KeyboardModifiers modifiers, Qt::MouseButtons buttons,
                                 bool doubleClick = false);
 // The keyboard's shift state right now, as GetKeyboardState reports it.
-TShiftState KeyboardShiftState();
+OXA_EXPORT TShiftState KeyboardShiftState();
 
 // The virtual-key code of a Qt key; keypad keys get their keypad codes.
 // Returns 0 for keys without a code.
-Word QtKeyToVirtualKey(int qtKey, Qt::KeyboardModifiers modifiers);
+OXA_EXPORT Word QtKeyToVirtualKey(int qtKey, Qt::KeyboardModifiers modifiers);
 // The Qt key and the keypad flag that produce a virtual-key code.
-int VirtualKeyToQtKey(Word key, bool *keypad = nullptr);
+OXA_EXPORT int VirtualKeyToQtKey(Word key, bool *keypad = nullptr);
 
 // Reads a key event as (key code, shift state).
-void KeyFromEvent(const QKeyEvent *event, Word &key, TShiftState &shift);
+OXA_EXPORT void KeyFromEvent(const QKeyEvent *event, Word &key, TShiftState &shift);
 
 // Sends the widget a key press of the code, as the toolkit's key-down message
 // would, through the widget's own key handling.
-void SendKeyDown(QWidget *widget, Word key, TShiftState shift = {});
+OXA_EXPORT void SendKeyDown(QWidget *widget, Word key, TShiftState shift = {});
 
 // "Ctrl+F1", "F4", "Shift+Alt+A": the toolkit's text of a shortcut.
 using TShortCut = quint16; // key code in the low byte, scShift/scCtrl/scAlt above
 inline constexpr TShortCut scShift = 0x2000;
 inline constexpr TShortCut scCtrl = 0x4000;
 inline constexpr TShortCut scAlt = 0x8000;
-TShortCut ShortCut(Word key, TShiftState shift);
-QString ShortCutToText(TShortCut shortCut);
-TShortCut TextToShortCut(const QString &text);
+OXA_EXPORT TShortCut ShortCut(Word key, TShiftState shift);
+OXA_EXPORT QString ShortCutToText(TShortCut shortCut);
+OXA_EXPORT TShortCut TextToShortCut(const QString &text);
 
 } // namespace oxa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include <QFlags>
 #include <QString>
 #include <exception>
@@ -40,7 +42,7 @@ inline constexpr TModalResult mrYes = 6;
 inline constexpr TModalResult mrNo = 7;
 
 // One message box as the library asks for it.
-struct TMessageRequest
+struct OXA_EXPORT TMessageRequest
 {
     TMsgDlgType Type = mtInformation;
     QString Caption;
@@ -52,7 +54,7 @@ struct TMessageRequest
 // The one place through which the library shows modal UI: message boxes and
 // modal dialogs. An answerer installed by a test (or a host that wants its own
 // presentation) answers instead of a real modal loop.
-class MessageService
+class OXA_EXPORT MessageService
 {
 public:
     using MessageAnswerer = std::function<TModalResult(const TMessageRequest &)>;
@@ -86,6 +88,6 @@ public:
 
 // Runs fn and reports an exception that escapes it through ShowException;
 // this is where an event handler's failure reaches the user.
-void HandleExceptions(QWidget *context, const std::function<void()> &fn);
+OXA_EXPORT void HandleExceptions(QWidget *context, const std::function<void()> &fn);
 
 } // namespace oxa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/Grid.h"
 
 #include <QList>
@@ -12,7 +14,7 @@ namespace oxa {
 // reference per cell, draws the text and edits it in place (goEditing).
 // Reading a cell outside the grid gives an empty text (or nullptr); writing
 // one raises EInvalidGridOperation. Objects are referenced, not owned.
-class TStringGrid : public TCustomGrid
+class OXA_EXPORT TStringGrid : public TCustomGrid
 {
     Q_OBJECT
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/Color.h"
 #include "oxa/toolkit/Keys.h"
 #include "oxa/toolkit/MessageService.h"
@@ -19,16 +21,16 @@ enum TOperation { opInsert, opRemove };
 
 // The toolkit's SetFocus: a control that cannot take the focus (disabled or
 // not visible, itself or through a parent) raises EInvalidOperation.
-void SetFocusTo(QWidget *control);
+OXA_EXPORT void SetFocusTo(QWidget *control);
 // The control's own Enabled flag, regardless of its parents.
-bool ControlEnabled(const QWidget *control);
+OXA_EXPORT bool ControlEnabled(const QWidget *control);
 // The text of the error for focusing a control that cannot take the focus.
-QString CannotFocusMessage();
+OXA_EXPORT QString CannotFocusMessage();
 
 // Whether a focus change moves the focus between controls of a window (the
 // toolkit's entry and exit) rather than activating a window or opening a
 // popup, which leave the active control of the form as it was.
-bool IsControlFocusChange(const QFocusEvent *event);
+OXA_EXPORT bool IsControlFocusChange(const QFocusEvent *event);
 
 // The handler types of the toolkit's events.
 using TNotifyEvent = std::function<void(QObject *sender)>;

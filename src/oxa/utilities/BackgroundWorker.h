@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/DateUtils.h"
 
 #include <QObject>
@@ -45,7 +47,7 @@ using TProcDone = std::function<void(const QString &aError, TDateTime aTime, QOb
 // Progress call that waits for the main thread (it returns without running
 // OnProgress), waits until the work has returned and reports no completion.
 // The work must therefore look at isTerminated to let the owner close.
-class TBackgroundWorker : public QObject
+class OXA_EXPORT TBackgroundWorker : public QObject
 {
     Q_OBJECT
 
@@ -85,7 +87,7 @@ private:
 
 // A small data object for applications that want to hand the worker a
 // result flag and a back reference; the worker itself does not use it.
-class TWorkerData : public QObject
+class OXA_EXPORT TWorkerData : public QObject
 {
     Q_OBJECT
 
@@ -96,6 +98,6 @@ public:
     TBackgroundWorker *worker = nullptr;
 };
 
-void RegisterBackgroundWorker();
+OXA_EXPORT void RegisterBackgroundWorker();
 
 } // namespace oxa

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/Color.h"
 
 #include <QList>
@@ -17,13 +19,13 @@ namespace oxa {
 // What the special button above the palette stands for.
 enum TColorDlgMode { cdmNone, cdmTransparent, cdmAutomatic };
 
-struct TButtonsProperties
+struct OXA_EXPORT TButtonsProperties
 {
     QString Hint;
     TColor Color;
 };
 
-struct TOthersButtonsProperties
+struct OXA_EXPORT TOthersButtonsProperties
 {
     QString Caption;
     QString Hint;
@@ -39,7 +41,7 @@ struct TOthersButtonsProperties
 // activation (a click anywhere outside), and then frees itself. Closing emits
 // ColorSelected(color) when a colour was chosen, then Closed(chosen, color);
 // read the result there.
-class TColorForm : public QWidget
+class OXA_EXPORT TColorForm : public QWidget
 {
     Q_OBJECT
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxa/oxa_export.h"
+
 #include "oxa/toolkit/Exceptions.h"
 #include "oxa/toolkit/WinControl.h"
 
@@ -15,7 +17,7 @@ class TExecThread;
 
 // A call to the operating system failed. Message() is the system's own text
 // for ErrorCode() (an errno value on POSIX, a GetLastError value on Windows).
-class EOSError : public Exception
+class OXA_EXPORT EOSError : public Exception
 {
 public:
     explicit EOSError(int errorCode);
@@ -50,7 +52,7 @@ private:
 // If the first OnApplicationEnd is running on the watcher thread at that
 // moment, the destructor waits for it to return, so that handler must not
 // wait for the main thread.
-class TExecApplication : public QObject
+class OXA_EXPORT TExecApplication : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(QString ApplicationName READ ApplicationName WRITE SetApplicationName)
@@ -88,6 +90,6 @@ private:
     QList<QPointer<TExecThread>> fWatchers;
 };
 
-void RegisterExecApp();
+OXA_EXPORT void RegisterExecApp();
 
 } // namespace oxa
