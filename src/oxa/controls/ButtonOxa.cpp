@@ -17,15 +17,23 @@ TButtonOxa::TButtonOxa(const QString &caption, QWidget *parent)
 void TButtonOxa::DoEnter()
 {
     if (Enabled())
-        FIsFocused = true;
+        SetIsFocused(true);
     Base::DoEnter();
 }
 
 void TButtonOxa::DoExit()
 {
     if (Enabled())
-        FIsFocused = false;
+        SetIsFocused(false);
     Base::DoExit();
+}
+
+void TButtonOxa::SetIsFocused(bool value)
+{
+    if (value == FIsFocused)
+        return;
+    FIsFocused = value;
+    Q_EMIT isFocusedChanged();
 }
 
 void RegisterButtonOxa()

@@ -14,11 +14,11 @@ namespace oxa {
 class OXA_EXPORT TButtonOxa : public TFocusNavigation<TButtonOxa, QPushButton>
 {
     Q_OBJECT
-    Q_PROPERTY(bool IsFocused READ IsFocused)
-    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
-    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
-    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
-    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+    Q_PROPERTY(bool IsFocused READ IsFocused NOTIFY isFocusedChanged)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp NOTIFY focUpChanged)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
 
     using Base = TFocusNavigation<TButtonOxa, QPushButton>;
 
@@ -28,11 +28,20 @@ public:
 
     bool IsFocused() const { return FIsFocused; }
 
+Q_SIGNALS:
+    void isFocusedChanged();
+    void focUpChanged();
+    void focDownChanged();
+    void focLeftChanged();
+    void focRightChanged();
+
 protected:
     void DoEnter() override;
     void DoExit() override;
 
 private:
+    void SetIsFocused(bool value);
+
     bool FIsFocused = false;
 };
 

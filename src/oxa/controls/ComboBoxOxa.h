@@ -15,13 +15,13 @@ namespace oxa {
 class OXA_EXPORT TComboBoxOxa : public TFocusColorNavigation<TComboBoxOxa, QComboBox>
 {
     Q_OBJECT
-    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
-    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
-    Q_PROPERTY(bool IsFocused READ IsFocused)
-    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
-    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
-    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
-    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor NOTIFY activeColorChanged)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor NOTIFY defaultColorChanged)
+    Q_PROPERTY(bool IsFocused READ IsFocused NOTIFY isFocusedChanged)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp NOTIFY focUpChanged)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
 
     using Base = TFocusColorNavigation<TComboBoxOxa, QComboBox>;
 
@@ -32,6 +32,15 @@ public:
     // The user changed the selection (mouse, keyboard, wheel, Space) or
     // typed into an editable box.
     TNotifyEvent OnChange;
+
+Q_SIGNALS:
+    void activeColorChanged();
+    void defaultColorChanged();
+    void isFocusedChanged();
+    void focUpChanged();
+    void focDownChanged();
+    void focLeftChanged();
+    void focRightChanged();
 
 protected:
     virtual void Change();

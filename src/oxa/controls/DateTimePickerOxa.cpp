@@ -56,6 +56,7 @@ TDateTimePickerOxa::TDateTimePickerOxa(QWidget *owner)
     calendarWidget()->installEventFilter(this);
     lineEdit()->installEventFilter(this);
     connect(this, &QDateTimeEdit::dateTimeChanged, this, [this] {
+        Q_EMIT valueChanged();
         if (!m_settingDate)
             HandleExceptions(this, [this] { DateTimeChanged(); });
     });
@@ -96,12 +97,15 @@ void TDateTimePickerOxa::SetMinDate(TDateTime value)
     const QDate minimum = DateTimeToQDate(value);
     if (!minimum.isValid())
         throw EConvertError(QStringLiteral("Neplatné nejmenší datum"));
+    const bool changed = value != FMinDate;
     FMinDate = value;
     {
         const QScopedValueRollback guard(m_settingDate, true);
         setMinimumDate(minimum);
     }
     PaintRule();
+    if (changed)
+        Q_EMIT minDateChanged();
 }
 
 bool TDateTimePickerOxa::EmptyDate() const
@@ -117,8 +121,11 @@ bool TDateTimePickerOxa::MsgSetDateTime(TDateTime value)
         return false;
     }
     const QScopedValueRollback guard(m_settingDate, true);
+    const bool sameDayOtherTime = day == date() && TimeOf(value) != FTimeOfDay;
     FTimeOfDay = TimeOf(value);
     setDate(day);
+    if (sameDayOtherTime) // Qt's date edit sees no change
+        Q_EMIT valueChanged();
     return true;
 }
 
@@ -148,8 +155,11 @@ bool TDateTimePickerOxa::HoldsFocus() const
 
 void TDateTimePickerOxa::SetFormatField(const QString &format)
 {
+    const bool changed = format != FFormat;
     FFormat = format;
     ApplyFormat();
+    if (changed)
+        Q_EMIT formatChanged();
 }
 
 // Shows FFormat: a blank format keeps the last real display format and shows

@@ -27,16 +27,16 @@ namespace oxa {
 class OXA_EXPORT TDateTimePickerOxa : public TFocusColorNavigation<TDateTimePickerOxa, QDateEdit>
 {
     Q_OBJECT
-    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
-    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
-    Q_PROPERTY(double Date READ Date WRITE SetDate)
-    Q_PROPERTY(double DateTime READ DateTime WRITE SetDateTime)
-    Q_PROPERTY(double MinDate READ MinDate WRITE SetMinDate)
-    Q_PROPERTY(QString Format READ Format WRITE SetFormat)
-    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
-    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
-    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
-    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor NOTIFY activeColorChanged)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor NOTIFY defaultColorChanged)
+    Q_PROPERTY(double Date READ Date WRITE SetDate NOTIFY valueChanged USER true)
+    Q_PROPERTY(double DateTime READ DateTime WRITE SetDateTime NOTIFY valueChanged)
+    Q_PROPERTY(double MinDate READ MinDate WRITE SetMinDate NOTIFY minDateChanged)
+    Q_PROPERTY(QString Format READ Format WRITE SetFormat NOTIFY formatChanged)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp NOTIFY focUpChanged)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
 
     using Base = TFocusColorNavigation<TDateTimePickerOxa, QDateEdit>;
 
@@ -75,6 +75,16 @@ public:
     TNotifyEvent OnCloseUp;
 
 Q_SIGNALS:
+    void activeColorChanged();
+    void defaultColorChanged();
+    // The date (and time) changed, by the user or by the host.
+    void valueChanged();
+    void minDateChanged();
+    void formatChanged();
+    void focUpChanged();
+    void focDownChanged();
+    void focLeftChanged();
+    void focRightChanged();
     void changed();
     void closedUp();
 

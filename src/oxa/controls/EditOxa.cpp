@@ -116,6 +116,22 @@ void TEditOxa::DoExit()
     Base::DoExit();
 }
 
+void TEditOxa::SetKorekceTextu(bool on)
+{
+    if (on == FKorekceTextu)
+        return;
+    FKorekceTextu = on;
+    Q_EMIT korekceTextuChanged();
+}
+
+void TEditOxa::SetMapaZnaku(bool on)
+{
+    if (on == fMapaZnaku)
+        return;
+    fMapaZnaku = on;
+    Q_EMIT mapaZnakuChanged();
+}
+
 void TEditOxa::SetPopupMenu(QMenu *menu)
 {
     if (menu == FPopupMenu)
@@ -127,6 +143,7 @@ void TEditOxa::SetPopupMenu(QMenu *menu)
         FOwnMenu = nullptr;
     }
     FPopupMenu = menu;
+    Q_EMIT popupMenuChanged();
 }
 
 void TEditOxa::attachPopupMenu()
@@ -141,6 +158,7 @@ void TEditOxa::attachPopupMenu()
         menu->OnPopup = [this](QObject *sender) { PopUpOnPopUp(sender); };
         FOwnMenu = menu;
         FPopupMenu = menu;
+        Q_EMIT popupMenuChanged();
         return;
     }
     if (qobject_cast<TOxaPopUpMenu *>(FPopupMenu) || FindMenuItem(FPopupMenu, MapaZnakuCaption()))

@@ -25,16 +25,16 @@ namespace oxa {
 class OXA_EXPORT TEditOxa : public TFocusColorNavigation<TEditOxa, QLineEdit>
 {
     Q_OBJECT
-    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
-    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
-    Q_PROPERTY(bool IsFocused READ IsFocused)
-    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
-    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
-    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
-    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
-    Q_PROPERTY(bool KorekceTextu READ KorekceTextu WRITE SetKorekceTextu)
-    Q_PROPERTY(bool MapaZnaku READ MapaZnaku WRITE SetMapaZnaku)
-    Q_PROPERTY(QMenu *PopupMenu READ PopupMenu WRITE SetPopupMenu)
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor NOTIFY activeColorChanged)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor NOTIFY defaultColorChanged)
+    Q_PROPERTY(bool IsFocused READ IsFocused NOTIFY isFocusedChanged)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp NOTIFY focUpChanged)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
+    Q_PROPERTY(bool KorekceTextu READ KorekceTextu WRITE SetKorekceTextu NOTIFY korekceTextuChanged)
+    Q_PROPERTY(bool MapaZnaku READ MapaZnaku WRITE SetMapaZnaku NOTIFY mapaZnakuChanged)
+    Q_PROPERTY(QMenu *PopupMenu READ PopupMenu WRITE SetPopupMenu NOTIFY popupMenuChanged)
 
     using Base = TFocusColorNavigation<TEditOxa, QLineEdit>;
 
@@ -43,9 +43,9 @@ public:
 
 
     bool KorekceTextu() const { return FKorekceTextu; }
-    void SetKorekceTextu(bool on) { FKorekceTextu = on; }
+    void SetKorekceTextu(bool on);
     bool MapaZnaku() const { return fMapaZnaku; }
-    void SetMapaZnaku(bool on) { fMapaZnaku = on; }
+    void SetMapaZnaku(bool on);
 
     // The context menu; the host may set a menu of its own (not owned).
     QMenu *PopupMenu() const { return FPopupMenu; }
@@ -60,6 +60,18 @@ public:
 
     TNotifyEvent OnChange;
     TNotifyEvent OnClick;
+
+Q_SIGNALS:
+    void activeColorChanged();
+    void defaultColorChanged();
+    void isFocusedChanged();
+    void focUpChanged();
+    void focDownChanged();
+    void focLeftChanged();
+    void focRightChanged();
+    void korekceTextuChanged();
+    void mapaZnakuChanged();
+    void popupMenuChanged();
 
 protected:
     // Runs on every change of the text: the correction when KorekceTextu is

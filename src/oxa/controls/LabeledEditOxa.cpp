@@ -33,20 +33,29 @@ void TLabeledEditOxa::SetLabelCaption(const QString &caption)
 {
     if (!FEditLabel)
         return;
+    if (FEditLabel->text() == caption)
+        return;
     FEditLabel->setText(caption);
     placeLabel();
+    Q_EMIT labelCaptionChanged();
 }
 
 void TLabeledEditOxa::SetLabelPosition(TLabelPosition position)
 {
+    if (position == FLabelPosition)
+        return;
     FLabelPosition = position;
     placeLabel();
+    Q_EMIT labelPositionChanged();
 }
 
 void TLabeledEditOxa::SetLabelSpacing(int spacing)
 {
+    if (spacing == FLabelSpacing)
+        return;
     FLabelSpacing = spacing;
     placeLabel();
+    Q_EMIT labelSpacingChanged();
 }
 
 void TLabeledEditOxa::placeLabel()

@@ -22,17 +22,17 @@ namespace oxa {
 class OXA_EXPORT TLabeledEditOxa : public TFocusColorNavigation<TLabeledEditOxa, QLineEdit>
 {
     Q_OBJECT
-    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
-    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
-    Q_PROPERTY(bool IsFocused READ IsFocused)
-    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
-    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
-    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
-    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
-    Q_PROPERTY(QLabel *EditLabel READ EditLabel)
-    Q_PROPERTY(QString LabelCaption READ LabelCaption WRITE SetLabelCaption)
-    Q_PROPERTY(TLabelPosition LabelPosition READ LabelPosition WRITE SetLabelPosition)
-    Q_PROPERTY(int LabelSpacing READ LabelSpacing WRITE SetLabelSpacing)
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor NOTIFY activeColorChanged)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor NOTIFY defaultColorChanged)
+    Q_PROPERTY(bool IsFocused READ IsFocused NOTIFY isFocusedChanged)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp NOTIFY focUpChanged)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
+    Q_PROPERTY(QLabel *EditLabel READ EditLabel CONSTANT)
+    Q_PROPERTY(QString LabelCaption READ LabelCaption WRITE SetLabelCaption NOTIFY labelCaptionChanged)
+    Q_PROPERTY(TLabelPosition LabelPosition READ LabelPosition WRITE SetLabelPosition NOTIFY labelPositionChanged)
+    Q_PROPERTY(int LabelSpacing READ LabelSpacing WRITE SetLabelSpacing NOTIFY labelSpacingChanged)
 
     using Base = TFocusColorNavigation<TLabeledEditOxa, QLineEdit>;
 
@@ -52,6 +52,18 @@ public:
     void SetLabelPosition(TLabelPosition position);
     int LabelSpacing() const { return FLabelSpacing; }
     void SetLabelSpacing(int spacing);
+
+Q_SIGNALS:
+    void activeColorChanged();
+    void defaultColorChanged();
+    void isFocusedChanged();
+    void focUpChanged();
+    void focDownChanged();
+    void focLeftChanged();
+    void focRightChanged();
+    void labelCaptionChanged();
+    void labelPositionChanged();
+    void labelSpacingChanged();
 
 protected:
     void DoEnter() override;

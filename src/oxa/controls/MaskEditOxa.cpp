@@ -96,15 +96,21 @@ QString TMaskEditOxa::ToQtInputMask(const QString &editMask)
 
 void TMaskEditOxa::SetEditMask(const QString &mask)
 {
+    const bool changed = mask != FEditMask;
     FEditMask = mask;
     setInputMask(ToQtInputMask(mask));
+    if (changed)
+        Q_EMIT editMaskChanged();
 }
 
 void TMaskEditOxa::SetIsDateFormat(bool value)
 {
+    const bool changed = value != FDateFormat;
     FDateFormat = value;
     if (FDateFormat && inputMask().isEmpty())
         SetEditMask(DefaultDateMask());
+    if (changed)
+        Q_EMIT isDateFormatChanged();
 }
 
 void TMaskEditOxa::KeyDown(Word &Key, TShiftState Shift)

@@ -29,14 +29,14 @@ namespace oxa {
 class OXA_EXPORT TMaskEditOxa : public TFocusColorNavigation<TMaskEditOxa, QLineEdit>
 {
     Q_OBJECT
-    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
-    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
-    Q_PROPERTY(bool IsDateFormat READ IsDateFormat WRITE SetIsDateFormat)
-    Q_PROPERTY(QString EditMask READ EditMask WRITE SetEditMask)
-    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
-    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
-    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
-    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor NOTIFY activeColorChanged)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor NOTIFY defaultColorChanged)
+    Q_PROPERTY(bool IsDateFormat READ IsDateFormat WRITE SetIsDateFormat NOTIFY isDateFormatChanged)
+    Q_PROPERTY(QString EditMask READ EditMask WRITE SetEditMask NOTIFY editMaskChanged)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp NOTIFY focUpChanged)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
 
     using Base = TFocusColorNavigation<TMaskEditOxa, QLineEdit>;
 
@@ -54,6 +54,16 @@ public:
     static QString DefaultDateMask();
     // The Qt input mask equivalent to a mask in the toolkit's syntax.
     static QString ToQtInputMask(const QString &editMask);
+
+Q_SIGNALS:
+    void activeColorChanged();
+    void defaultColorChanged();
+    void isDateFormatChanged();
+    void editMaskChanged();
+    void focUpChanged();
+    void focDownChanged();
+    void focLeftChanged();
+    void focRightChanged();
 
 protected:
     void KeyDown(Word &Key, TShiftState Shift) override;

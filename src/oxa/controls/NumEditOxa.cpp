@@ -205,12 +205,25 @@ void TNumEditOxa::SetAligment(TAlignment value)
         return;
     fAligment = value;
     setAlignment(horizontalAlignment(value) | Qt::AlignVCenter);
+    Q_EMIT aligmentChanged();
 }
 
 void TNumEditOxa::SetDigits(int value)
 {
-    fDigits = std::clamp(value, 0, MaxDigits);
+    const int digits = std::clamp(value, 0, MaxDigits);
+    const bool changed = digits != fDigits;
+    fDigits = digits;
     Refresh();
+    if (changed)
+        Q_EMIT digitsChanged();
+}
+
+void TNumEditOxa::SetNumType(TNumType value)
+{
+    if (value == fNumType)
+        return;
+    fNumType = value;
+    Q_EMIT numTypeChanged();
 }
 
 QString TNumEditOxa::GetText() const

@@ -63,9 +63,9 @@ OXA_EXPORT void SetDecimalSeparator(QChar separator);
 class OXA_EXPORT TNumEditOxa : public TEditOxa
 {
     Q_OBJECT
-    Q_PROPERTY(TAlignment Aligment READ Aligment WRITE SetAligment)
-    Q_PROPERTY(int Digits READ Digits WRITE SetDigits)
-    Q_PROPERTY(TNumType NumType READ NumType WRITE SetNumType)
+    Q_PROPERTY(TAlignment Aligment READ Aligment WRITE SetAligment NOTIFY aligmentChanged)
+    Q_PROPERTY(int Digits READ Digits WRITE SetDigits NOTIFY digitsChanged)
+    Q_PROPERTY(TNumType NumType READ NumType WRITE SetNumType NOTIFY numTypeChanged)
 
 public:
     enum TNumType { ntNone, ntInteger, ntCardinal, ntDouble, ntCurrency };
@@ -85,7 +85,7 @@ public:
     void SetDigits(int value);
     TNumType NumType() const { return fNumType; }
     // Stored only: the text is rewritten at the next entry or exit.
-    void SetNumType(TNumType value) { fNumType = value; }
+    void SetNumType(TNumType value);
 
     // The text, with "0" for an empty text or a lone minus.
     QString GetText() const;
@@ -110,6 +110,11 @@ public:
     void PasteFromClipboard();
 
     void PopUpOnItemClick(QObject *Sender, TItemTyp Item, QChar Key) override;
+
+Q_SIGNALS:
+    void aligmentChanged();
+    void digitsChanged();
+    void numTypeChanged();
 
 protected:
     void KeyDown(Word &Key, TShiftState Shift) override;

@@ -48,15 +48,21 @@ TOxaEditCis::~TOxaEditCis()
 
 void TOxaEditCis::SetShortCut(TShortCut value)
 {
+    const bool changed = value != FShortCut;
     FShortCut = value;
     SetBtnHint(FBtnHint);
+    if (changed)
+        Q_EMIT shortCutChanged();
 }
 
 void TOxaEditCis::SetBtnHint(const QString &hint)
 {
+    const bool changed = hint != FBtnHint;
     FBtnHint = hint;
     if (FButton)
         FButton->setToolTip(hint + QLatin1Char(' ') + ShortCutToText(FShortCut));
+    if (changed)
+        Q_EMIT btnHintChanged();
 }
 
 void TOxaEditCis::SetSecondEdit(QWidget *edit)
@@ -64,16 +70,21 @@ void TOxaEditCis::SetSecondEdit(QWidget *edit)
     if (edit && !hasWritableText(edit))
         throw EInvalidOperation(QStringLiteral("Ovládací prvek %1 nemá text, který by šlo nastavit")
                                     .arg(QString::fromLatin1(edit->metaObject()->className())));
+    const bool changed = edit != FSecondEdit;
     FSecondEdit = edit;
     if (edit)
         FreeNotification(edit);
+    if (changed)
+        Q_EMIT secondEditChanged();
 }
 
 void TOxaEditCis::Notification(QObject *component, TOperation operation)
 {
     TEditOxa::Notification(component, operation);
-    if (operation == opRemove && component == FSecondEdit)
+    if (operation == opRemove && component == FSecondEdit) {
         FSecondEdit = nullptr;
+        Q_EMIT secondEditChanged();
+    }
 }
 
 void TOxaEditCis::DoClick()

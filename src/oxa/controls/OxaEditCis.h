@@ -33,9 +33,9 @@ using TOxaEditBtnClick2 =
 class OXA_EXPORT TOxaEditCis : public TEditOxa
 {
     Q_OBJECT
-    Q_PROPERTY(ushort ShortCut READ ShortCut WRITE SetShortCut)
-    Q_PROPERTY(QString BtnHint READ BtnHint WRITE SetBtnHint)
-    Q_PROPERTY(QWidget *SecondEdit READ SecondEdit WRITE SetSecondEdit)
+    Q_PROPERTY(ushort ShortCut READ ShortCut WRITE SetShortCut NOTIFY shortCutChanged)
+    Q_PROPERTY(QString BtnHint READ BtnHint WRITE SetBtnHint NOTIFY btnHintChanged)
+    Q_PROPERTY(QWidget *SecondEdit READ SecondEdit WRITE SetSecondEdit NOTIFY secondEditChanged)
 
 public:
     explicit TOxaEditCis(QWidget *parent = nullptr);
@@ -61,6 +61,11 @@ public:
 
     TOxaEditBtnClick OnBtnClick;
     TOxaEditBtnClick2 OnBtnClick2;
+
+Q_SIGNALS:
+    void shortCutChanged();
+    void btnHintChanged();
+    void secondEditChanged();
 
 protected:
     // The click handler of the button.

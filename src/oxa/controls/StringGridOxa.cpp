@@ -13,32 +13,47 @@ TStringGridOxa::TStringGridOxa(QWidget *parent)
 
 void TStringGridOxa::SetCantSelectColor(TColor Value)
 {
+    if (Value == FCantSelectColor)
+        return;
     FCantSelectColor = Value;
     InvalidateGrid();
+    Q_EMIT cantSelectColorChanged();
 }
 
 void TStringGridOxa::SetActiveColor(TColor Value)
 {
+    if (Value == FActiveColor)
+        return;
     FActiveColor = Value;
     InvalidateGrid();
+    Q_EMIT activeColorChanged();
 }
 
 void TStringGridOxa::SetDefaultColor(TColor Value)
 {
+    if (Value == FDefaultColor)
+        return;
     FDefaultColor = Value;
     InvalidateGrid();
+    Q_EMIT defaultColorChanged();
 }
 
 void TStringGridOxa::SetDeactiveTextColor(TColor Value)
 {
+    if (Value == FDeactiveTextColor)
+        return;
     FDeactiveTextColor = Value;
     InvalidateGrid();
+    Q_EMIT deactiveTextColorChanged();
 }
 
 void TStringGridOxa::SetDeactiveColor(TColor Value)
 {
+    if (Value == FDeactiveColor)
+        return;
     FDeactiveColor = Value;
     InvalidateGrid();
+    Q_EMIT deactiveColorChanged();
 }
 
 QColor TStringGridOxa::Resolve(TColor color) const

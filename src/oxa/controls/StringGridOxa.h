@@ -23,15 +23,15 @@ namespace oxa {
 class OXA_EXPORT TStringGridOxa : public TFocusNavigation<TStringGridOxa, TStringGrid>
 {
     Q_OBJECT
-    Q_PROPERTY(uint CantSelectColor READ CantSelectColor WRITE SetCantSelectColor)
-    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
-    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
-    Q_PROPERTY(uint DeactiveTextColor READ DeactiveTextColor WRITE SetDeactiveTextColor)
-    Q_PROPERTY(uint DeactiveColor READ DeactiveColor WRITE SetDeactiveColor)
-    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
-    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
-    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
-    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+    Q_PROPERTY(uint CantSelectColor READ CantSelectColor WRITE SetCantSelectColor NOTIFY cantSelectColorChanged)
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor NOTIFY activeColorChanged)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor NOTIFY defaultColorChanged)
+    Q_PROPERTY(uint DeactiveTextColor READ DeactiveTextColor WRITE SetDeactiveTextColor NOTIFY deactiveTextColorChanged)
+    Q_PROPERTY(uint DeactiveColor READ DeactiveColor WRITE SetDeactiveColor NOTIFY deactiveColorChanged)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp NOTIFY focUpChanged)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
 
 public:
     using TCanSelectCellEvent = std::function<void(int ACol, int ARow, bool &CanSelect)>;
@@ -53,6 +53,17 @@ public:
     // drawing of every unselected cell (refused cells get CantSelectColor).
     TCanSelectCellEvent CanSelectCell;
     TDrawCellEvent BeforeDrawCell;
+
+Q_SIGNALS:
+    void cantSelectColorChanged();
+    void activeColorChanged();
+    void defaultColorChanged();
+    void deactiveTextColorChanged();
+    void deactiveColorChanged();
+    void focUpChanged();
+    void focDownChanged();
+    void focLeftChanged();
+    void focRightChanged();
 
 protected:
     void DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State) override;

@@ -310,14 +310,20 @@ public:
 class OXA_EXPORT TXLSfile : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(QString FileName READ FileName WRITE SetFileName)
+    Q_PROPERTY(QString FileName READ FileName WRITE SetFileName NOTIFY fileNameChanged)
 
 public:
     explicit TXLSfile(QObject *owner = nullptr);
     ~TXLSfile() override;
 
     QString FileName() const { return FFileName; }
-    void SetFileName(const QString &value) { FFileName = value; }
+    void SetFileName(const QString &value)
+    {
+        if (value == FFileName)
+            return;
+        FFileName = value;
+        Q_EMIT fileNameChanged();
+    }
 
     // Removes every cell and starts again with the header, code page and
     // dimensions records.
@@ -343,6 +349,9 @@ public:
     TBOF *BOF() const { return FBOF; }
     TCodePage *CodePage() const { return FCodePage; }
     TDimension *Dimension() const { return FDimension; }
+
+Q_SIGNALS:
+    void fileNameChanged();
 
 private:
     template<class T>

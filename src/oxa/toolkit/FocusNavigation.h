@@ -44,8 +44,10 @@ public:
     // when it is destroyed.
     void SetFoc(int index, QWidget *control)
     {
-        if (index >= fdUp && index <= fdRight)
+        if (index >= fdUp && index <= fdRight && m_foc[index - 1] != control) {
             m_foc[index - 1] = control;
+            NotifyFocChanged(TFocusDirection(index));
+        }
         if (control)
             this->FreeNotification(control);
     }
@@ -98,13 +100,21 @@ protected:
         Base::Notification(component, operation);
         if (operation != opRemove)
             return;
-        for (QWidget *&neighbour : m_foc) {
-            if (neighbour == component)
-                neighbour = nullptr;
+        for (int d = fdUp; d <= fdRight; ++d) {
+            if (m_foc[d - 1] == component) {
+                m_foc[d - 1] = nullptr;
+                NotifyFocChanged(TFocusDirection(d));
+            }
         }
     }
 
 private:
+    void NotifyFocChanged(TFocusDirection direction)
+    {
+        static const char *const names[] = {"FocUp", "FocDown", "FocLeft", "FocRight"};
+        NotifyPropertyChanged(this, names[direction - 1]);
+    }
+
     QWidget *m_foc[4] = {nullptr, nullptr, nullptr, nullptr};
 };
 
@@ -128,22 +138,22 @@ public:
 
     TColor ActiveColor() const { return m_activeColor; }
     // Takes effect at the next entry, as the colour is painted only then.
-    void SetActiveColor(TColor color) { m_activeColor = color; }
+    void SetActiveColor(TColor color) { SetNotified(m_activeColor, color, "ActiveColor"); }
     TColor DefaultColor() const { return m_defaultColor; }
-    void SetDefaultColor(TColor color) { m_defaultColor = color; }
+    void SetDefaultColor(TColor color) { SetNotified(m_defaultColor, color, "DefaultColor"); }
     bool IsFocused() const { return m_isFocused; }
 
 protected:
     // Entry: IsFocused and the active colour.
     void ShowActiveColor()
     {
-        m_isFocused = true;
+        SetNotified(m_isFocused, true, "IsFocused");
         this->SetColor(m_activeColor);
     }
     // Exit: IsFocused cleared and the default colour.
     void ShowDefaultColor()
     {
-        m_isFocused = false;
+        SetNotified(m_isFocused, false, "IsFocused");
         this->SetColor(m_defaultColor);
     }
     // Loaded of most members: a colour stored with the form gives way to
@@ -151,6 +161,15 @@ protected:
     void ResetToDefaultColor() { this->SetColor(m_defaultColor); }
 
 private:
+    template <class T>
+    void SetNotified(T &field, T value, const char *property)
+    {
+        if (field == value)
+            return;
+        field = value;
+        NotifyPropertyChanged(this, property);
+    }
+
     TColor m_activeColor = clYellow;
     TColor m_defaultColor = clWindow;
     bool m_isFocused = false;

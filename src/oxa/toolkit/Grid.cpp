@@ -85,6 +85,7 @@ void TCustomGrid::SetColCount(int Value)
     if (Value <= d->cols.fixed)
         SetFixedCols(Value - 1);
     const int oldCols = d->cols.count;
+    const auto before = d->position();
     HideEditor();
     d->cols.resize(Value);
     d->tabStops.resize(Value, true);
@@ -92,6 +93,8 @@ void TCustomGrid::SetColCount(int Value)
     SizeChanged(oldCols, d->rows.count);
     d->updateScrollBars();
     InvalidateGrid();
+    Q_EMIT colCountChanged();
+    d->notifyMoved(before);
 }
 
 void TCustomGrid::SetRowCount(int Value)
@@ -102,12 +105,15 @@ void TCustomGrid::SetRowCount(int Value)
     if (Value <= d->rows.fixed)
         SetFixedRows(Value - 1);
     const int oldRows = d->rows.count;
+    const auto before = d->position();
     HideEditor();
     d->rows.resize(Value);
     d->clampCellsToSize();
     SizeChanged(d->cols.count, oldRows);
     d->updateScrollBars();
     InvalidateGrid();
+    Q_EMIT rowCountChanged();
+    d->notifyMoved(before);
 }
 
 void TCustomGrid::SetFixedCols(int Value)
@@ -115,11 +121,16 @@ void TCustomGrid::SetFixedCols(int Value)
     if (Value < 0 || Value >= d->cols.count)
         throw EInvalidGridOperation(
             QStringLiteral("Počet pevných sloupců musí být menší než počet sloupců"));
+    const auto before = d->position();
+    const bool changed = Value != d->cols.fixed;
     HideEditor();
     d->cols.fixed = Value;
     d->resetCurrent();
     d->updateScrollBars();
     InvalidateGrid();
+    if (changed)
+        Q_EMIT fixedColsChanged();
+    d->notifyMoved(before);
 }
 
 void TCustomGrid::SetFixedRows(int Value)
@@ -127,11 +138,16 @@ void TCustomGrid::SetFixedRows(int Value)
     if (Value < 0 || Value >= d->rows.count)
         throw EInvalidGridOperation(
             QStringLiteral("Počet pevných řádků musí být menší než počet řádků"));
+    const auto before = d->position();
+    const bool changed = Value != d->rows.fixed;
     HideEditor();
     d->rows.fixed = Value;
     d->resetCurrent();
     d->updateScrollBars();
     InvalidateGrid();
+    if (changed)
+        Q_EMIT fixedRowsChanged();
+    d->notifyMoved(before);
 }
 
 int TCustomGrid::DefaultColWidth() const { return d->cols.defaultSize; }
@@ -139,16 +155,22 @@ int TCustomGrid::DefaultRowHeight() const { return d->rows.defaultSize; }
 
 void TCustomGrid::SetDefaultColWidth(int Value)
 {
+    const bool changed = std::max(0, Value) != d->cols.defaultSize;
     d->cols.defaultSize = std::max(0, Value);
     d->cols.sizes.fill(d->cols.defaultSize);
     ColWidthsChanged();
+    if (changed)
+        Q_EMIT defaultColWidthChanged();
 }
 
 void TCustomGrid::SetDefaultRowHeight(int Value)
 {
+    const bool changed = std::max(0, Value) != d->rows.defaultSize;
     d->rows.defaultSize = std::max(0, Value);
     d->rows.sizes.fill(d->rows.defaultSize);
     RowHeightsChanged();
+    if (changed)
+        Q_EMIT defaultRowHeightChanged();
 }
 
 int TCustomGrid::ColWidths(int ACol) const
@@ -213,14 +235,18 @@ void TCustomGrid::SetGridLineWidth(int Value)
     d->gridLineWidth = Value;
     d->applyLineWidths();
     ColWidthsChanged();
+    Q_EMIT gridLineWidthChanged();
 }
 
 TColor TCustomGrid::FixedColor() const { return d->fixedColor; }
 
 void TCustomGrid::SetFixedColor(TColor Value)
 {
+    if (Value == d->fixedColor)
+        return;
     d->fixedColor = Value;
     InvalidateGrid();
+    Q_EMIT fixedColorChanged();
 }
 
 TGridOptions TCustomGrid::Options() const { return d->options; }
@@ -241,15 +267,19 @@ void TCustomGrid::SetOptions(TGridOptions Value)
     InvalidateGrid();
     if (Value.testFlag(goEditing) && Value.testFlag(goAlwaysShowEditor) && Entered())
         ShowEditor();
+    Q_EMIT optionsChanged();
 }
 
 TScrollStyle TCustomGrid::ScrollBars() const { return d->scrollBars; }
 
 void TCustomGrid::SetScrollBars(TScrollStyle Value)
 {
+    if (Value == d->scrollBars)
+        return;
     d->scrollBars = Value;
     ApplyScrollBarPolicies();
     d->updateScrollBars();
+    Q_EMIT scrollBarsChanged();
 }
 
 void TCustomGrid::ApplyScrollBarPolicies()
@@ -264,8 +294,11 @@ bool TCustomGrid::DefaultDrawing() const { return d->defaultDrawing; }
 
 void TCustomGrid::SetDefaultDrawing(bool Value)
 {
+    if (Value == d->defaultDrawing)
+        return;
     d->defaultDrawing = Value;
     InvalidateGrid();
+    Q_EMIT defaultDrawingChanged();
 }
 
 // --- current cell, scrolling, selection ---------------------------------------
@@ -311,12 +344,13 @@ void TCustomGrid::SetSelection(const TGridRect &Value)
     sel.Top = std::clamp(sel.Top, d->rows.fixed, d->rows.count - 1);
     sel.Bottom = std::clamp(sel.Bottom, d->rows.fixed, d->rows.count - 1);
     const TGridRect oldSel = d->selection();
-    const TGridCoord oldCurrent = d->current;
-    if (sel.BottomRight() != oldCurrent)
+    const auto before = d->position();
+    if (sel.BottomRight() != before.current)
         HideEditor();
     d->anchor = sel.TopLeft();
     d->current = sel.BottomRight();
-    SelectionMoved(oldSel, oldCurrent);
+    SelectionMoved(oldSel, before.current);
+    d->notifyMoved(before);
 }
 
 void TCustomGrid::MoveColRow(int ACol, int ARow, bool MoveAnchor, bool Show)
@@ -325,15 +359,16 @@ void TCustomGrid::MoveColRow(int ACol, int ARow, bool MoveAnchor, bool Show)
     if (!SelectCell(ACol, ARow))
         return;
     const TGridRect oldSel = d->selection();
-    const TGridCoord oldCurrent = d->current;
-    if (!d->options.testFlag(goAlwaysShowEditor) || TGridCoord{ACol, ARow} != oldCurrent)
+    const auto before = d->position();
+    if (!d->options.testFlag(goAlwaysShowEditor) || TGridCoord{ACol, ARow} != before.current)
         HideEditor();
     d->current = {ACol, ARow};
     if (MoveAnchor || !d->options.testFlag(goRangeSelect))
         d->anchor = d->current;
     if (Show)
         ClampInView(ACol, ARow);
-    SelectionMoved(oldSel, oldCurrent);
+    SelectionMoved(oldSel, before.current);
+    d->notifyMoved({before.current, d->cols.first, d->rows.first}); // the view notified itself
     if (d->options.testFlag(goAlwaysShowEditor) && !d->editorMode && Entered())
         ShowEditor();
 }
@@ -369,12 +404,14 @@ void TCustomGrid::MoveTopLeft(int ALeft, int ATop)
     ATop = std::clamp(ATop, d->rows.fixed, d->rows.count - 1);
     if (ALeft == d->cols.first && ATop == d->rows.first)
         return;
+    const auto before = d->position();
     d->cols.first = ALeft;
     d->rows.first = ATop;
     d->updateScrollBars();
     d->placeEditor();
     viewport()->update();
     TopLeftChanged();
+    d->notifyMoved(before);
 }
 
 void TCustomGrid::SelectionMoved(const TGridRect &OldSel, TGridCoord OldCurrent)
@@ -492,10 +529,12 @@ void TCustomGrid::MoveColumn(int FromIndex, int ToIndex)
     HideEditor();
     d->cols.sizes.move(FromIndex, ToIndex);
     d->tabStops.move(FromIndex, ToIndex);
+    const auto before = d->position();
     d->current.X = std::max(d->cols.fixed, MovedIndex(d->current.X, FromIndex, ToIndex));
     d->anchor.X = std::max(d->cols.fixed, MovedIndex(d->anchor.X, FromIndex, ToIndex));
     ColumnMoved(FromIndex, ToIndex);
     ColWidthsChanged();
+    d->notifyMoved(before);
 }
 
 void TCustomGrid::MoveRow(int FromIndex, int ToIndex)
@@ -506,10 +545,12 @@ void TCustomGrid::MoveRow(int FromIndex, int ToIndex)
         return;
     HideEditor();
     d->rows.sizes.move(FromIndex, ToIndex);
+    const auto before = d->position();
     d->current.Y = std::max(d->rows.fixed, MovedIndex(d->current.Y, FromIndex, ToIndex));
     d->anchor.Y = std::max(d->rows.fixed, MovedIndex(d->anchor.Y, FromIndex, ToIndex));
     RowMoved(FromIndex, ToIndex);
     RowHeightsChanged();
+    d->notifyMoved(before);
 }
 
 void TCustomGrid::ColumnMoved(int FromIndex, int ToIndex)

@@ -134,21 +134,21 @@ class TCustomGridPrivate;
 class OXA_EXPORT TCustomGrid : public TWinControl<QAbstractScrollArea>
 {
     Q_OBJECT
-    Q_PROPERTY(int ColCount READ ColCount WRITE SetColCount)
-    Q_PROPERTY(int RowCount READ RowCount WRITE SetRowCount)
-    Q_PROPERTY(int FixedCols READ FixedCols WRITE SetFixedCols)
-    Q_PROPERTY(int FixedRows READ FixedRows WRITE SetFixedRows)
-    Q_PROPERTY(int DefaultColWidth READ DefaultColWidth WRITE SetDefaultColWidth)
-    Q_PROPERTY(int DefaultRowHeight READ DefaultRowHeight WRITE SetDefaultRowHeight)
-    Q_PROPERTY(int GridLineWidth READ GridLineWidth WRITE SetGridLineWidth)
-    Q_PROPERTY(uint FixedColor READ FixedColor WRITE SetFixedColor)
-    Q_PROPERTY(oxa::TGridOptions Options READ Options WRITE SetOptions)
-    Q_PROPERTY(oxa::TScrollStyle ScrollBars READ ScrollBars WRITE SetScrollBars)
-    Q_PROPERTY(bool DefaultDrawing READ DefaultDrawing WRITE SetDefaultDrawing)
-    Q_PROPERTY(int Col READ Col WRITE SetCol DESIGNABLE false STORED false)
-    Q_PROPERTY(int Row READ Row WRITE SetRow DESIGNABLE false STORED false)
-    Q_PROPERTY(int LeftCol READ LeftCol WRITE SetLeftCol DESIGNABLE false STORED false)
-    Q_PROPERTY(int TopRow READ TopRow WRITE SetTopRow DESIGNABLE false STORED false)
+    Q_PROPERTY(int ColCount READ ColCount WRITE SetColCount NOTIFY colCountChanged)
+    Q_PROPERTY(int RowCount READ RowCount WRITE SetRowCount NOTIFY rowCountChanged)
+    Q_PROPERTY(int FixedCols READ FixedCols WRITE SetFixedCols NOTIFY fixedColsChanged)
+    Q_PROPERTY(int FixedRows READ FixedRows WRITE SetFixedRows NOTIFY fixedRowsChanged)
+    Q_PROPERTY(int DefaultColWidth READ DefaultColWidth WRITE SetDefaultColWidth NOTIFY defaultColWidthChanged)
+    Q_PROPERTY(int DefaultRowHeight READ DefaultRowHeight WRITE SetDefaultRowHeight NOTIFY defaultRowHeightChanged)
+    Q_PROPERTY(int GridLineWidth READ GridLineWidth WRITE SetGridLineWidth NOTIFY gridLineWidthChanged)
+    Q_PROPERTY(uint FixedColor READ FixedColor WRITE SetFixedColor NOTIFY fixedColorChanged)
+    Q_PROPERTY(oxa::TGridOptions Options READ Options WRITE SetOptions NOTIFY optionsChanged)
+    Q_PROPERTY(oxa::TScrollStyle ScrollBars READ ScrollBars WRITE SetScrollBars NOTIFY scrollBarsChanged)
+    Q_PROPERTY(bool DefaultDrawing READ DefaultDrawing WRITE SetDefaultDrawing NOTIFY defaultDrawingChanged)
+    Q_PROPERTY(int Col READ Col WRITE SetCol NOTIFY colChanged DESIGNABLE false STORED false)
+    Q_PROPERTY(int Row READ Row WRITE SetRow NOTIFY rowChanged DESIGNABLE false STORED false)
+    Q_PROPERTY(int LeftCol READ LeftCol WRITE SetLeftCol NOTIFY leftColChanged DESIGNABLE false STORED false)
+    Q_PROPERTY(int TopRow READ TopRow WRITE SetTopRow NOTIFY topRowChanged DESIGNABLE false STORED false)
 
 public:
     explicit TCustomGrid(QWidget *parent = nullptr);
@@ -272,6 +272,21 @@ public:
     TNotifyEvent OnMouseLeave;
 
 Q_SIGNALS:
+    void colCountChanged();
+    void rowCountChanged();
+    void fixedColsChanged();
+    void fixedRowsChanged();
+    void defaultColWidthChanged();
+    void defaultRowHeightChanged();
+    void gridLineWidthChanged();
+    void fixedColorChanged();
+    void optionsChanged();
+    void scrollBarsChanged();
+    void defaultDrawingChanged();
+    void colChanged();
+    void rowChanged();
+    void leftColChanged();
+    void topRowChanged();
     // The same notifications as OnClick, OnDblClick and OnTopLeftChanged.
     void clicked();
     void doubleClicked();

@@ -289,6 +289,27 @@ public:
         bar->setTracking(options.testFlag(goThumbTracking));
     }
 
+    // The current cell and the top-left cell shown, to tell afterwards
+    // which of Col, Row, LeftCol and TopRow changed.
+    struct Position
+    {
+        TGridCoord current;
+        int left;
+        int top;
+    };
+    Position position() const { return {current, cols.first, rows.first}; }
+    void notifyMoved(const Position &before)
+    {
+        if (current.X != before.current.X)
+            Q_EMIT q->colChanged();
+        if (current.Y != before.current.Y)
+            Q_EMIT q->rowChanged();
+        if (cols.first != before.left)
+            Q_EMIT q->leftColChanged();
+        if (rows.first != before.top)
+            Q_EMIT q->topRowChanged();
+    }
+
     void resetCurrent()
     {
         cols.first = cols.fixed;

@@ -1,5 +1,8 @@
 #include "oxa/toolkit/WinControl.h"
 
+#include <QMetaMethod>
+#include <QMetaProperty>
+
 #include "oxa/toolkit/Exceptions.h"
 
 namespace oxa {
@@ -27,6 +30,17 @@ bool IsControlFocusChange(const QFocusEvent *event)
 {
     return event->reason() != Qt::ActiveWindowFocusReason
         && event->reason() != Qt::PopupFocusReason;
+}
+
+void NotifyPropertyChanged(QObject *object, const char *property)
+{
+    const QMetaObject *meta = object->metaObject();
+    const int index = meta->indexOfProperty(property);
+    if (index < 0)
+        return;
+    const QMetaMethod signal = meta->property(index).notifySignal();
+    if (signal.isValid() && signal.parameterCount() == 0)
+        signal.invoke(object, Qt::DirectConnection);
 }
 
 } // namespace oxa

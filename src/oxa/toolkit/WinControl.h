@@ -32,6 +32,11 @@ OXA_EXPORT QString CannotFocusMessage();
 // popup, which leave the active control of the form as it was.
 OXA_EXPORT bool IsControlFocusChange(const QFocusEvent *event);
 
+// Emits the NOTIFY signal of object's property, when it has one: how code
+// shared by several classes (the focus navigation templates) announces a
+// change that each class declares as its own signal.
+OXA_EXPORT void NotifyPropertyChanged(QObject *object, const char *property);
+
 // The handler types of the toolkit's events.
 using TNotifyEvent = std::function<void(QObject *sender)>;
 using TKeyEvent = std::function<void(QObject *sender, Word &key, TShiftState shift)>;

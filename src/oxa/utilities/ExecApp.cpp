@@ -290,12 +290,14 @@ void TExecApplication::Execute()
     fWatchers.append(watcher);
     connect(watcher, &QThread::finished, this, [this, watcher] { watcherFinished(watcher); });
     FIsRunning = true;
+    Q_EMIT isRunnigChanged();
     watcher->Start();
 }
 
 void TExecApplication::DoApplicationEnd(QObject *)
 {
     FIsRunning = false;
+    Q_EMIT isRunnigChanged();
     if (OnApplicationEnd)
         OnApplicationEnd(this);
 }

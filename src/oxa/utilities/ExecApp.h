@@ -55,9 +55,9 @@ private:
 class OXA_EXPORT TExecApplication : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(QString ApplicationName READ ApplicationName WRITE SetApplicationName)
-    Q_PROPERTY(TWindowState WindowState READ WindowState WRITE SetWindowState)
-    Q_PROPERTY(bool IsRunnig READ IsRunnig)
+    Q_PROPERTY(QString ApplicationName READ ApplicationName WRITE SetApplicationName NOTIFY applicationNameChanged)
+    Q_PROPERTY(TWindowState WindowState READ WindowState WRITE SetWindowState NOTIFY windowStateChanged)
+    Q_PROPERTY(bool IsRunnig READ IsRunnig NOTIFY isRunnigChanged)
 
 public:
     enum TWindowState { wsNormal, wsMinimized, wsMaximized };
@@ -67,9 +67,21 @@ public:
     ~TExecApplication() override;
 
     QString ApplicationName() const { return FApplicationName; }
-    void SetApplicationName(const QString &value) { FApplicationName = value; }
+    void SetApplicationName(const QString &value)
+    {
+        if (value == FApplicationName)
+            return;
+        FApplicationName = value;
+        Q_EMIT applicationNameChanged();
+    }
     TWindowState WindowState() const { return FWindowState; }
-    void SetWindowState(TWindowState value) { FWindowState = value; }
+    void SetWindowState(TWindowState value)
+    {
+        if (value == FWindowState)
+            return;
+        FWindowState = value;
+        Q_EMIT windowStateChanged();
+    }
     bool IsRunnig() const { return FIsRunning; }
 
     void Execute();
@@ -80,6 +92,11 @@ public:
 
     // Watchers of all launchers that have not freed themselves yet.
     static int WatcherCount();
+
+Q_SIGNALS:
+    void applicationNameChanged();
+    void windowStateChanged();
+    void isRunnigChanged();
 
 private:
     void watcherFinished(TExecThread *watcher);
