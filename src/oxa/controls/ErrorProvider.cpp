@@ -2,6 +2,7 @@
 
 #include "oxa/toolkit/Catalogue.h"
 #include "oxa/toolkit/MessageService.h"
+#include "oxa/toolkit/OwnerFollower.h"
 
 #include <QEvent>
 #include <QMouseEvent>
@@ -86,26 +87,20 @@ void TErrorImage::Attach(QWidget *control, TJustifyType justify)
     fControl = control;
     fControlKey = control;
     fJustify = justify;
-    FollowControl();
+    delete fFollower;
+    fFollower = new TOwnerFollower(control, this, [this] { PlaceBesideControl(); });
+    fFollower->SetShowCondition([this] { return fShown; });
 }
 
-void TErrorImage::FollowControl()
-{
-    QWidget *controlParent = fControl ? fControl->parentWidget() : nullptr;
-    if (parentWidget() != controlParent)
-        setParent(controlParent); // hides the mark; ApplyVisibility shows it again
-    PlaceBesideControl();
-    if (controlParent)
-        raise();
-    ApplyVisibility();
-}
-
+// Beside the control by the justification, above its neighbours.
 void TErrorImage::PlaceBesideControl()
 {
     if (!fControl)
         return;
     const QRect geometry = fControl->geometry();
     move(markLeft(geometry, fJustify), markTop(geometry, fJustify));
+    if (parentWidget())
+        raise();
 }
 
 void TErrorImage::SetShown(bool shown)
@@ -116,9 +111,8 @@ void TErrorImage::SetShown(bool shown)
 
 void TErrorImage::ApplyVisibility()
 {
-    // A mark without a parent would become a window of its own: keep it hidden.
-    const bool onForm = parentWidget() && fControl && !fControl->isHidden();
-    setVisible(fShown && onForm);
+    if (fFollower)
+        fFollower->UpdateVisibility();
 }
 
 // ------------------------------------------------------------- TErrorProvider
@@ -178,7 +172,8 @@ TErrorImage *TErrorProvider::CreateImage(QWidget *aControl, const QString &aErro
     image->Attach(aControl, aJustify);
     connect(image, &TErrorImage::DblClick, this, &TErrorProvider::OnDblClick);
     connect(image, &QObject::destroyed, this, &TErrorProvider::ImageDestroyed);
-    WatchControl(aControl);
+    connect(aControl, &QObject::destroyed, this, &TErrorProvider::ControlDestroyed,
+            Qt::UniqueConnection);
     return image;
 }
 
@@ -215,7 +210,7 @@ void TErrorProvider::FreeImage(TErrorImage *image)
     image->hide();
     delete image;
     if (control && !IsMarked(control))
-        UnwatchControl(control);
+        disconnect(control, &QObject::destroyed, this, &TErrorProvider::ControlDestroyed);
 }
 
 void TErrorProvider::BeginUpdate()
@@ -300,19 +295,6 @@ qsizetype TErrorProvider::IndexOf(const TMarkList &list, const QString &name)
 
 // --- following the marked controls
 
-void TErrorProvider::WatchControl(QWidget *control)
-{
-    control->installEventFilter(this);
-    connect(control, &QObject::destroyed, this, &TErrorProvider::ControlDestroyed,
-            Qt::UniqueConnection);
-}
-
-void TErrorProvider::UnwatchControl(QWidget *control)
-{
-    control->removeEventFilter(this);
-    disconnect(control, &QObject::destroyed, this, &TErrorProvider::ControlDestroyed);
-}
-
 bool TErrorProvider::IsMarked(const QObject *control) const
 {
     for (const TMarkEntry &mark : fErrorList) {
@@ -320,21 +302,6 @@ bool TErrorProvider::IsMarked(const QObject *control) const
             return true;
     }
     return false;
-}
-
-bool TErrorProvider::eventFilter(QObject *watched, QEvent *event)
-{
-    const QEvent::Type type = event->type();
-    const bool follows = type == QEvent::Move || type == QEvent::Resize
-                         || type == QEvent::ShowToParent || type == QEvent::HideToParent
-                         || type == QEvent::ParentChange;
-    if (follows) {
-        for (const TMarkEntry &mark : fErrorList) {
-            if (mark.Image->fControlKey == watched)
-                mark.Image->FollowControl();
-        }
-    }
-    return QObject::eventFilter(watched, event);
 }
 
 void TErrorProvider::ControlDestroyed(QObject *control)

@@ -13,6 +13,8 @@ class QTimer;
 
 namespace oxa {
 
+class TOwnerFollower;
+
 // The kind of a mark; a lower value is more serious.
 enum TErrorType { etError, etWarning, etInformation, etConfirmation };
 
@@ -49,9 +51,9 @@ protected:
 private:
     friend class TErrorProvider;
 
+    // Stands beside control from now on: its parent, its place by the
+    // justification, shown only while the control is not hidden.
     void Attach(QWidget *control, TJustifyType justify);
-    // Follows the control: same parent, position by the justification.
-    void FollowControl();
     void PlaceBesideControl();
     // The mark's own visibility (the blink phase); the mark is on screen only
     // while its control is not hidden as well.
@@ -64,6 +66,7 @@ private:
     const QObject *fControlKey = nullptr;
     TJustifyType fJustify = jtTopRight;
     bool fShown = true;
+    TOwnerFollower *fFollower = nullptr;
 };
 
 // A non-visual component that marks form controls with an error, warning,
@@ -112,7 +115,6 @@ public:
     static QPixmap ErrorBitmap(TErrorType aErrorType);
 
 protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     struct TMarkEntry
@@ -131,8 +133,6 @@ private:
     TErrorImage *CreateImage(QWidget *aControl, const QString &aErrorText, TErrorType aErrorType,
                              TJustifyType aJustify);
     void FreeImage(TErrorImage *image);
-    void WatchControl(QWidget *control);
-    void UnwatchControl(QWidget *control);
     bool IsMarked(const QObject *control) const;
     void RestartTimer();
 

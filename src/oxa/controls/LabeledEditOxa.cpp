@@ -1,8 +1,8 @@
 #include "oxa/controls/LabeledEditOxa.h"
 
 #include "oxa/toolkit/Catalogue.h"
+#include "oxa/toolkit/OwnerFollower.h"
 
-#include <QEvent>
 
 namespace oxa {
 
@@ -12,11 +12,7 @@ TLabeledEditOxa::TLabeledEditOxa(QWidget *parent)
 {
     FEditLabel->setObjectName(QStringLiteral("SubEditLabel"));
     FEditLabel->setBuddy(this);
-    // A label without a parent would be a window of its own: it stays
-    // hidden until the edit is placed on a parent.
-    if (!parent)
-        FEditLabel->hide();
-    placeLabel();
+    new TOwnerFollower(this, FEditLabel, [this] { placeLabel(); }, TOwnerFollower::FollowEnabled);
 }
 
 TLabeledEditOxa::~TLabeledEditOxa()
@@ -75,18 +71,6 @@ void TLabeledEditOxa::placeLabel()
     FEditLabel->move(at);
 }
 
-void TLabeledEditOxa::followParent()
-{
-    if (!FEditLabel)
-        return;
-    QWidget *parent = parentWidget();
-    FEditLabel->setParent(parent);
-    // Shown with the new parent unless the edit itself was hidden.
-    if (parent)
-        FEditLabel->setHidden(isHidden() && testAttribute(Qt::WA_WState_ExplicitShowHide));
-    placeLabel();
-}
-
 void TLabeledEditOxa::DoEnter()
 {
     ShowActiveColor();
@@ -97,37 +81,6 @@ void TLabeledEditOxa::DoExit()
 {
     ShowDefaultColor();
     Base::DoExit();
-}
-
-void TLabeledEditOxa::changeEvent(QEvent *event)
-{
-    Base::changeEvent(event);
-    if (event->type() == QEvent::ParentChange)
-        followParent();
-    else if (event->type() == QEvent::EnabledChange && FEditLabel)
-        FEditLabel->setEnabled(isEnabled());
-}
-
-void TLabeledEditOxa::moveEvent(QMoveEvent *event)
-{
-    Base::moveEvent(event);
-    placeLabel();
-}
-
-void TLabeledEditOxa::resizeEvent(QResizeEvent *event)
-{
-    Base::resizeEvent(event);
-    placeLabel();
-}
-
-bool TLabeledEditOxa::event(QEvent *event)
-{
-    // Shown or hidden by the program, not merely with its window.
-    if (FEditLabel && event->type() == QEvent::ShowToParent && parentWidget())
-        FEditLabel->show();
-    else if (FEditLabel && event->type() == QEvent::HideToParent)
-        FEditLabel->hide();
-    return Base::event(event);
 }
 
 void RegisterLabeledEditOxa()

@@ -69,14 +69,8 @@ protected:
     void DoEnter() override;
     void DoExit() override;
 
-    void changeEvent(QEvent *event) override;
-    void moveEvent(QMoveEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
-    bool event(QEvent *event) override;
-
 private:
     void placeLabel();
-    void followParent();
 
     QPointer<QLabel> FEditLabel;
     TLabelPosition FLabelPosition = lpAbove;

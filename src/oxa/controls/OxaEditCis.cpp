@@ -1,6 +1,7 @@
 #include "oxa/controls/OxaEditCis.h"
 
 #include "oxa/toolkit/Catalogue.h"
+#include "oxa/toolkit/OwnerFollower.h"
 #include "oxa/toolkit/Exceptions.h"
 
 #include <QEvent>
@@ -30,15 +31,11 @@ TOxaEditCis::TOxaEditCis(QWidget *parent)
     FButton->setText(QStringLiteral("..."));
     // A speed button: clicking it leaves the focus where it is.
     FButton->setFocusPolicy(Qt::NoFocus);
-    // A button without a parent would be a window of its own: it stays
-    // hidden until the edit is placed on a parent.
-    if (!parent)
-        FButton->hide();
     connect(FButton, &QToolButton::clicked, this, [this] {
         HandleExceptions(this, [this] { BtnClick(FButton); });
     });
     SetBtnHint(FBtnHint);
-    placeButton();
+    new TOwnerFollower(this, FButton, [this] { placeButton(); }, TOwnerFollower::FollowEnabled);
 }
 
 TOxaEditCis::~TOxaEditCis()
@@ -152,51 +149,6 @@ void TOxaEditCis::placeButton()
 {
     if (FButton)
         FButton->setGeometry(x() + width(), y(), height(), height());
-}
-
-void TOxaEditCis::followParent()
-{
-    if (!FButton)
-        return;
-    QWidget *parent = parentWidget();
-    FButton->setParent(parent);
-    // Shown with the new parent unless the edit itself was hidden.
-    if (parent)
-        FButton->setHidden(isHidden() && testAttribute(Qt::WA_WState_ExplicitShowHide));
-    else
-        FButton->hide();
-    placeButton();
-}
-
-void TOxaEditCis::changeEvent(QEvent *event)
-{
-    TEditOxa::changeEvent(event);
-    if (event->type() == QEvent::ParentChange)
-        followParent();
-    else if (event->type() == QEvent::EnabledChange && FButton)
-        FButton->setEnabled(isEnabled());
-}
-
-void TOxaEditCis::moveEvent(QMoveEvent *event)
-{
-    TEditOxa::moveEvent(event);
-    placeButton();
-}
-
-void TOxaEditCis::resizeEvent(QResizeEvent *event)
-{
-    TEditOxa::resizeEvent(event);
-    placeButton();
-}
-
-bool TOxaEditCis::event(QEvent *event)
-{
-    // Shown or hidden by the program, not merely with its window.
-    if (FButton && event->type() == QEvent::ShowToParent && parentWidget())
-        FButton->show();
-    else if (FButton && event->type() == QEvent::HideToParent)
-        FButton->hide();
-    return TEditOxa::event(event);
 }
 
 void RegisterOxaEditCis()

@@ -75,14 +75,9 @@ protected:
     void Notification(QObject *component, TOperation operation) override;
 
     void mouseDoubleClickEvent(QMouseEvent *event) override;
-    void changeEvent(QEvent *event) override;
-    void moveEvent(QMoveEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
-    bool event(QEvent *event) override;
 
 private:
     void placeButton();
-    void followParent();
     int SelStart() const;
     void RestoreSelection(int start, int length);
 
