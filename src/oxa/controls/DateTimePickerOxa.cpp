@@ -1,4 +1,5 @@
 #include "oxa/controls/DateTimePickerOxa.h"
+#include "oxa/controls/DateTimePickerOxa_p.h"
 
 #include "oxa/toolkit/Catalogue.h"
 #include "oxa/toolkit/Exceptions.h"
@@ -43,13 +44,14 @@ bool isBlankFormat(const QString &format)
 
 TDateTimePickerOxa::TDateTimePickerOxa(QWidget *owner)
     : Base(owner)
+    , d(std::make_unique<TDateTimePickerOxaPrivate>())
 {
     const QLocale czech = CzechLocale();
     setLocale(czech);
     setCalendarPopup(true);
     calendarWidget()->setLocale(czech);
     {
-        const QScopedValueRollback guard(m_settingDate, true);
+        const QScopedValueRollback guard(d->m_settingDate, true);
         setDateRange(DateTimeEpoch(), QDate(9999, 12, 31));
         setDate(DateTimeEpoch());
     }
@@ -57,7 +59,7 @@ TDateTimePickerOxa::TDateTimePickerOxa(QWidget *owner)
     lineEdit()->installEventFilter(this);
     connect(this, &QDateTimeEdit::dateTimeChanged, this, [this] {
         Q_EMIT valueChanged();
-        if (!m_settingDate)
+        if (!d->m_settingDate)
             HandleExceptions(this, [this] { DateTimeChanged(); });
     });
     PaintRule();
@@ -73,7 +75,7 @@ TDateTimePickerOxa::~TDateTimePickerOxa()
 
 TDateTime TDateTimePickerOxa::DateTime() const
 {
-    return ComposeDateTime(QDateToDateTime(date()), FTimeOfDay);
+    return ComposeDateTime(QDateToDateTime(date()), d->FTimeOfDay);
 }
 
 void TDateTimePickerOxa::SetDateTime(TDateTime value)
@@ -89,7 +91,7 @@ TDateTime TDateTimePickerOxa::Date() const
 
 void TDateTimePickerOxa::SetDate(TDateTime value)
 {
-    SetDateTime(ComposeDateTime(value, FTimeOfDay));
+    SetDateTime(ComposeDateTime(value, d->FTimeOfDay));
 }
 
 void TDateTimePickerOxa::SetMinDate(TDateTime value)
@@ -97,10 +99,10 @@ void TDateTimePickerOxa::SetMinDate(TDateTime value)
     const QDate minimum = DateTimeToQDate(value);
     if (!minimum.isValid())
         throw EConvertError(QStringLiteral("Neplatné nejmenší datum"));
-    const bool changed = value != FMinDate;
-    FMinDate = value;
+    const bool changed = value != d->FMinDate;
+    d->FMinDate = value;
     {
-        const QScopedValueRollback guard(m_settingDate, true);
+        const QScopedValueRollback guard(d->m_settingDate, true);
         setMinimumDate(minimum);
     }
     PaintRule();
@@ -108,9 +110,19 @@ void TDateTimePickerOxa::SetMinDate(TDateTime value)
         Q_EMIT minDateChanged();
 }
 
+TDateTime TDateTimePickerOxa::MinDate() const
+{
+    return d->FMinDate;
+}
+
+QString TDateTimePickerOxa::Format() const
+{
+    return d->FFormat;
+}
+
 bool TDateTimePickerOxa::EmptyDate() const
 {
-    return SameDate(DateTime(), FMinDate);
+    return SameDate(DateTime(), d->FMinDate);
 }
 
 bool TDateTimePickerOxa::MsgSetDateTime(TDateTime value)
@@ -120,9 +132,9 @@ bool TDateTimePickerOxa::MsgSetDateTime(TDateTime value)
         MessageService::MessageBox(this, Name(), QStringLiteral("Chyba nastaveni"), mtError);
         return false;
     }
-    const QScopedValueRollback guard(m_settingDate, true);
-    const bool sameDayOtherTime = day == date() && TimeOf(value) != FTimeOfDay;
-    FTimeOfDay = TimeOf(value);
+    const QScopedValueRollback guard(d->m_settingDate, true);
+    const bool sameDayOtherTime = day == date() && TimeOf(value) != d->FTimeOfDay;
+    d->FTimeOfDay = TimeOf(value);
     setDate(day);
     if (sameDayOtherTime) // Qt's date edit sees no change
         Q_EMIT valueChanged();
@@ -136,66 +148,66 @@ void TDateTimePickerOxa::SetFormat(const QString &format)
     // A real format the host chooses is also the one to come back to after
     // the blank display.
     if (!isBlankFormat(format))
-        FSavedFormat = format;
+        d->FSavedFormat = format;
     SetFormatField(format);
     PaintRule();
 }
 
 bool TDateTimePickerOxa::IsMonthYearFormat() const
 {
-    return FFormat == kMonthYearFormat;
+    return d->FFormat == kMonthYearFormat;
 }
 
 bool TDateTimePickerOxa::HoldsFocus() const
 {
     // The open calendar has the keyboard, but the picker is still the field
     // being edited.
-    return hasFocus() || FDroppedDown;
+    return hasFocus() || d->FDroppedDown;
 }
 
 void TDateTimePickerOxa::SetFormatField(const QString &format)
 {
-    const bool changed = format != FFormat;
-    FFormat = format;
+    const bool changed = format != d->FFormat;
+    d->FFormat = format;
     ApplyFormat();
     if (changed)
         Q_EMIT formatChanged();
 }
 
-// Shows FFormat: a blank format keeps the last real display format and shows
+// Shows d->FFormat: a blank format keeps the last real display format and shows
 // the empty date (Qt's minimum) as a blank through the special-value text.
 void TDateTimePickerOxa::ApplyFormat()
 {
-    QString display = FFormat.trimmed().isEmpty() ? FSavedFormat : FFormat;
+    QString display = d->FFormat.trimmed().isEmpty() ? d->FSavedFormat : d->FFormat;
     if (display.trimmed().isEmpty())
         display = kDayFormat;
     if (displayFormat() != display) {
-        const QScopedValueRollback guard(m_settingDate, true);
+        const QScopedValueRollback guard(d->m_settingDate, true);
         setDisplayFormat(display);
         if (displayFormat() != display) // a format without date sections
             setDisplayFormat(kDayFormat);
         RequestSectionSync();
     }
-    const QString special = isBlankFormat(FFormat) ? kBlankFormat : QString();
+    const QString special = isBlankFormat(d->FFormat) ? kBlankFormat : QString();
     if (specialValueText() != special)
         setSpecialValueText(special);
 }
 
 void TDateTimePickerOxa::SetFocusRule()
 {
-    if (FFormat != kBlankFormat)
-        FSavedFormat = FFormat;
+    if (d->FFormat != kBlankFormat)
+        d->FSavedFormat = d->FFormat;
     else
-        SetFormatField(FSavedFormat);
+        SetFormatField(d->FSavedFormat);
 }
 
 void TDateTimePickerOxa::KillFocusRule()
 {
     if (EmptyDate()) {
-        FSavedFormat = FFormat;
+        d->FSavedFormat = d->FFormat;
         SetFormatField(kBlankFormat);
     } else {
-        SetFormatField(FSavedFormat);
+        SetFormatField(d->FSavedFormat);
     }
 }
 
@@ -203,8 +215,8 @@ void TDateTimePickerOxa::PaintRule()
 {
     if (EmptyDate() && !HoldsFocus())
         SetFormatField(kBlankFormat);
-    else if (FFormat.trimmed().isEmpty())
-        SetFormatField(FSavedFormat);
+    else if (d->FFormat.trimmed().isEmpty())
+        SetFormatField(d->FSavedFormat);
 }
 
 void TDateTimePickerOxa::AfterNotification()
@@ -213,7 +225,7 @@ void TDateTimePickerOxa::AfterNotification()
         return;
     if (EmptyDate())
         SetFormatField(kBlankFormat);
-    else if (FFormat.trimmed().isEmpty())
+    else if (d->FFormat.trimmed().isEmpty())
         SetFormatField(kDayFormat);
 }
 
@@ -221,14 +233,14 @@ void TDateTimePickerOxa::AfterNotification()
 
 void TDateTimePickerOxa::keyPressEvent(QKeyEvent *event)
 {
-    ++m_keyDepth;
+    ++d->m_keyDepth;
     Word key = 0;
     TShiftState shift;
     KeyFromEvent(event, key, shift);
     if (key != 0)
         HandleExceptions(this, [&] { WMKeyDown(key, shift); });
     Base::keyPressEvent(event);
-    if (--m_keyDepth == 0 && m_sectionSyncPending)
+    if (--d->m_keyDepth == 0 && d->m_sectionSyncPending)
         SyncSection();
 }
 
@@ -239,32 +251,32 @@ void TDateTimePickerOxa::WMKeyDown(Word key, TShiftState shift)
         return;
     if (key == VK_MULTIPLY) {
         const TDateTime today = oxa::Date();
-        if (today >= FMinDate) {
+        if (today >= d->FMinDate) {
             SetDateTime(today);
             FireChange();
         }
     } else if (key == VK_DELETE) {
-        SetDateTime(FMinDate);
+        SetDateTime(d->FMinDate);
         FireChange();
     } else if (!(shift & ssCtrl)) {
         if (!IsMonthYearFormat()) {
             if (key == VK_LEFT)
-                FSection = quint8((FSection + 2) % 3);
+                d->FSection = quint8((d->FSection + 2) % 3);
             else if (key == VK_RIGHT)
-                FSection = quint8((FSection + 1) % 3);
+                d->FSection = quint8((d->FSection + 1) % 3);
         } else {
             // No day in this format: only the month and the year take turns.
-            if (FSection == kDaySection)
-                FSection = kMonthSection;
+            if (d->FSection == kDaySection)
+                d->FSection = kMonthSection;
             if (key == VK_LEFT || key == VK_RIGHT)
-                FSection = FSection == kMonthSection ? kYearSection : kMonthSection;
+                d->FSection = d->FSection == kMonthSection ? kYearSection : kMonthSection;
         }
     }
 }
 
 void TDateTimePickerOxa::KeyDown(Word &Key, TShiftState Shift)
 {
-    FLastKey = Key;
+    d->FLastKey = Key;
     Base::KeyDown(Key, Shift);
     if (Key != 0)
         PlatformKeyDown(Key, Shift);
@@ -318,7 +330,7 @@ void TDateTimePickerOxa::PlatformKeyDown(Word &Key, TShiftState Shift)
 // date section now (the blank display, an open calendar).
 bool TDateTimePickerOxa::TypeDigit(int digit)
 {
-    if (FDroppedDown || isBlankFormat(FFormat) || !(displayedSections() & qtSection(FSection)))
+    if (d->FDroppedDown || isBlankFormat(d->FFormat) || !(displayedSections() & qtSection(d->FSection)))
         return false;
     const QDate current = date();
     // A day beyond the new month's end becomes its last day, as stepping does.
@@ -327,9 +339,9 @@ bool TDateTimePickerOxa::TypeDigit(int digit)
         return first.isValid() ? QDate(year, month, std::min(current.day(), first.daysInMonth())) : QDate();
     };
     QDate typed;
-    if (FSection == kDaySection)
+    if (d->FSection == kDaySection)
         typed = QDate(current.year(), current.month(), digit);
-    else if (FSection == kMonthSection)
+    else if (d->FSection == kMonthSection)
         typed = dayIn(current.year(), digit);
     else
         typed = dayIn(current.year() / 100 * 100 + digit, current.month());
@@ -367,9 +379,9 @@ void TDateTimePickerOxa::wheelEvent(QWheelEvent *event)
 // The control changed its date: by typing, or (emulated) by a step key.
 void TDateTimePickerOxa::DateTimeChanged()
 {
-    if (!FDroppedDown) {
+    if (!d->FDroppedDown) {
         bool changed = true;
-        switch (FLastKey) {
+        switch (d->FLastKey) {
         case VK_UP:
         case VK_ADD:
             changed = StepDate(1);
@@ -396,12 +408,12 @@ void TDateTimePickerOxa::DateTimeChanged()
 bool TDateTimePickerOxa::StepDate(int direction)
 {
     const TDateTime current = DateTime();
-    if (direction < 0 && DateOf(current) - 1 < FMinDate && DateOf(current) > 1)
+    if (direction < 0 && DateOf(current) - 1 < d->FMinDate && DateOf(current) > 1)
         return false;
     TDateTime next = current;
-    if (FSection == kDaySection)
+    if (d->FSection == kDaySection)
         next = IncDay(current, direction);
-    else if (FSection == kMonthSection)
+    else if (d->FSection == kMonthSection)
         next = IncMonth(current, direction);
     else
         next = IncYear(current, direction);
@@ -410,22 +422,22 @@ bool TDateTimePickerOxa::StepDate(int direction)
 
 void TDateTimePickerOxa::DroppedDown()
 {
-    FDroppedDown = true;
+    d->FDroppedDown = true;
     AfterNotification();
 }
 
 void TDateTimePickerOxa::ClosedUp()
 {
-    FDroppedDown = false;
+    d->FDroppedDown = false;
     const QDate selected = calendarWidget()->selectedDate();
     const TDateTime chosen = QDateToDateTime(selected);
-    if (selected.isValid() && !(SameDate(chosen, DateTime()) && SameDate(chosen, FMinDate))) {
-        MsgSetDateTime(ComposeDateTime(chosen, FTimeOfDay));
+    if (selected.isValid() && !(SameDate(chosen, DateTime()) && SameDate(chosen, d->FMinDate))) {
+        MsgSetDateTime(ComposeDateTime(chosen, d->FTimeOfDay));
         if (OnCloseUp)
             OnCloseUp(this);
         Q_EMIT closedUp();
         FireChange();
-        FSection = kDaySection;
+        d->FSection = kDaySection;
         RequestSectionSync();
     }
     AfterNotification();
@@ -483,8 +495,8 @@ void TDateTimePickerOxa::mousePressEvent(QMouseEvent *event)
 
 void TDateTimePickerOxa::ClickAt(int x)
 {
-    FPrevSection = FSection;
-    FSection = quint8(VyhodnotStisk(x));
+    d->FPrevSection = d->FSection;
+    d->FSection = quint8(VyhodnotStisk(x));
     RequestSectionSync();
 }
 
@@ -499,12 +511,12 @@ QWidget *TDateTimePickerOxa::FindCanvas() const
 
 int TDateTimePickerOxa::VyhodnotStisk(int x)
 {
-    if (x < 2 || FDroppedDown)
-        return FSection;
+    if (x < 2 || d->FDroppedDown)
+        return d->FSection;
     const QFontMetrics metrics(font(), FindCanvas());
     const QStringList fields = text().split(QLatin1Char('.'));
     const QString first = fields.value(0);
-    if (FFormat.isEmpty() || FFormat == kDayFormat) {
+    if (d->FFormat.isEmpty() || d->FFormat == kDayFormat) {
         const QString day = (first + QLatin1Char('.')).left(3);
         if (metrics.horizontalAdvance(day) + 1 >= x)
             return kDaySection;
@@ -522,8 +534,8 @@ int TDateTimePickerOxa::VyhodnotStisk(int x)
 
 void TDateTimePickerOxa::RequestSectionSync()
 {
-    if (m_keyDepth > 0)
-        m_sectionSyncPending = true;
+    if (d->m_keyDepth > 0)
+        d->m_sectionSyncPending = true;
     else
         SyncSection();
 }
@@ -532,9 +544,9 @@ void TDateTimePickerOxa::RequestSectionSync()
 // is the one the step keys change and typing replaces.
 void TDateTimePickerOxa::SyncSection()
 {
-    m_sectionSyncPending = false;
-    const QDateTimeEdit::Section section = qtSection(FSection);
-    if (!hasFocus() || !(displayedSections() & section) || isBlankFormat(FFormat))
+    d->m_sectionSyncPending = false;
+    const QDateTimeEdit::Section section = qtSection(d->FSection);
+    if (!hasFocus() || !(displayedSections() & section) || isBlankFormat(d->FFormat))
         return;
     setCurrentSection(section);
     setSelectedSection(section);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "oxa/oxa_export.h"
 
 #include "oxa/toolkit/Color.h"
@@ -10,6 +12,8 @@
 #include <QString>
 
 namespace oxa {
+
+class TDateTimePickerOxaPrivate;
 
 // The drop-down date picker of the data-entry forms: a QDateEdit with a
 // calendar popup, the focus neighbours and focus colours of the edits, and
@@ -55,10 +59,10 @@ public:
 
     // The earliest date, which is also the empty date. A later MinDate moves
     // an earlier date up to it.
-    TDateTime MinDate() const { return FMinDate; }
+    TDateTime MinDate() const;
     void SetMinDate(TDateTime value);
 
-    QString Format() const { return FFormat; }
+    QString Format() const;
     void SetFormat(const QString &format);
 
     // Whether the date's day is MinDate's day.
@@ -130,18 +134,7 @@ private:
     void SyncSection();
     void OpenCalendar();
 
-    Word FLastKey = 0;
-    quint8 FSection = 0;
-    quint8 FPrevSection = 0;
-    bool FDroppedDown = false;
-    QString FSavedFormat;
-    QString FFormat;
-    TDateTime FMinDate = 0;
-    TDateTime FTimeOfDay = 0;
-    // Dates set by the picker itself are not the control's notification.
-    bool m_settingDate = false;
-    int m_keyDepth = 0;
-    bool m_sectionSyncPending = false;
+    std::unique_ptr<TDateTimePickerOxaPrivate> const d;
 };
 
 OXA_EXPORT void RegisterDateTimePickerOxa();

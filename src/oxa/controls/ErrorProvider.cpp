@@ -1,4 +1,5 @@
 #include "oxa/controls/ErrorProvider.h"
+#include "oxa/controls/ErrorProvider_p.h"
 
 #include "oxa/toolkit/Catalogue.h"
 #include "oxa/toolkit/MessageService.h"
@@ -67,6 +68,16 @@ int markTop(const QRect &control, TJustifyType justify)
 
 } // namespace
 
+// The index of the mark of the control named name, or -1.
+static qsizetype IndexOf(const TMarkList &list, const QString &name)
+{
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        if (list.at(i).Name == name)
+            return i;
+    }
+    return -1;
+}
+
 // ---------------------------------------------------------------- TErrorImage
 
 TErrorImage::TErrorImage(QWidget *parent)
@@ -119,19 +130,40 @@ void TErrorImage::ApplyVisibility()
 
 TErrorProvider::TErrorProvider(QObject *aOwner)
     : QObject(aOwner)
-    , fTimer(new QTimer(this))
+    , d(std::make_unique<TErrorProviderPrivate>())
 {
-    fTimer->setInterval(fBlickInterval);
-    connect(fTimer, &QTimer::timeout, this, [this] {
+    d->fTimer = new QTimer(this);
+    d->fTimer->setInterval(d->fBlickInterval);
+    connect(d->fTimer, &QTimer::timeout, this, [this] {
         // BeginUpdate detaches the handler: the timer runs on, blinking pauses.
-        if (!fUpdating)
+        if (!d->fUpdating)
             OnTimer();
     });
 }
 
+bool TErrorProvider::Updating() const
+{
+    return d->fUpdating;
+}
+
+int TErrorProvider::ErrorCount() const
+{
+    return int(d->fErrorList.size());
+}
+
+int TErrorProvider::BlickCount() const
+{
+    return int(d->fBlickList.size());
+}
+
+int TErrorProvider::BlickInterval() const
+{
+    return d->fBlickInterval;
+}
+
 TErrorProvider::~TErrorProvider()
 {
-    fTimer->stop();
+    d->fTimer->stop();
     ClearAllErrors();
 }
 
@@ -145,9 +177,9 @@ void TErrorProvider::SetError(QWidget *aControl, const QString &aErrorText,
         return;
     }
     const QString name = aControl->objectName();
-    const qsizetype index = IndexOf(fErrorList, name);
+    const qsizetype index = IndexOf(d->fErrorList, name);
     if (index >= 0) {
-        TErrorImage *existing = fErrorList.at(index).Image;
+        TErrorImage *existing = d->fErrorList.at(index).Image;
         if (existing->fErrorType < aErrorType) {
             // A weaker message never replaces a stronger one; remind of it instead.
             Blick(existing, name);
@@ -156,7 +188,7 @@ void TErrorProvider::SetError(QWidget *aControl, const QString &aErrorText,
         ClearError(aControl);
     }
     TErrorImage *image = CreateImage(aControl, aErrorText, aErrorType, aJustify);
-    fErrorList.append({name, image});
+    d->fErrorList.append({name, image});
     Blick(image, name);
 }
 
@@ -168,7 +200,7 @@ TErrorImage *TErrorProvider::CreateImage(QWidget *aControl, const QString &aErro
     image->setToolTip(aErrorText);
     image->setPixmap(ErrorBitmap(aErrorType));
     image->fErrorType = aErrorType;
-    image->fShown = !fUpdating;
+    image->fShown = !d->fUpdating;
     image->Attach(aControl, aJustify);
     connect(image, &TErrorImage::DblClick, this, &TErrorProvider::OnDblClick);
     connect(image, &QObject::destroyed, this, &TErrorProvider::ImageDestroyed);
@@ -181,24 +213,24 @@ void TErrorProvider::ClearError(QWidget *aControl)
 {
     if (!aControl)
         return;
-    fTimer->stop();
+    d->fTimer->stop();
     const QString name = aControl->objectName();
-    const qsizetype blickIndex = IndexOf(fBlickList, name);
+    const qsizetype blickIndex = IndexOf(d->fBlickList, name);
     if (blickIndex >= 0)
-        fBlickList.removeAt(blickIndex);
-    const qsizetype index = IndexOf(fErrorList, name);
+        d->fBlickList.removeAt(blickIndex);
+    const qsizetype index = IndexOf(d->fErrorList, name);
     if (index >= 0)
-        FreeImage(fErrorList.takeAt(index).Image);
-    if (!fBlickList.isEmpty())
-        fTimer->start();
+        FreeImage(d->fErrorList.takeAt(index).Image);
+    if (!d->fBlickList.isEmpty())
+        d->fTimer->start();
 }
 
 void TErrorProvider::ClearAllErrors()
 {
-    fTimer->stop();
+    d->fTimer->stop();
     // Take the lists first: freeing an image must not find itself in them.
-    const TMarkList marks = std::exchange(fErrorList, {});
-    fBlickList.clear();
+    const TMarkList marks = std::exchange(d->fErrorList, {});
+    d->fBlickList.clear();
     for (const TMarkEntry &mark : marks)
         FreeImage(mark.Image);
 }
@@ -215,45 +247,45 @@ void TErrorProvider::FreeImage(TErrorImage *image)
 
 void TErrorProvider::BeginUpdate()
 {
-    fUpdating = true;
+    d->fUpdating = true;
 }
 
 void TErrorProvider::EndUpdate()
 {
-    fUpdating = false;
-    fVisible = true;
+    d->fUpdating = false;
+    d->fVisible = true;
 }
 
 void TErrorProvider::Blick(TErrorImage *image, const QString &name)
 {
     if (!image)
         return;
-    if (IndexOf(fBlickList, name) < 0)
-        fBlickList.append({name, image});
+    if (IndexOf(d->fBlickList, name) < 0)
+        d->fBlickList.append({name, image});
     image->fNumberOfBlick = BlickSteps;
-    fTimer->stop();
-    fTimer->setInterval(fBlickInterval);
-    fTimer->start();
+    d->fTimer->stop();
+    d->fTimer->setInterval(d->fBlickInterval);
+    d->fTimer->start();
 }
 
 void TErrorProvider::OnTimer()
 {
-    if (fBlickList.isEmpty())
+    if (d->fBlickList.isEmpty())
         return;
-    fVisible = !fVisible;
-    fTimer->stop();
-    for (qsizetype i = fBlickList.size() - 1; i >= 0; --i) {
-        TErrorImage *image = fBlickList.at(i).Image;
+    d->fVisible = !d->fVisible;
+    d->fTimer->stop();
+    for (qsizetype i = d->fBlickList.size() - 1; i >= 0; --i) {
+        TErrorImage *image = d->fBlickList.at(i).Image;
         if (image->fNumberOfBlick < 1) {
             image->SetShown(true);
-            fBlickList.removeAt(i);
+            d->fBlickList.removeAt(i);
         } else {
-            image->SetShown(fVisible);
+            image->SetShown(d->fVisible);
         }
         --image->fNumberOfBlick;
     }
-    if (!fBlickList.isEmpty())
-        fTimer->start();
+    if (!d->fBlickList.isEmpty())
+        d->fTimer->start();
 }
 
 void TErrorProvider::OnDblClick(TErrorImage *sender)
@@ -264,8 +296,8 @@ void TErrorProvider::OnDblClick(TErrorImage *sender)
 
 void TErrorProvider::SetBlickInterval(int aMilliseconds)
 {
-    fBlickInterval = qMax(1, aMilliseconds);
-    fTimer->setInterval(fBlickInterval);
+    d->fBlickInterval = qMax(1, aMilliseconds);
+    d->fTimer->setInterval(d->fBlickInterval);
 }
 
 TErrorImage *TErrorProvider::ErrorImage(const QWidget *aControl) const
@@ -275,8 +307,8 @@ TErrorImage *TErrorProvider::ErrorImage(const QWidget *aControl) const
 
 TErrorImage *TErrorProvider::ErrorImage(const QString &aName) const
 {
-    const qsizetype index = IndexOf(fErrorList, aName);
-    return index >= 0 ? fErrorList.at(index).Image : nullptr;
+    const qsizetype index = IndexOf(d->fErrorList, aName);
+    return index >= 0 ? d->fErrorList.at(index).Image : nullptr;
 }
 
 QPixmap TErrorProvider::ErrorBitmap(TErrorType aErrorType)
@@ -284,20 +316,11 @@ QPixmap TErrorProvider::ErrorBitmap(TErrorType aErrorType)
     return QPixmap(QStringLiteral(":/oxa/ErrorProvider/") + QLatin1String(resourceName(aErrorType)));
 }
 
-qsizetype TErrorProvider::IndexOf(const TMarkList &list, const QString &name)
-{
-    for (qsizetype i = 0; i < list.size(); ++i) {
-        if (list.at(i).Name == name)
-            return i;
-    }
-    return -1;
-}
-
 // --- following the marked controls
 
 bool TErrorProvider::IsMarked(const QObject *control) const
 {
-    for (const TMarkEntry &mark : fErrorList) {
+    for (const TMarkEntry &mark : d->fErrorList) {
         if (mark.Image->fControlKey == control)
             return true;
     }
@@ -306,28 +329,28 @@ bool TErrorProvider::IsMarked(const QObject *control) const
 
 void TErrorProvider::ControlDestroyed(QObject *control)
 {
-    fTimer->stop();
-    for (qsizetype i = fErrorList.size() - 1; i >= 0; --i) {
-        TErrorImage *image = fErrorList.at(i).Image;
+    d->fTimer->stop();
+    for (qsizetype i = d->fErrorList.size() - 1; i >= 0; --i) {
+        TErrorImage *image = d->fErrorList.at(i).Image;
         if (image->fControlKey != control)
             continue;
-        fBlickList.removeIf([image](const TMarkEntry &e) { return e.Image == image; });
-        fErrorList.removeAt(i);
+        d->fBlickList.removeIf([image](const TMarkEntry &e) { return e.Image == image; });
+        d->fErrorList.removeAt(i);
         disconnect(image, nullptr, this, nullptr);
         delete image;
     }
-    if (!fBlickList.isEmpty())
-        fTimer->start();
+    if (!d->fBlickList.isEmpty())
+        d->fTimer->start();
 }
 
 void TErrorProvider::ImageDestroyed(QObject *image)
 {
     // The mark went with its parent widget before the provider freed it.
     auto sameImage = [image](const TMarkEntry &e) { return e.Image == image; };
-    fBlickList.removeIf(sameImage);
-    fErrorList.removeIf(sameImage);
-    if (fBlickList.isEmpty())
-        fTimer->stop();
+    d->fBlickList.removeIf(sameImage);
+    d->fErrorList.removeIf(sameImage);
+    if (d->fBlickList.isEmpty())
+        d->fTimer->stop();
 }
 
 void RegisterErrorProvider()

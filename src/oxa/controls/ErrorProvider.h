@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "oxa/oxa_export.h"
 
 #include <QLabel>
@@ -12,6 +14,8 @@
 class QTimer;
 
 namespace oxa {
+
+class TErrorProviderPrivate;
 
 class TOwnerFollower;
 
@@ -98,16 +102,16 @@ public:
     // EndUpdate.
     void BeginUpdate();
     void EndUpdate();
-    bool Updating() const { return fUpdating; }
+    bool Updating() const;
 
     // The mark of the control (by its name), or null.
     TErrorImage *ErrorImage(const QWidget *aControl) const;
     TErrorImage *ErrorImage(const QString &aName) const;
-    int ErrorCount() const { return int(fErrorList.size()); }
-    int BlickCount() const { return int(fBlickList.size()); }
+    int ErrorCount() const;
+    int BlickCount() const;
 
     // The length of one blink phase in milliseconds.
-    int BlickInterval() const { return fBlickInterval; }
+    int BlickInterval() const;
     void SetBlickInterval(int aMilliseconds);
 
     // The icon of a kind, from the library's resources "ERROR", "WARNING",
@@ -117,13 +121,6 @@ public:
 protected:
 
 private:
-    struct TMarkEntry
-    {
-        QString Name;
-        TErrorImage *Image;
-    };
-    using TMarkList = QList<TMarkEntry>;
-
     void Blick(TErrorImage *image, const QString &name);
     void OnTimer();
     void OnDblClick(TErrorImage *sender);
@@ -136,14 +133,7 @@ private:
     bool IsMarked(const QObject *control) const;
     void RestartTimer();
 
-    static qsizetype IndexOf(const TMarkList &list, const QString &name);
-
-    TMarkList fErrorList;
-    TMarkList fBlickList; // the same images, not owned here
-    bool fUpdating = false;
-    bool fVisible = false;
-    int fBlickInterval = DefaultBlickInterval;
-    QTimer *fTimer;
+    std::unique_ptr<TErrorProviderPrivate> const d;
 };
 
 OXA_EXPORT void RegisterErrorProvider();

@@ -802,21 +802,60 @@ void TStrCell::Read(TMyReader &Reader)
 
 // --- TXLSfile --------------------------------------------------------------
 
-TXLSfile::TXLSfile(QObject *owner) : QObject(owner), FDispatcher(std::make_unique<TDispatcher>())
+TXLSfile::TXLSfile(QObject *owner) : QObject(owner), d(std::make_unique<TXLSfilePrivate>())
 {
-    FModeOpen = false;
-    FDispatcher->SetOpcodeEOF(10);
+    d->FDispatcher = std::make_unique<TDispatcher>();
+    d->FModeOpen = false;
+    d->FDispatcher->SetOpcodeEOF(10);
     clear();
 }
 
 TXLSfile::~TXLSfile() = default;
 
+QString TXLSfile::FileName() const
+{
+    return d->FFileName;
+}
+
+void TXLSfile::SetFileName(const QString &value)
+{
+    if (value == d->FFileName)
+        return;
+    d->FFileName = value;
+    Q_EMIT fileNameChanged();
+}
+
+bool TXLSfile::ModeOpen() const
+{
+    return d->FModeOpen;
+}
+
+TDispatcher &TXLSfile::Dispatcher() const
+{
+    return *d->FDispatcher;
+}
+
+TBOF *TXLSfile::BOF() const
+{
+    return d->FBOF;
+}
+
+TCodePage *TXLSfile::CodePage() const
+{
+    return d->FCodePage;
+}
+
+TDimension *TXLSfile::Dimension() const
+{
+    return d->FDimension;
+}
+
 void TXLSfile::clear()
 {
-    FDispatcher->Clear();
-    FBOF = static_cast<TBOF *>(AddData(std::make_unique<TBOF>()));
-    FCodePage = static_cast<TCodePage *>(AddData(std::make_unique<TCodePage>()));
-    FDimension = static_cast<TDimension *>(AddData(std::make_unique<TDimension>()));
+    d->FDispatcher->Clear();
+    d->FBOF = static_cast<TBOF *>(AddData(std::make_unique<TBOF>()));
+    d->FCodePage = static_cast<TCodePage *>(AddData(std::make_unique<TCodePage>()));
+    d->FDimension = static_cast<TDimension *>(AddData(std::make_unique<TDimension>()));
 }
 
 template<class T>
@@ -860,7 +899,7 @@ TCell *TXLSfile::AddCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut, TCe
 
 TData *TXLSfile::AddData(std::unique_ptr<TData> Data)
 {
-    return static_cast<TData *>(FDispatcher->RegisterObj(std::move(Data)));
+    return static_cast<TData *>(d->FDispatcher->RegisterObj(std::move(Data)));
 }
 
 // The file is written without Qt's buffering: the records go to it in large
@@ -871,31 +910,31 @@ TData *TXLSfile::AddData(std::unique_ptr<TData> Data)
 // way out, before the file is looked at again.
 void TXLSfile::write()
 {
-    QFile file(FFileName);
+    QFile file(d->FFileName);
     // A file that could not be created is the first fault, whatever the
     // records did meanwhile.
     const auto throwIfNotCreated = [&] {
         if (!file.isOpen()) {
             throw EFCreateError(QStringLiteral("Nelze vytvořit soubor „%1“: %2")
-                                    .arg(QDir::toNativeSeparators(FFileName), file.errorString()));
+                                    .arg(QDir::toNativeSeparators(d->FFileName), file.errorString()));
         }
     };
-    FDispatcher->SetStream(&file);
+    d->FDispatcher->SetStream(&file);
     try {
-        WriteRecordsInBlocks(*FDispatcher, file, [&file] {
+        WriteRecordsInBlocks(*d->FDispatcher, file, [&file] {
             return file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
         });
     } catch (const EWriteError &) {
-        FDispatcher->SetStream(nullptr);
+        d->FDispatcher->SetStream(nullptr);
         throwIfNotCreated();
         throw EWriteError(QStringLiteral("Chyba zápisu do souboru „%1“: %2")
-                              .arg(QDir::toNativeSeparators(FFileName), file.errorString()));
+                              .arg(QDir::toNativeSeparators(d->FFileName), file.errorString()));
     } catch (...) {
-        FDispatcher->SetStream(nullptr);
+        d->FDispatcher->SetStream(nullptr);
         throwIfNotCreated();
         throw;
     }
-    FDispatcher->SetStream(nullptr);
+    d->FDispatcher->SetStream(nullptr);
 }
 
 void RegisterXLSfile()

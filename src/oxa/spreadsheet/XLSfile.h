@@ -21,6 +21,8 @@ class QIODevice;
 
 namespace oxa {
 
+class TXLSfilePrivate;
+
 class TMyReader;
 class TMyWriter;
 
@@ -316,14 +318,8 @@ public:
     explicit TXLSfile(QObject *owner = nullptr);
     ~TXLSfile() override;
 
-    QString FileName() const { return FFileName; }
-    void SetFileName(const QString &value)
-    {
-        if (value == FFileName)
-            return;
-        FFileName = value;
-        Q_EMIT fileNameChanged();
-    }
+    QString FileName() const;
+    void SetFileName(const QString &value);
 
     // Removes every cell and starts again with the header, code page and
     // dimensions records.
@@ -344,11 +340,11 @@ public:
     // cells stay in either case.
     void write();
 
-    bool ModeOpen() const { return FModeOpen; }
-    TDispatcher &Dispatcher() const { return *FDispatcher; }
-    TBOF *BOF() const { return FBOF; }
-    TCodePage *CodePage() const { return FCodePage; }
-    TDimension *Dimension() const { return FDimension; }
+    bool ModeOpen() const;
+    TDispatcher &Dispatcher() const;
+    TBOF *BOF() const;
+    TCodePage *CodePage() const;
+    TDimension *Dimension() const;
 
 Q_SIGNALS:
     void fileNameChanged();
@@ -357,12 +353,7 @@ private:
     template<class T>
     T *AddTypedCell(quint16 vCol, quint16 vRow, TSetOfAtribut vAtribut);
 
-    QString FFileName;
-    bool FModeOpen = false;
-    std::unique_ptr<TDispatcher> FDispatcher;
-    TBOF *FBOF = nullptr;
-    TCodePage *FCodePage = nullptr;
-    TDimension *FDimension = nullptr;
+    std::unique_ptr<TXLSfilePrivate> const d;
 };
 
 // Offers TXLSfile on the "Oxa" page of the component catalogue.

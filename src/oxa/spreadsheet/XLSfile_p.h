@@ -80,4 +80,17 @@ private:
 void WriteRecordsInBlocks(TDispatcher &dispatcher, QIODevice &stream,
                           const std::function<bool()> &prepare = {});
 
+// The state of TXLSfile, kept here so that the public class's layout does not
+// change with it.
+class TXLSfilePrivate
+{
+public:
+    QString FFileName;
+    bool FModeOpen = false;
+    std::unique_ptr<TDispatcher> FDispatcher;
+    TBOF *FBOF = nullptr;
+    TCodePage *FCodePage = nullptr;
+    TDimension *FDimension = nullptr;
+};
+
 } // namespace oxa
