@@ -5,6 +5,8 @@
 #include <QClipboard>
 #include <QSignalSpy>
 #include <QTest>
+
+#include <limits>
 #include <cmath>
 
 using namespace oxa;
@@ -194,6 +196,22 @@ private Q_SLOTS:
         edit.setCardinal(3000000000u); // printed as signed
         QCOMPARE(edit.text(), QStringLiteral("-1294967296"));
         QVERIFY_THROWS_EXCEPTION(EConvertError, edit.setDouble(std::nan("")));
+
+        // The currency's range: 922337203685477.5807 either way, nothing wraps.
+        edit.setText(QStringLiteral("922337203685477,5807"));
+        QCOMPARE(edit.getCurrency().Scaled(), std::numeric_limits<qint64>::max());
+        edit.setText(QStringLiteral("-922337203685477,5807"));
+        QCOMPARE(edit.getCurrency().Scaled(), -std::numeric_limits<qint64>::max());
+        edit.setText(QStringLiteral("922337203685477,5808"));
+        QVERIFY_THROWS_EXCEPTION(EConvertError, edit.getCurrency());
+        edit.setText(QStringLiteral("99999999999999999999"));
+        QVERIFY_THROWS_EXCEPTION(EConvertError, edit.getCurrency());
+        QVERIFY_THROWS_EXCEPTION(EConvertError, TCurrency::FromDouble(1e15));
+        QVERIFY_THROWS_EXCEPTION(EConvertError, TCurrency::FromDouble(-std::numeric_limits<double>::infinity()));
+        QCOMPARE(TCurrency::FromDouble(-9.22e14).Scaled(), Q_INT64_C(-9220000000000000000));
+        edit.SetDigits(4);
+        edit.setCurrency(TCurrency::FromScaled(std::numeric_limits<qint64>::min()));
+        QVERIFY(edit.text().startsWith(QStringLiteral("-922337203685477,580")));
     }
 
     void digitsSeparatorAndAligment()

@@ -1,8 +1,10 @@
 #include "support/TestSupport.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QMenu>
 #include <QTest>
+#include <QTimer>
 
 namespace oxa::test {
 
@@ -73,6 +75,21 @@ bool TestForm::Show(QWidget *focus, Qt::FocusReason reason)
     if (focus)
         focus->setFocus(reason);
     return !focus || focus->hasFocus();
+}
+
+bool WaitFor(const std::function<bool()> &done, int timeoutMs)
+{
+    QEventLoop loop;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
+        if (done())
+            loop.quit();
+    });
+    poll.start(1);
+    QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
+    if (!done())
+        loop.exec();
+    return done();
 }
 
 } // namespace oxa::test

@@ -40,6 +40,11 @@ private:
     int m_count = 0;
 };
 
+// Runs the event loop until done() holds, polling every millisecond
+// (QTest::qWaitFor sleeps 10 ms between rounds, too long for the thousands
+// of rounds of a stress run); false when timeoutMs passed first.
+bool WaitFor(const std::function<bool()> &done, int timeoutMs = 20000);
+
 // Shows a top-level window and waits until it is active, so that focus and
 // key events reach its widgets as they would on a screen.
 bool ShowAndActivate(QWidget *window);

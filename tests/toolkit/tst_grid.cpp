@@ -28,10 +28,14 @@ public:
         bool canvasValid;
     };
     QList<Drawn> drawn;
+    // The cell whose drawing fails, as a host's drawing code may.
+    TGridCoord failAt{-1, -1};
 
 protected:
     void DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State) override
     {
+        if (TGridCoord{ACol, ARow} == failAt)
+            throw Exception(QStringLiteral("Buňku nelze vykreslit"));
         drawn.append({ACol, ARow, Rect, State, Canvas() != nullptr});
         TStringGrid::DrawCell(ACol, ARow, Rect, State);
     }
@@ -88,6 +92,7 @@ private Q_SLOTS:
     void scrolling();
     void sizingAndMovingByMouse();
     void paintsOnlyVisibleCellsWithState();
+    void drawCellFailureIsReportedOnce();
     void stringGridStorage();
     void editing();
 };
@@ -412,6 +417,26 @@ void TestGrid::paintsOnlyVisibleCellsWithState()
     w.grid->drawn.clear();
     w.grid->viewport()->repaint(w.grid->CellRect(3, 3));
     QCOMPARE(w.grid->drawn.size(), 1);
+}
+
+// A cell that cannot be drawn ends that paint, leaves no canvas behind and is
+// reported once, after the painting, not from inside it.
+void TestGrid::drawCellFailureIsReportedOnce()
+{
+    test::MessageRecorder messages;
+    GridWindow w;
+    QVERIFY(w.show());
+    w.grid->failAt = {2, 1};
+    w.grid->drawn.clear();
+    w.grid->viewport()->repaint();
+    QVERIFY(messages.Shown().isEmpty());
+    QCOMPARE(w.grid->Canvas(), nullptr);
+    QCOMPARE(w.grid->drawn.size(), w.grid->ColCount() + 2); // row 0, then (0,1) and (1,1)
+    QTRY_COMPARE(messages.Texts(), QStringList{QStringLiteral("Buňku nelze vykreslit")});
+    w.grid->failAt = {-1, -1};
+    w.grid->viewport()->repaint();
+    QCOMPARE(messages.Shown().size(), 1);
+    QVERIFY(w.grid->drawn.size() > 10);
 }
 
 void TestGrid::stringGridStorage()

@@ -33,23 +33,6 @@ QString thrownMessage(const std::function<void()> &fn)
     return QStringLiteral("<no exception>");
 }
 
-// Runs the event loop until done() holds; polls every millisecond, since
-// QTest::qWaitFor sleeps 10 ms between rounds and the stress run has thousands.
-bool waitFor(const std::function<bool()> &done, int timeoutMs = 20000)
-{
-    QEventLoop loop;
-    QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
-        if (done())
-            loop.quit();
-    });
-    poll.start(1);
-    QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
-    if (!done())
-        loop.exec();
-    return done();
-}
-
 // A worker that records its completions.
 struct Job
 {
@@ -71,7 +54,7 @@ struct Job
     }
     bool WaitDone()
     {
-        return waitFor([&] { return !done.isEmpty(); });
+        return test::WaitFor([&] { return !done.isEmpty(); });
     }
 };
 
@@ -122,9 +105,9 @@ void TestBackgroundWorker::refusalsAndFailuresLeaveTheWorkerUsable()
     test::MessageRecorder messages;
     job.worker.OnDone = [](const QString &, TDateTime, QObject *) { throw Exception("Chyba v obsluze"); };
     job.worker.Run(nullptr);
-    QVERIFY(waitFor([&] { return !messages.Shown().isEmpty(); }));
+    QVERIFY(test::WaitFor([&] { return !messages.Shown().isEmpty(); }));
     job.worker.Run(nullptr);
-    QVERIFY(waitFor([&] { return messages.Texts() == QStringList(2, "Chyba v obsluze"); }));
+    QVERIFY(test::WaitFor([&] { return messages.Texts() == QStringList(2, "Chyba v obsluze"); }));
 }
 
 void TestBackgroundWorker::doneReportsErrorAndTime_data()
@@ -245,7 +228,7 @@ void TestBackgroundWorker::thousandJobsInARow()
 
     worker.SetPriorita(QThread::LowestPriority);
     worker.Run(&data[0]);
-    QVERIFY(waitFor([&] { return finished == Jobs; }, 60000));
+    QVERIFY(test::WaitFor([&] { return finished == Jobs; }, 60000));
     QTest::qWait(1);
     int expectedProgress = 0;
     for (int job = 0; job < Jobs; ++job) {

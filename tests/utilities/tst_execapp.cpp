@@ -16,26 +16,9 @@ using namespace oxa;
 
 namespace {
 
-// Runs the event loop until done() holds; polls every millisecond, since
-// QTest::qWaitFor sleeps 10 ms between rounds.
-bool waitFor(const std::function<bool()> &done, int timeoutMs = 20000)
-{
-    QEventLoop loop;
-    QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
-        if (done())
-            loop.quit();
-    });
-    poll.start(1);
-    QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
-    if (!done())
-        loop.exec();
-    return done();
-}
-
 bool noWatcherLeft()
 {
-    return waitFor([] { return TExecApplication::WatcherCount() == 0; });
+    return test::WaitFor([] { return TExecApplication::WatcherCount() == 0; });
 }
 
 // Counts the end reports of a launcher and checks each: sent by the launcher
@@ -58,7 +41,7 @@ struct EndRecorder
     {
         const int before = count;
         launcher.Execute();
-        return waitFor([&] { return count == before + 2; }) && noWatcherLeft() && wrong == 0;
+        return test::WaitFor([&] { return count == before + 2; }) && noWatcherLeft() && wrong == 0;
     }
 };
 
