@@ -5,6 +5,7 @@
 #include "SampleDatabase.h"
 
 #include "oxa/package/Package.h"
+#include "oxa/toolkit/Translations.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -15,6 +16,8 @@ int main(int argc, char **argv)
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("oxa-demo"));
     QApplication::setApplicationDisplayName(QStringLiteral("Oxa"));
+    // Qt's own texts (context menus, standard dialogs) in Czech as well.
+    oxa::InstallCzechTranslations();
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Ukázková ambulance s komponentami Oxa"));

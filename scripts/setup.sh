@@ -8,6 +8,7 @@ OXA_PACKAGES=(
     qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools
     libqt6sql6-sqlite libgl-dev libqt6opengl6-dev
     libbenchmark-dev
+    qt6-translations-l10n
 )
 # Only for the comparisons in the benchmarks (scripts/bench.sh).
 OXA_BENCH_PACKAGES=(

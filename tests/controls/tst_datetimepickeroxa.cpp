@@ -129,6 +129,23 @@ private Q_SLOTS:
         QCOMPARE(pickerDate().month(), monthBeforeUp);
     }
 
+    // An empty picker takes a typed date: the digits start from today's
+    // month and year, section by section.
+    void typingIntoTheEmptyDate()
+    {
+        test::MessageRecorder messages;
+        m_picker->setFocus(Qt::TabFocusReason);
+        QVERIFY(m_picker->EmptyDate());
+        press(Qt::Key_5);
+        const QDate today = QDate::currentDate();
+        QCOMPARE(pickerDate(), QDate(today.year(), today.month(), 5));
+        QCOMPARE(m_picker->currentSection(), QDateTimeEdit::MonthSection);
+        press(Qt::Key_3);
+        QCOMPARE(pickerDate(), QDate(today.year(), 3, 5));
+        QCOMPARE(m_changes, 2);
+        QVERIFY(messages.Shown().isEmpty());
+    }
+
     void minDateRules()
     {
         test::MessageRecorder messages;

@@ -86,6 +86,23 @@ private Q_SLOTS:
         QCOMPARE(m_edit->text(), DateToStr(oxa::Date()));
     }
 
+    // A click anywhere behind what was typed lands on the first empty
+    // position, so the next digits are not lost behind the mask's end.
+    void clickBehindTheTextGoesToTheFirstBlank()
+    {
+        const QPoint nearRightEdge(m_edit->width() - 4, m_edit->height() / 2);
+        QTest::mouseClick(m_edit, Qt::LeftButton, {}, nearRightEdge);
+        QCOMPARE(m_edit->cursorPosition(), 0);
+        QTest::keyClicks(m_edit, QStringLiteral("2412"));
+        QCOMPARE(m_edit->text(), QStringLiteral("24.12."));
+        QTest::mouseClick(m_edit, Qt::LeftButton, {}, nearRightEdge);
+        QCOMPARE(m_edit->cursorPosition(), 6);
+        QTest::keyClicks(m_edit, QStringLiteral("2026"));
+        QCOMPARE(m_edit->text(), QStringLiteral("24.12.2026"));
+        QTest::mouseClick(m_edit, Qt::LeftButton, {}, QPoint(4, m_edit->height() / 2));
+        QCOMPARE(m_edit->cursorPosition(), 0); // before the blank: where clicked
+    }
+
     void dateKeysCharactersNeverTyped_data()
     {
         QTest::addColumn<bool>("dateFormat");

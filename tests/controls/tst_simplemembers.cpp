@@ -2,10 +2,13 @@
 #include "oxa/controls/ComboBoxOxa.h"
 #include "oxa/controls/EditOxa.h"
 #include "oxa/controls/LabeledEditOxa.h"
+#include "oxa/controls/MaskEditOxa.h"
 #include "oxa/controls/MemoOxa.h"
+#include "oxa/toolkit/Translations.h"
 #include "support/TestSupport.h"
 
 #include <QAbstractItemView>
+#include <QMenu>
 #include <QPointer>
 #include <QTest>
 
@@ -153,6 +156,60 @@ private Q_SLOTS:
         QVERIFY(!label->isEnabled());
         delete edit;
         QVERIFY(label.isNull());
+    }
+
+    // Tab leaves a memo unless it wants tabs, Ctrl+Tab types one; Enter
+    // presses a focused button as Space does.
+    void platformKeys()
+    {
+        test::TestForm form;
+        auto *before = form.Add<TEditOxa>();
+        auto *memo = form.Add<TMemoOxa>(60);
+        auto *button = form.Add<TButtonOxa>();
+        int clicks = 0;
+        connect(button, &QPushButton::clicked, this, [&] { ++clicks; });
+        QVERIFY(form.Show(memo));
+        QVERIFY(!memo->WantTabs());
+        QTest::keyClick(memo, Qt::Key_Tab);
+        QVERIFY(button->hasFocus());
+        QTest::keyClick(button, Qt::Key_Return);
+        QTRY_COMPARE(clicks, 1);
+        QTest::keyClick(button, Qt::Key_Enter, Qt::KeypadModifier);
+        QTRY_COMPARE(clicks, 2);
+        QTest::keyClick(button, Qt::Key_Backtab, Qt::ShiftModifier);
+        QVERIFY(memo->hasFocus());
+        QTest::keyClick(memo, Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(memo->toPlainText(), QStringLiteral("\t"));
+        QTest::keyClick(memo, Qt::Key_Backtab, Qt::ShiftModifier);
+        QVERIFY(before->hasFocus());
+
+        memo->SetWantTabs(true);
+        memo->setFocus();
+        QTest::keyClick(memo, Qt::Key_Tab);
+        QVERIFY(memo->hasFocus());
+        QCOMPARE(memo->toPlainText(), QStringLiteral("\t\t"));
+    }
+
+    // Qt's own menus speak Czech once the application asked for it.
+    void czechStandardMenus()
+    {
+        QVERIFY2(InstallCzechTranslations(), "Qt's Czech translation (qt6-translations-l10n) is missing");
+        QVERIFY(InstallCzechTranslations()); // a second call changes nothing
+        test::TestForm form;
+        auto *mask = form.Add<TMaskEditOxa>();
+        auto *memo = form.Add<TMemoOxa>(60);
+        QVERIFY(form.Show(mask));
+        for (QWidget *widget : QList<QWidget *>{mask, memo}) {
+            widget->setFocus();
+            QMenu *menu = test::RightClick(widget);
+            QVERIFY(menu);
+            QStringList captions;
+            for (const QAction *action : menu->actions())
+                captions << action->text().remove(QLatin1Char('&')).section(QLatin1Char('\t'), 0, 0);
+            menu->close();
+            for (const char *czech : {"Zpět", "Vyjmout", "Kopírovat", "Vložit"})
+                QVERIFY2(captions.contains(QString::fromUtf8(czech)), qPrintable(captions.join(u'|')));
+        }
     }
 };
 

@@ -28,6 +28,16 @@ void TButtonOxa::DoExit()
     Base::DoExit();
 }
 
+// Enter presses a focused button, as Space does.
+void TButtonOxa::KeyDown(Word &Key, TShiftState Shift)
+{
+    Base::KeyDown(Key, Shift);
+    if (Key == VK_RETURN && Shift == TShiftState() && isEnabled()) {
+        Key = 0;
+        animateClick();
+    }
+}
+
 void TButtonOxa::SetIsFocused(bool value)
 {
     if (value == FIsFocused)

@@ -37,6 +37,7 @@ Q_SIGNALS:
 
 protected:
     void DoEnter() override;
+    void KeyDown(Word &Key, TShiftState Shift) override;
     void DoExit() override;
 
 private:

@@ -332,7 +332,9 @@ bool TDateTimePickerOxa::TypeDigit(int digit)
 {
     if (d->FDroppedDown || isBlankFormat(d->FFormat) || !(displayedSections() & qtSection(d->FSection)))
         return false;
-    const QDate current = date();
+    // The empty date is no date to change: typing starts from today's month
+    // and year.
+    const QDate current = EmptyDate() ? QDate::currentDate() : date();
     // A day beyond the new month's end becomes its last day, as stepping does.
     const auto dayIn = [&current](int year, int month) {
         const QDate first(year, month, 1);
@@ -349,7 +351,7 @@ bool TDateTimePickerOxa::TypeDigit(int digit)
         QApplication::beep();
         return true;
     }
-    if (typed == current) {
+    if (typed == date()) {
         DateTimeChanged(); // the same value typed again still moves on
         return true;
     }

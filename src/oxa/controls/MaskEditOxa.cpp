@@ -1,5 +1,7 @@
 #include "oxa/controls/MaskEditOxa.h"
 
+#include <QMouseEvent>
+
 #include "oxa/toolkit/Catalogue.h"
 #include "oxa/toolkit/DateUtils.h"
 #include "oxa/toolkit/Exceptions.h"
@@ -212,6 +214,43 @@ void TMaskEditOxa::CheckDateOnExit()
         }
         throw;
     }
+}
+
+// The first input position of the mask that holds nothing yet; -1 when
+// every position is filled or there is no mask.
+int TMaskEditOxa::FirstBlankPosition() const
+{
+    const QString mask = inputMask();
+    const qsizetype blankAt = mask.lastIndexOf(QLatin1Char(';'));
+    if (mask.isEmpty() || blankAt < 0 || blankAt + 1 >= mask.size())
+        return -1;
+    const QChar blank = mask.at(blankAt + 1);
+    const QString shown = displayText();
+    int position = 0;
+    for (qsizetype i = 0; i < blankAt && position < shown.size(); ++i) {
+        const QChar c = mask.at(i);
+        if (c == QLatin1Char('<') || c == QLatin1Char('>') || c == QLatin1Char('!'))
+            continue; // case switches take no position
+        if (c == QLatin1Char('\\')) {
+            ++i; // an escaped literal
+        } else if (QStringView(u"AaNnXx90DdHhBb#").contains(c) && shown.at(position) == blank) {
+            return position;
+        }
+        ++position;
+    }
+    return -1;
+}
+
+// A click behind what was typed puts the caret on the first empty position,
+// where typing goes on: behind the mask's end a typed digit would be lost.
+void TMaskEditOxa::mouseReleaseEvent(QMouseEvent *event)
+{
+    Base::mouseReleaseEvent(event);
+    if (event->button() != Qt::LeftButton || hasSelectedText())
+        return;
+    const int blank = FirstBlankPosition();
+    if (blank >= 0 && cursorPosition() > blank)
+        setCursorPosition(blank);
 }
 
 // Nothing but separators and blanks: the untouched mask.

@@ -71,8 +71,10 @@ protected:
     void DoEnter() override;
     void DoExit() override;
     void Loaded() override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
+    int FirstBlankPosition() const;
     void DateKeyDown(Word &Key);
     void StepDate(Word &Key);
     bool IsEmptyDate() const;

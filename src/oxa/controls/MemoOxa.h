@@ -21,12 +21,17 @@ class OXA_EXPORT TMemoOxa : public TFocusColorNavigation<TMemoOxa, QPlainTextEdi
     Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
     Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
     Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
+    Q_PROPERTY(bool WantTabs READ WantTabs WRITE SetWantTabs NOTIFY wantTabsChanged)
 
     using Base = TFocusColorNavigation<TMemoOxa, QPlainTextEdit>;
 
 public:
     explicit TMemoOxa(QWidget *parent = nullptr);
 
+    // Off unless set: Tab and Shift+Tab move the focus on, Ctrl+Tab types a
+    // tab. On: Tab types a tab.
+    bool WantTabs() const { return !tabChangesFocus(); }
+    void SetWantTabs(bool value);
 
 Q_SIGNALS:
     void activeColorChanged();
@@ -36,13 +41,13 @@ Q_SIGNALS:
     void focDownChanged();
     void focLeftChanged();
     void focRightChanged();
+    void wantTabsChanged();
 
 protected:
     void DoEnter() override;
     void DoExit() override;
     void Loaded() override;
-
-private:
+    void KeyDown(Word &Key, TShiftState Shift) override;
 };
 
 OXA_EXPORT void RegisterMemoOxa();
