@@ -1,5 +1,6 @@
 #include "PatientPage.h"
 
+#include "BirthNumber.h"
 #include "CodeListDialog.h"
 #include "SampleDatabase.h"
 
@@ -17,11 +18,13 @@
 #include "oxa/toolkit/Exceptions.h"
 #include "oxa/toolkit/MessageService.h"
 
+#include <QCollator>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QSortFilterProxyModel>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlQueryModel>
@@ -39,10 +42,34 @@ bool DateTyped(const QString &text)
     return !text.trimmed().remove(QLatin1Char('.')).trimmed().isEmpty();
 }
 
+// The list of patients sorted the Czech way: Č after C, "ch" after "h".
+class CzechSortModel : public QSortFilterProxyModel
+{
+public:
+    using QSortFilterProxyModel::QSortFilterProxyModel;
+
+protected:
+    bool lessThan(const QModelIndex &left, const QModelIndex &right) const override
+    {
+        return m_collator.compare(left.data().toString(), right.data().toString()) < 0;
+    }
+
+private:
+    QCollator m_collator{QLocale(QLocale::Czech, QLocale::CzechRepublic)};
+};
+
+// The name of an insurer of the code list; empty for an unknown code.
+QString InsurerName(const QString &code)
+{
+    QSqlQuery q(SampleDatabase::Database());
+    q.prepare(QStringLiteral("SELECT nazev FROM pojistovna WHERE kod = ?"));
+    q.addBindValue(code);
+    return q.exec() && q.next() ? q.value(0).toString() : QString();
+}
+
 } // namespace
 
-PatientPage::PatientPage(QWidget *parent)
-    : QWidget(parent)
+PatientPage::PatientPage(QWidget *parent) : QWidget(parent)
 {
     BuildForm();
     WireNeighbours();
@@ -77,6 +104,8 @@ void PatientPage::BuildForm()
     m_pohlavi = new TComboBoxOxa(box);
     m_pohlavi->setObjectName(QStringLiteral("comboPohlavi"));
     m_pohlavi->addItems({QStringLiteral("muž"), QStringLiteral("žena")});
+    m_pohlavi->setPlaceholderText(QStringLiteral("vyberte"));
+    m_pohlavi->setCurrentIndex(-1); // no silent default: the user chooses
     // The code-list edit keeps its button right of itself, inside this holder.
     auto *insurerHolder = new QWidget(box);
     m_pojistovna = new TOxaEditCis(insurerHolder);
@@ -87,7 +116,11 @@ void PatientPage::BuildForm()
     m_pojistovnaNazev->setReadOnly(true);
     m_pojistovnaNazev->setFocusPolicy(Qt::NoFocus);
     m_pojistovna->SetSecondEdit(m_pojistovnaNazev);
-    m_pojistovna->OnBtnClick2 = [this](QObject *, QString &code, QString &name) { PickInsurer(code, name); };
+    m_pojistovna->OnBtnClick2 = [this](QObject *, QString &code, QString &name) {
+        PickInsurer(code, name);
+    };
+    // A typed code fills the name as a code chosen from the list does.
+    connect(m_pojistovna, &QLineEdit::editingFinished, this, &PatientPage::FillInsurerName);
     auto *insurerLayout = new QHBoxLayout(insurerHolder);
     insurerLayout->setContentsMargins(0, 0, 0, 0);
     insurerLayout->addWidget(m_pojistovna, 0);
@@ -103,7 +136,7 @@ void PatientPage::BuildForm()
     m_vaha->clear(); // an unknown weight stays empty until the field is entered
     m_deti = new TNumEditOxa(box);
     m_deti->setObjectName(QStringLiteral("editDeti"));
-    m_deti->SetNumType(TNumEditOxa::ntInteger);
+    m_deti->SetNumType(TNumEditOxa::ntCardinal); // no minus can be typed
     m_chyby = new TErrorProvider(this);
     // The labeled edit keeps its label above itself, inside this holder.
     auto *telefonHolder = new QWidget(box);
@@ -123,6 +156,7 @@ void PatientPage::BuildForm()
     m_ulozit->setObjectName(QStringLiteral("buttonUlozit"));
     m_ulozit->setText(QStringLiteral("Uložit"));
     m_status = new QLabel(box);
+    m_status->setObjectName(QStringLiteral("labelStatus"));
 
     form->addRow(QStringLiteral("Příjmení:"), m_prijmeni);
     form->addRow(QStringLiteral("Jméno:"), m_jmeno);
@@ -140,10 +174,17 @@ void PatientPage::BuildForm()
     buttons->addWidget(m_status, 1);
     form->addRow(buttons);
     connect(m_ulozit, &QPushButton::clicked, this, &PatientPage::Save);
+    for (QWidget *field : QList<QWidget *>{m_prijmeni, m_rodneCislo, m_datumNarozeni, m_pohlavi,
+                                           m_pojistovna, m_vaha, m_deti})
+        ClearMarkWhenEdited(field);
 
     m_model = new QSqlQueryModel(this);
+    auto *sorted = new CzechSortModel(this);
+    sorted->setSourceModel(m_model);
     m_list = new QTableView(this);
-    m_list->setModel(m_model);
+    m_list->setModel(sorted);
+    m_list->setSortingEnabled(true);
+    m_list->sortByColumn(0, Qt::AscendingOrder);
     m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_list->horizontalHeader()->setStretchLastSection(true);
@@ -190,9 +231,10 @@ void PatientPage::WireNeighbours()
 
 void PatientPage::PickInsurer(QString &code, QString &name)
 {
-    CodeListDialog dialog(QStringLiteral("Číselník pojišťoven"),
-                          QStringLiteral("SELECT kod AS \"Kód\", nazev AS \"Název\" FROM pojistovna ORDER BY kod"),
-                          this);
+    CodeListDialog dialog(
+        QStringLiteral("Číselník pojišťoven"),
+        QStringLiteral("SELECT kod AS \"Kód\", nazev AS \"Název\" FROM pojistovna ORDER BY kod"),
+        this);
     dialog.SelectCode(code);
     if (MessageService::ExecDialog(&dialog) != mrOk || dialog.Code().isEmpty())
         return;
@@ -200,62 +242,130 @@ void PatientPage::PickInsurer(QString &code, QString &name)
     name = dialog.Name();
 }
 
-// Marks what keeps the patient from being saved (errors) and what looks
-// unusual (warnings). Returns whether there is no error.
-bool PatientPage::Validate()
+void PatientPage::FillInsurerName()
+{
+    const QString code = m_pojistovna->text().trimmed();
+    m_pojistovnaNazev->setText(code.isEmpty() ? QString() : InsurerName(code));
+    m_pojistovnaNazev->setCursorPosition(0); // the start of a long name
+}
+
+// A mark goes as soon as the user changes its field; Save checks again.
+void PatientPage::ClearMarkWhenEdited(QWidget *field)
+{
+    const auto clear = [this, field] { m_chyby->ClearError(field); };
+    if (auto *edit = qobject_cast<QLineEdit *>(field))
+        connect(edit, &QLineEdit::textEdited, this, clear);
+    else if (auto *combo = qobject_cast<QComboBox *>(field))
+        connect(combo, &QComboBox::currentIndexChanged, this, clear);
+}
+
+bool PatientPage::Validate(QStringList &warnings)
 {
     m_chyby->ClearAllErrors();
     m_chyby->BeginUpdate();
     bool ok = true;
-    if (m_prijmeni->text().trimmed().isEmpty()) {
-        m_chyby->SetError(m_prijmeni, QStringLiteral("Vyplňte příjmení pacienta."), etError);
+    const auto error = [&](QWidget *field, const QString &text) {
+        if (m_chyby->ErrorImage(field)) // the first fault of a field is shown
+            return;
+        m_chyby->SetError(field, text, etError);
         ok = false;
-    }
+    };
+    const auto warning = [&](QWidget *field, const QString &text) {
+        m_chyby->SetError(field, text, etWarning);
+        warnings << text;
+    };
+
+    if (m_prijmeni->text().trimmed().isEmpty())
+        error(m_prijmeni, QStringLiteral("Vyplňte příjmení pacienta."));
+    if (m_pohlavi->currentIndex() < 0)
+        error(m_pohlavi, QStringLiteral("Vyberte pohlaví."));
+
+    QDate born;
     if (DateTyped(m_datumNarozeni->text())) {
         try {
-            FormatStrToDate(m_datumNarozeni->text());
+            born = DateTimeToQDate(FormatStrToDate(m_datumNarozeni->text()));
+            if (born > QDate::currentDate())
+                error(m_datumNarozeni, QStringLiteral("Datum narození je v budoucnosti."));
+            else if (born.addYears(120) < QDate::currentDate())
+                warning(m_datumNarozeni, QStringLiteral("Pacientovi by bylo přes 120 let."));
         } catch (const EConvertError &e) {
-            m_chyby->SetError(m_datumNarozeni, e.Message(), etError);
-            ok = false;
+            error(m_datumNarozeni, e.Message());
         }
     }
-    if (!m_vaha->text().isEmpty()) {
-        const double weight = m_vaha->getDouble();
-        if (weight != 0 && (weight < 2 || weight > 250))
-            m_chyby->SetError(m_vaha, QStringLiteral("Neobvyklá váha: %1 kg.").arg(m_vaha->text()), etWarning);
+    if (!BirthNumber::Digits(m_rodneCislo->text()).isEmpty()) {
+        const BirthNumber number = BirthNumber::Parse(m_rodneCislo->text());
+        if (!number.IsValid())
+            error(m_rodneCislo, number.error);
+        else if (born.isValid() && born != number.birthDate)
+            error(m_datumNarozeni,
+                  QStringLiteral("Datum narození neodpovídá rodnému číslu (%1).")
+                      .arg(number.birthDate.toString(QStringLiteral("d.M.yyyy"))));
+        else if (m_pohlavi->currentIndex() >= 0 && m_pohlavi->currentIndex() != int(number.sex))
+            error(m_pohlavi, QStringLiteral("Pohlaví neodpovídá rodnému číslu."));
     }
-    if (!m_pojistovna->text().isEmpty() && m_pojistovnaNazev->text().isEmpty())
-        m_chyby->SetError(m_pojistovna, QStringLiteral("Neznámý kód pojišťovny."), etWarning);
+
+    const QString insurer = m_pojistovna->text().trimmed();
+    if (!insurer.isEmpty() && InsurerName(insurer).isEmpty())
+        error(m_pojistovna, QStringLiteral("Pojišťovna %1 není v číselníku.").arg(insurer));
+
+    if (!m_vaha->text().isEmpty()) {
+        try {
+            const double weight = m_vaha->getDouble(); // 0: not weighed
+            if (weight < 0 || weight > 250)
+                error(m_vaha, QStringLiteral("Váha musí být mezi 0 a 250 kg."));
+            else if (weight != 0 && (weight < 2 || weight > 200))
+                warning(m_vaha, QStringLiteral("Neobvyklá váha: %1 kg.").arg(m_vaha->text()));
+        } catch (const EConvertError &e) {
+            error(m_vaha, e.Message());
+        }
+    }
+    if (!m_deti->text().isEmpty() && m_deti->getCardinal() > 20)
+        warning(m_deti, QStringLiteral("Neobvyklý počet dětí: %1.").arg(m_deti->text()));
     m_chyby->EndUpdate();
     return ok;
 }
 
+// Errors stop the save; warnings are asked about once, before anything is stored.
 void PatientPage::Save()
 {
-    if (!Validate()) {
+    QStringList warnings;
+    if (!Validate(warnings)) {
         m_status->setText(QStringLiteral("Opravte označená pole."));
+        return;
+    }
+    if (!warnings.isEmpty() &&
+        MessageService::MessageDlg(warnings.join(QLatin1Char('\n')) +
+                                       QStringLiteral("\n\nUložit i přesto?"),
+                                   mtWarning, mbYes | mbNo) != mrYes) {
+        m_status->setText(QStringLiteral("Neuloženo."));
         return;
     }
     const QString bornText = m_datumNarozeni->text();
     const QString born = DateTyped(bornText) ? DateToStr(FormatStrToDate(bornText)) : QString();
+    const QString birthNumber = m_rodneCislo->text();
     QSqlQuery q(SampleDatabase::Database());
-    q.prepare(QStringLiteral("INSERT INTO pacient (prijmeni, jmeno, rodne_cislo, datum_narozeni, pohlavi,"
-                             " pojistovna, telefon, poznamka, navsteva, vaha, deti)"
-                             " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+    q.prepare(
+        QStringLiteral("INSERT INTO pacient (prijmeni, jmeno, rodne_cislo, datum_narozeni, pohlavi,"
+                       " pojistovna, telefon, poznamka, navsteva, vaha, deti)"
+                       " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
     q.addBindValue(m_prijmeni->text().trimmed());
     q.addBindValue(m_jmeno->text().trimmed());
-    q.addBindValue(m_rodneCislo->text());
-    q.addBindValue(born);
+    q.addBindValue(BirthNumber::Digits(birthNumber).isEmpty() ? QVariant() : QVariant(birthNumber));
+    q.addBindValue(born.isEmpty() ? QVariant() : QVariant(born));
     q.addBindValue(m_pohlavi->currentText());
-    q.addBindValue(m_pojistovna->text());
+    q.addBindValue(m_pojistovna->text().trimmed().isEmpty()
+                       ? QVariant()
+                       : QVariant(m_pojistovna->text().trimmed()));
     q.addBindValue(m_telefon->text().trimmed());
     q.addBindValue(m_poznamka->toPlainText());
-    q.addBindValue(m_navsteva->EmptyDate() ? QString() : DateToStr(m_navsteva->Date()));
+    q.addBindValue(m_navsteva->EmptyDate() ? QVariant() : QVariant(DateToStr(m_navsteva->Date())));
     const double weight = m_vaha->text().isEmpty() ? 0 : m_vaha->getDouble();
-    q.addBindValue(weight == 0 ? QVariant() : QVariant(weight));
-    q.addBindValue(m_deti->text().isEmpty() ? QVariant() : QVariant(m_deti->getInteger()));
+    q.addBindValue(weight == 0 ? QVariant()
+                               : QVariant(weight)); // 0: the numeric edit's empty value
+    q.addBindValue(m_deti->text().isEmpty() ? QVariant() : QVariant(qint64(m_deti->getCardinal())));
     if (!q.exec()) {
-        MessageService::ShowError(QStringLiteral("Pacienta nelze uložit: ") + q.lastError().text(), this);
+        MessageService::ShowError(QStringLiteral("Pacienta nelze uložit: ") + q.lastError().text(),
+                                  this);
         return;
     }
     m_status->setText(QStringLiteral("Pacient %1 uložen.").arg(m_prijmeni->text().trimmed()));
@@ -275,16 +385,19 @@ void PatientPage::ClearForm()
     m_pojistovnaNazev->clear();
     m_vaha->clear();
     m_deti->clear();
+    m_pohlavi->setCurrentIndex(-1);
+    m_chyby->ClearAllErrors();
     m_navsteva->SetDate(m_navsteva->MinDate());
     m_prijmeni->setFocus();
 }
 
 void PatientPage::RefreshList()
 {
-    m_model->setQuery(QStringLiteral("SELECT prijmeni AS \"Příjmení\", jmeno AS \"Jméno\","
-                                     " rodne_cislo AS \"Rodné číslo\", datum_narozeni AS \"Narozen\","
-                                     " pojistovna AS \"Pojišťovna\", navsteva AS \"Návštěva\""
-                                     " FROM pacient ORDER BY id DESC"),
-                      SampleDatabase::Database());
+    m_model->setQuery(
+        QStringLiteral("SELECT prijmeni AS \"Příjmení\", jmeno AS \"Jméno\","
+                       " rodne_cislo AS \"Rodné číslo\", datum_narozeni AS \"Narozen\","
+                       " pojistovna AS \"Pojišťovna\", navsteva AS \"Návštěva\""
+                       " FROM pacient"),
+        SampleDatabase::Database());
     m_list->resizeColumnsToContents();
 }

@@ -17,7 +17,7 @@ class TDateTimePickerOxa;
 class TNumEditOxa;
 class TOxaEditCis;
 class TErrorProvider;
-}
+} // namespace oxa
 
 // Registration of a patient: a form of Oxa data-entry controls wired for
 // Ctrl+arrow movement, and the list of registered patients.
@@ -35,8 +35,12 @@ private:
     void BuildForm();
     void WireNeighbours();
     void Save();
-    bool Validate();
+    // Marks every field that keeps the patient from being saved (errors) or
+    // looks unusual (warnings); the warnings' texts are returned.
+    bool Validate(QStringList &warnings);
     void PickInsurer(QString &code, QString &name);
+    void FillInsurerName();
+    void ClearMarkWhenEdited(QWidget *field);
     void ClearForm();
     void RefreshList();
 
