@@ -3,6 +3,8 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <atomic>
+#include <optional>
 #include <vector>
 
 class QLabel;
@@ -13,7 +15,7 @@ class QPushButton;
 namespace oxa {
 class TBackgroundWorker;
 class TExecApplication;
-}
+} // namespace oxa
 
 // Export of the patient list to a spreadsheet file: written on a background
 // worker with progress and cancelling, then opened in a spreadsheet program.
@@ -28,19 +30,30 @@ public:
     // done; returns the error text (empty on success).
     QString ExportAndWait(const QString &fileName);
 
+    // A worksheet holds 65,536 rows; one is the header, and the rows are
+    // counted from 1 in 16 bits: 65,534 patients a file.
+    static constexpr int PatientsPerFile = 65534;
+    // The files an export of patients writes: fileName, then name-2.xls...
+    static QStringList TargetFiles(const QString &fileName, qsizetype patients);
+
 Q_SIGNALS:
     void exportFinished(const QString &error);
 
 private:
     struct PatientRow
     {
-        QStringList texts;  // surname, first name, birth number, born, insurer
-        double weight = 0;
-        int children = 0;
+        QStringList texts;            // surname, first name, birth number, born, insurer
+        std::optional<double> weight; // none: not known, the cell stays empty
+        std::optional<double> children;
     };
 
-    void StartExport();
-    void WriteFile(const std::vector<PatientRow> &rows, const QString &fileName);
+    // False when the export did not start (the user declined, a folder could
+    // not be made).
+    bool StartExport();
+    void ChooseFile();
+    bool PrepareFolder(const QString &fileName);
+    void WriteFiles();
+    void WriteFile(qsizetype first, qsizetype count, const QString &fileName, qsizetype total);
     void ExportDone(const QString &error, double elapsedDays);
     void OpenFile();
     std::vector<PatientRow> ReadPatients() const;
@@ -55,6 +68,8 @@ private:
     QPushButton *m_export = nullptr;
     QPushButton *m_cancel = nullptr;
     QPushButton *m_open = nullptr;
+    QPushButton *m_browse = nullptr;
     std::vector<PatientRow> m_rows;
-    QString m_target; // the file the running or last export writes
+    QStringList m_targets;        // the files the running or last export writes
+    std::atomic_int m_written{0}; // how many of them are complete
 };

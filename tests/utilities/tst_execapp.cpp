@@ -7,8 +7,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
-#include <cerrno>
 #include <atomic>
+#include <cerrno>
 #include <cstring>
 #include <memory>
 
@@ -75,7 +75,8 @@ void TestExecApp::secondCopyIsRefused()
     auto launcher = std::make_unique<TExecApplication>();
     EndRecorder ends(*launcher);
     launcher->SetApplicationName(
-        QStringLiteral("/bin/sh -c 'while [ ! -e \"$0\" ]; do sleep 0.01; done' ") + marker.fileName());
+        QStringLiteral("/bin/sh -c 'while [ ! -e \"$0\" ]; do sleep 0.01; done' ") +
+        marker.fileName());
 
     launcher->Execute();
     launcher->Execute();
@@ -99,7 +100,8 @@ void TestExecApp::argumentsReachTheProgram_data()
     QTest::newRow("double quotes") << QStringLiteral("\"a b\" c") << QStringList{"a b", "c"};
     QTest::newRow("single quotes") << QStringLiteral("'x \"y\"' z") << QStringList{"x \"y\"", "z"};
     QTest::newRow("empty argument") << QStringLiteral("\"\" last") << QStringList{"", "last"};
-    QTest::newRow("backslash, Czech") << QStringLiteral("C:\\Data\\kůň.txt") << QStringList{"C:\\Data\\kůň.txt"};
+    QTest::newRow("backslash, Czech")
+        << QStringLiteral("C:\\Data\\kůň.txt") << QStringList{"C:\\Data\\kůň.txt"};
 }
 
 void TestExecApp::argumentsReachTheProgram()
@@ -110,8 +112,9 @@ void TestExecApp::argumentsReachTheProgram()
     QFile output(dir.filePath(QStringLiteral("argv.txt")));
     TExecApplication launcher;
     EndRecorder ends(launcher);
-    launcher.SetApplicationName(QStringLiteral("/bin/sh -c 'printf \"%s\\n\" \"$@\" > \"$0\"' %1 %2")
-                                    .arg(output.fileName(), arguments));
+    launcher.SetApplicationName(
+        QStringLiteral("/bin/sh -c 'printf \"%s\\n\" \"$@\" > \"$0\"' %1 %2")
+            .arg(output.fileName(), arguments));
 
     QVERIFY(ends.RunToEnd(launcher));
     QVERIFY(output.open(QIODevice::ReadOnly));
@@ -123,20 +126,32 @@ void TestExecApp::argumentsReachTheProgram()
 // platform's error and leaves the launcher idle for the next program.
 void TestExecApp::hundredProgramsInARow()
 {
-    const QList<QPair<QString, int>> programs = {
-        {"/bin/true", 0}, {"/bin/sh -c 'exit 3'", 0}, {"true", 0}, {"/bin/sh -c 'kill -9 $$'", 0},
-        {"", ENOENT}, {"  \"\" -x", ENOENT}, {"/nonexistent/oxa-program -a", ENOENT},
-        {"oxa-no-such-program", ENOENT}, {QDir::tempPath(), EACCES}};
+    struct Program
+    {
+        QString commandLine;
+        int errorCode; // of the start; 0: it starts
+        int exitCode;  // how it ends, when it starts
+    };
+    const QList<Program> programs = {{"/bin/true", 0, 0},
+                                     {"/bin/sh -c 'exit 3'", 0, 3},
+                                     {"true", 0, 0},
+                                     {"/bin/sh -c 'kill -9 $$'", 0, 128 + 9},
+                                     {"", ENOENT, 0},
+                                     {"  \"\" -x", ENOENT, 0},
+                                     {"/nonexistent/oxa-program -a", ENOENT, 0},
+                                     {"oxa-no-such-program", ENOENT, 0},
+                                     {QDir::tempPath(), EACCES, 0}};
     test::MessageRecorder messages;
     TExecApplication launcher;
     EndRecorder ends(launcher);
     int started = 0;
     for (int i = 0; i < 100; ++i) {
-        const auto &[commandLine, errorCode] = programs[i % programs.size()];
+        const auto &[commandLine, errorCode, exitCode] = programs[i % programs.size()];
         launcher.SetApplicationName(commandLine);
         try {
             QVERIFY(ends.RunToEnd(launcher));
             QCOMPARE(errorCode, 0);
+            QCOMPARE(launcher.ExitCode(), exitCode);
             ++started;
         } catch (const EOSError &error) {
             QCOMPARE(error.ErrorCode(), errorCode);

@@ -16,7 +16,8 @@
 #include <vector>
 
 #ifdef _WIN32
-#error "TExecApplication: the Windows process start (CreateProcessW with the show-window hint, WaitForSingleObject, GetExitCodeProcess) is not written yet; add it to StartProcess and WaitForProcess below."
+#error \
+    "TExecApplication: the Windows process start (CreateProcessW with the show-window hint, WaitForSingleObject, GetExitCodeProcess) is not written yet; add it to StartProcess and WaitForProcess below."
 #else
 #include <cerrno>
 #include <csignal>
@@ -45,9 +46,12 @@ constexpr quint16 ShowMaximized = 3;
 quint16 ShowWindowValue(TExecApplication::TWindowState state)
 {
     switch (state) {
-    case TExecApplication::wsNormal: return ShowNormal;
-    case TExecApplication::wsMinimized: return ShowMinimized;
-    case TExecApplication::wsMaximized: return ShowMaximized;
+    case TExecApplication::wsNormal:
+        return ShowNormal;
+    case TExecApplication::wsMinimized:
+        return ShowMinimized;
+    case TExecApplication::wsMaximized:
+        return ShowMaximized;
     }
     return ShowNormal;
 }
@@ -182,8 +186,7 @@ void ShowExceptionLater(std::exception_ptr error)
 EOSError::EOSError(int errorCode)
     : Exception(QString::fromLocal8Bit(std::system_category().message(errorCode))),
       m_errorCode(errorCode)
-{
-}
+{ }
 
 // The watcher of one started program. The program is started by the
 // constructor; Start then waits for it on the watcher thread at a lower
@@ -215,10 +218,8 @@ private:
 };
 
 TExecThread::TExecThread(TExecApplication *MyApplication, quint16 Visibility)
-    : FApplication(MyApplication),
-      FApplicationName(MyApplication->ApplicationName()),
-      FVisibility(Visibility),
-      ProcessInfo(StartProcess(FApplicationName, FVisibility))
+    : FApplication(MyApplication), FApplicationName(MyApplication->ApplicationName()),
+      FVisibility(Visibility), ProcessInfo(StartProcess(FApplicationName, FVisibility))
 {
     ++watcherCount();
 }
@@ -263,14 +264,13 @@ void TExecThread::Execute()
 void TExecThread::ExecuteEnd()
 {
     const QMutexLocker lock(&fLink);
-    if (FApplication)
-        FApplication->DoApplicationEnd(this);
+    if (!FApplication)
+        return;
+    FApplication->FExitCode = FExitCode;
+    FApplication->DoApplicationEnd(this);
 }
 
-TExecApplication::TExecApplication(QObject *owner)
-    : QObject(owner)
-{
-}
+TExecApplication::TExecApplication(QObject *owner) : QObject(owner) { }
 
 TExecApplication::~TExecApplication()
 {

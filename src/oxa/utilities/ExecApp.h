@@ -55,8 +55,10 @@ private:
 class OXA_EXPORT TExecApplication : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(QString ApplicationName READ ApplicationName WRITE SetApplicationName NOTIFY applicationNameChanged)
-    Q_PROPERTY(TWindowState WindowState READ WindowState WRITE SetWindowState NOTIFY windowStateChanged)
+    Q_PROPERTY(QString ApplicationName READ ApplicationName WRITE SetApplicationName NOTIFY
+                   applicationNameChanged)
+    Q_PROPERTY(
+        TWindowState WindowState READ WindowState WRITE SetWindowState NOTIFY windowStateChanged)
     Q_PROPERTY(bool IsRunnig READ IsRunnig NOTIFY isRunnigChanged)
 
 public:
@@ -83,6 +85,10 @@ public:
         Q_EMIT windowStateChanged();
     }
     bool IsRunnig() const { return FIsRunning; }
+    // How the last program ended: its exit code, 128 + the signal for a
+    // program killed by a signal, -1 before any program ended. Set before
+    // OnApplicationEnd fires.
+    int ExitCode() const { return FExitCode; }
 
     void Execute();
     // The end of the program: IsRunnig := false, then OnApplicationEnd.
@@ -99,11 +105,13 @@ Q_SIGNALS:
     void isRunnigChanged();
 
 private:
+    friend class TExecThread;
     void watcherFinished(TExecThread *watcher);
 
     QString FApplicationName;
     TWindowState FWindowState = wsNormal;
     std::atomic_bool FIsRunning{false};
+    std::atomic_int FExitCode{-1};
     QList<QPointer<TExecThread>> fWatchers;
 };
 
