@@ -99,10 +99,13 @@ bool IsHoliday(const QDate &d)
     return fixed.contains({d.day(), d.month()});
 }
 
-const QDate kLeaveFrom(2026, 12, 21);
-const QDate kLeaveTo(2026, 12, 31);
-const QDate kSeminar(2026, 10, 16); // leave from noon
-const QDate kToday(2026, 11, 21);
+// The clinic's diary is filled around the day the sample database is made:
+// three months either side, a busy fortnight around it, a leave and a
+// seminar.
+const QDate kToday = QDate::currentDate();
+const QDate kLeaveFrom = kToday.addDays(30);
+const QDate kLeaveTo = kToday.addDays(40);
+const QDate kSeminar = kToday.addDays(-36); // leave from noon
 
 struct Contact
 {
@@ -141,7 +144,7 @@ public:
             return true;
         if (date == kSeminar)
             hours[1] = {0, 0};
-        const bool busy = date >= QDate(2026, 11, 16) && date <= QDate(2026, 11, 27);
+        const bool busy = date >= kToday.addDays(-5) && date <= kToday.addDays(6);
         for (const Interval &interval : hours) {
             if (interval.to <= interval.from)
                 continue;
@@ -306,7 +309,10 @@ bool FillDiarySampleData(QSqlDatabase &db, QString *error)
         " id_kontakt, kontakt, rc, tabulka_reference, podrobnosti, splneno, upozornit,"
         " jedn_upozorneni, id_diar_pristroj) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
     Generator generator(insert, patientContacts, partnerContacts);
-    for (QDate date(2026, 9, 1); date <= QDate(2027, 2, 28); date = date.addDays(1)) {
+    const QDate first = kToday.addMonths(-3);
+    const QDate last = kToday.addMonths(3);
+    for (QDate date(first.year(), first.month(), 1); date <= QDate(last.year(), last.month(), last.daysInMonth());
+         date = date.addDays(1)) {
         if (!generator.Day(date, error))
             return false;
     }

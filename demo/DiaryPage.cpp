@@ -29,8 +29,6 @@ using namespace oxa;
 
 namespace {
 
-// The sample clinic's "today": its diary is filled around this day.
-const QDate kToday(2026, 11, 21);
 
 QSqlDatabase Db()
 {
@@ -128,7 +126,10 @@ public:
         times->addWidget(m_od);
         times->addWidget(new QLabel(QStringLiteral("–")));
         times->addWidget(m_do);
-        form->addRow(QStringLiteral("Č&as:"), times);
+        // A label of a row of widgets needs its buddy for the "&" to be a key.
+        auto *timeLabel = new QLabel(QStringLiteral("Č&as:"));
+        timeLabel->setBuddy(m_od);
+        form->addRow(timeLabel, times);
         form->addRow(QStringLiteral("&Kontakt:"), m_kontakt);
         form->addRow(QStringLiteral("Po&drobnosti:"), m_podrobnosti);
         form->addRow(QStringLiteral("&Splněno:"), m_splneno);
@@ -182,9 +183,11 @@ private:
 
 DiaryPage::DiaryPage(QWidget *parent) : QWidget(parent)
 {
+    setProperty("statusHint", QStringLiteral("Šipky mění den, Ctrl+šipky přesunou vybraný záznam o den "
+                                             "nebo týden, Enter jej otevře, Delete smaže."));
     BuildLayout();
     LoadSettings();
-    GoTo(kToday);
+    GoTo(QDate::currentDate());
     LoadEntries();
     WirePanel();
 }
@@ -459,7 +462,7 @@ bool DiaryPage::ConfirmDelete(const TDayRecord &z)
     const QString text = QStringLiteral("Smazat záznam %1 %2 ze dne %3?")
                              .arg(SpocitejHodiny(z.CasOd, z.CasDo), z.Popis.Text(),
                                   EntryDate(z).toString(QStringLiteral("d.M.yyyy")));
-    if (!MessageService::Confirm(text, this))
+    if (!MessageService::Confirm(text, this, mbNo)) // Enter keeps the entry
         return false;
     QSqlQuery q(Db());
     q.prepare(QStringLiteral("DELETE FROM diar WHERE id = ?"));

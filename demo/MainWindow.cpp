@@ -18,7 +18,13 @@ MainWindow::MainWindow(QWidget *parent)
     AddPage(new DiaryPage(this), QStringLiteral("Diář"), QStringLiteral("diar"));
     m_export = new ExportPage(this);
     AddPage(m_export, QStringLiteral("Export"), QStringLiteral("export"));
-    statusBar()->showMessage(QStringLiteral("Ctrl+šipky přesouvají mezi poli, Tab v pořadí formuláře."));
+    // Each page says what its keys do (its "statusHint" property).
+    const auto showHint = [this](int index) {
+        const QString hint = m_tabs->widget(index)->property("statusHint").toString();
+        statusBar()->showMessage(hint.isEmpty() ? QStringLiteral("Tab v pořadí formuláře.") : hint);
+    };
+    connect(m_tabs, &QTabWidget::currentChanged, this, showHint);
+    showHint(m_tabs->currentIndex());
     resize(1100, 720);
 }
 

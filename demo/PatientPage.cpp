@@ -71,6 +71,8 @@ QString InsurerName(const QString &code)
 
 PatientPage::PatientPage(QWidget *parent) : QWidget(parent)
 {
+    setProperty("statusHint", QStringLiteral("Ctrl+šipky přesouvají mezi poli, Tab v pořadí formuláře, "
+                                             "Enter na tlačítku Uložit uloží pacienta."));
     BuildForm();
     WireNeighbours();
     RefreshList();

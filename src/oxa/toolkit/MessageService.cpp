@@ -78,8 +78,12 @@ TModalResult execMessageBox(const TMessageRequest &request)
     };
     QList<QPair<QAbstractButton *, TModalResult>> buttons;
     for (const ButtonDef &def : defs) {
-        if (request.Buttons & def.flag)
-            buttons.append({box.addButton(QString::fromUtf8(def.text), def.role), def.result});
+        if (!(request.Buttons & def.flag))
+            continue;
+        QPushButton *button = box.addButton(QString::fromUtf8(def.text), def.role);
+        if (request.DefaultButton & def.flag)
+            box.setDefaultButton(button);
+        buttons.append({button, def.result});
     }
     box.exec();
     for (const auto &[button, result] : buttons) {
@@ -93,13 +97,14 @@ TModalResult execMessageBox(const TMessageRequest &request)
 
 TModalResult MessageService::MessageDlg(const QString &text, TMsgDlgType type,
                                         TMsgDlgButtons buttons, QWidget *parent,
-                                        const QString &caption)
+                                        const QString &caption, TMsgDlgButtons defaultButton)
 {
     TMessageRequest request;
     request.Type = type;
     request.Caption = caption.isEmpty() ? defaultCaption(type) : caption;
     request.Text = text;
     request.Buttons = buttons;
+    request.DefaultButton = defaultButton;
     request.Parent = parent;
     if (messageAnswerer())
         return messageAnswerer()(request);
@@ -121,9 +126,9 @@ void MessageService::ShowWarning(const QString &text, QWidget *parent)
     MessageDlg(text, mtWarning, mbOK, parent);
 }
 
-bool MessageService::Confirm(const QString &text, QWidget *parent)
+bool MessageService::Confirm(const QString &text, QWidget *parent, TMsgDlgButtons defaultButton)
 {
-    return MessageDlg(text, mtConfirmation, mbYesNo, parent) == mrYes;
+    return MessageDlg(text, mtConfirmation, mbYesNo, parent, QString(), defaultButton) == mrYes;
 }
 
 TModalResult MessageService::MessageBox(QWidget *parent, const QString &text,

@@ -48,6 +48,8 @@ struct OXA_EXPORT TMessageRequest
     QString Caption;
     QString Text;
     TMsgDlgButtons Buttons = mbOK;
+    // The button Enter presses; none: the box's own choice.
+    TMsgDlgButtons DefaultButton;
     QWidget *Parent = nullptr;
 };
 
@@ -65,11 +67,15 @@ public:
     // Shows a message box and returns the button the user pressed.
     static TModalResult MessageDlg(const QString &text, TMsgDlgType type,
                                    TMsgDlgButtons buttons, QWidget *parent = nullptr,
-                                   const QString &caption = QString());
+                                   const QString &caption = QString(),
+                                   TMsgDlgButtons defaultButton = {});
     static void ShowMessage(const QString &text, QWidget *parent = nullptr);
     static void ShowError(const QString &text, QWidget *parent = nullptr);
     static void ShowWarning(const QString &text, QWidget *parent = nullptr);
-    static bool Confirm(const QString &text, QWidget *parent = nullptr);
+    // Yes or No; defaultButton mbNo makes Enter keep things as they are
+    // (before deleting, say).
+    static bool Confirm(const QString &text, QWidget *parent = nullptr,
+                        TMsgDlgButtons defaultButton = {});
     // A box with a caption of its own, as the platform's message box shows it.
     static TModalResult MessageBox(QWidget *parent, const QString &text, const QString &caption,
                                    TMsgDlgType type = mtInformation, TMsgDlgButtons buttons = mbOK);
