@@ -8,10 +8,12 @@ OXA_PACKAGES=(
     qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools
     libqt6sql6-sqlite libgl-dev
     libbenchmark-dev
+    libqt6sql6-psql
 )
 OXA_TEST_PACKAGES=(
     python3 python3-xlrd libreoffice-calc-nogui
     xvfb xauth
+    postgresql
 )
 
 oxa_missing_packages() {
