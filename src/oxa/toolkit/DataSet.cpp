@@ -242,6 +242,7 @@ struct TDataSet::Private
     bool changedWhileDisabled = false;
     bool stateChangedWhileDisabled = false;
     int packet = 100;
+    int activeOffset = 0;
     int keepBefore = 0;
     int keepAfter = 0;
     QList<TDataSource *> sources;
@@ -676,8 +677,24 @@ void TDataSet::SetRecordCount(int Count)
 
 // ---- reading and writing the current record
 
+int TDataSet::ActiveOffset() const
+{
+    return d->activeOffset;
+}
+
+void TDataSet::SetActiveOffset(int Offset)
+{
+    d->activeOffset = Offset;
+}
+
 QVariant TDataSet::CurrentValue(int FieldIndex) const
 {
+    if (d->activeOffset != 0) {
+        const int index = d->cur + d->activeOffset;
+        return d->cur >= 0 && index >= 0 && index < d->window.size()
+            ? d->window.at(index).values.value(FieldIndex)
+            : QVariant();
+    }
     if (d->editing())
         return d->buffer.value(FieldIndex);
     if (d->cur < 0 || d->cur >= d->window.size())

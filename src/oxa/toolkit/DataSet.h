@@ -171,6 +171,10 @@ public:
     QVariant RecordValue(int Offset, int FieldIndex) const;
     // Whether the record Offset away is the one being inserted.
     bool IsInsertedRecord(int Offset) const;
+    // While a grid paints a row, the fields read the record Offset away from
+    // the cursor (the toolkit's active record); 0 again afterwards.
+    int ActiveOffset() const;
+    void SetActiveOffset(int Offset);
     // Records held in memory now; bounded whatever the size of the table.
     int BufferedRecords() const;
 
