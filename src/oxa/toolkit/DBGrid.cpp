@@ -477,7 +477,10 @@ void TCustomDBGrid::LayoutChanged()
     if (d->layingOut)
         return;
     d->layingOut = true;
-    TDBGridColumns *columns = Columns();
+    // Not Columns(): the constructor lays out before a derived grid could
+    // make its own column class.
+    TDBGridColumns *columns = d->columns.get();
+    const int columnCount = columns ? columns->Count() : 0;
     const int offset = d->offset();
     const int fixedRows = d->fixedRows();
     TGridOptions options = Options();
@@ -490,7 +493,7 @@ void TCustomDBGrid::LayoutChanged()
     options.setFlag(goHorzLine, d->options.testFlag(dgRowLines));
     options.setFlag(goRangeSelect, false);
     SetOptions(options);
-    SetColCount(offset + std::max(1, columns->Count()));
+    SetColCount(offset + std::max(1, columnCount));
     SetRowCount(std::max(RowCount(), fixedRows + 1));
     if (FixedCols() != offset)
         SetFixedCols(offset);
@@ -498,7 +501,7 @@ void TCustomDBGrid::LayoutChanged()
         SetFixedRows(fixedRows);
     if (offset)
         SetColWidths(0, kIndicatorWidth);
-    for (int i = 0; i < columns->Count(); ++i) {
+    for (int i = 0; i < columnCount; ++i) {
         TColumn *column = columns->Items(i);
         SetColWidths(offset + i, column->Visible() ? column->Width() : 0);
         SetTabStops(offset + i, column->Visible());
