@@ -7,6 +7,7 @@
 #include "support/TestSupport.h"
 
 #include <QLineEdit>
+#include <QScrollBar>
 #include <QSqlQuery>
 #include <QtTest>
 
@@ -159,9 +160,17 @@ private Q_SLOTS:
         QCOMPARE(m_grid->Row(), rows);
         QVERIFY(m_set->BufferedRecords() <= 4 * 20 + 2 * rows);
 
+        QScrollBar *bar = nullptr;
+        for (QScrollBar *candidate : m_grid->findChildren<QScrollBar *>()) {
+            if (candidate->orientation() == Qt::Vertical && candidate->isVisible())
+                bar = candidate;
+        }
+        QVERIFY(bar);
+        QCOMPARE(bar->value(), bar->maximum());
         key(Qt::Key_Home, Qt::ControlModifier);
         QCOMPARE(id(), 1);
         QCOMPARE(m_grid->Row(), 1);
+        QCOMPARE(bar->value(), 0);
         key(Qt::Key_PageDown);
         QCOMPARE(id(), 1 + rows);
         key(Qt::Key_Up);
