@@ -13,6 +13,7 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTimer>
@@ -90,7 +91,7 @@ bool VaccinationPage::EnsureTables(QString *error)
     return true;
 }
 
-VaccinationPage::VaccinationPage(QWidget *parent)
+VaccinationPage::VaccinationPage(QWidget *parent, const QString &connectionName)
     : QWidget(parent), m_vaccinations(new TSqlDataSet), m_doctors(new TSqlDataSet)
 {
     QString error;
@@ -99,7 +100,8 @@ VaccinationPage::VaccinationPage(QWidget *parent)
                                   this);
 
     m_patients = new QComboBox(this);
-    QSqlQuery patients(SampleDatabase::Database());
+    QSqlQuery patients(QSqlDatabase::database(
+        connectionName.isEmpty() ? SampleDatabase::Database().connectionName() : connectionName));
     patients.exec(
         QStringLiteral("SELECT id, prijmeni, jmeno FROM pacient ORDER BY prijmeni, jmeno"));
     while (patients.next())
@@ -107,7 +109,8 @@ VaccinationPage::VaccinationPage(QWidget *parent)
                                 patients.value(2).toString(),
                             patients.value(0));
 
-    const QString connection = SampleDatabase::Database().connectionName();
+    const QString connection =
+        connectionName.isEmpty() ? SampleDatabase::Database().connectionName() : connectionName;
     m_doctors->SetConnectionName(connection);
     m_doctors->SetTableName(QStringLiteral("lekar"));
     m_doctorSource = new TDataSource(this);
@@ -168,6 +171,11 @@ VaccinationPage::VaccinationPage(QWidget *parent)
     layout->addLayout(patientRow);
     layout->addWidget(m_grid, 1);
     layout->addLayout(details);
+    if (connectionName.isEmpty()) {
+        auto *second = new QPushButton(QStringLiteral("Druhé okno (jiný uživatel)"), this);
+        connect(second, &QPushButton::clicked, this, [this] { OpenSecondWindow(); });
+        layout->addWidget(second, 0, Qt::AlignLeft);
+    }
     layout->addWidget(new QLabel(
         QStringLiteral("Mezerník, plus a minus mění stav, mezerník zaškrtne „Podáno“; "
                        "Ctrl+šipka dolů přejde k podrobnostem. Každá změna se ukládá hned."),
@@ -227,6 +235,26 @@ void VaccinationPage::ApplyColumns()
             column->SetReadOnly(true);
         }
     }
+}
+
+void VaccinationPage::OpenSecondWindow()
+{
+    const QString name = QStringLiteral("oxa-demo-second");
+    if (!QSqlDatabase::contains(name)) {
+        QSqlDatabase second = QSqlDatabase::cloneDatabase(SampleDatabase::Database(), name);
+        if (!second.open()) {
+            MessageService::ShowError(QStringLiteral("Druhé spojení s databází nelze otevřít: %1")
+                                          .arg(second.lastError().text()),
+                                      this);
+            return;
+        }
+    }
+    auto *window = new VaccinationPage(nullptr, name);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->setWindowTitle(QStringLiteral("Očkování – druhý uživatel"));
+    window->resize(900, 560);
+    connect(this, &QObject::destroyed, window, &QWidget::close);
+    window->show();
 }
 
 // A change of a field is posted as soon as the current event is done, so

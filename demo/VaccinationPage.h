@@ -34,7 +34,9 @@ class VaccinationPage : public QWidget
     Q_OBJECT
 
 public:
-    explicit VaccinationPage(QWidget *parent = nullptr);
+    // connection: the QSqlDatabase connection to work on; empty for the
+    // demo's own.
+    explicit VaccinationPage(QWidget *parent = nullptr, const QString &connection = QString());
     ~VaccinationPage() override;
 
     // Creates the page's tables with sample data where they are missing.
@@ -44,6 +46,9 @@ private:
     void ShowPatient(int index);
     void ApplyColumns();
     void StoreAtOnce();
+    // A second window on a connection of its own: a second user of the
+    // same records, to see what happens when both change one.
+    void OpenSecondWindow();
 
     QComboBox *m_patients = nullptr;
     std::unique_ptr<oxa::TSqlDataSet> m_vaccinations;
