@@ -758,10 +758,15 @@ void TCustomDBGrid::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y
     const TGridCoord cell = MouseCoord(X, Y);
     const TGridCoord pressed = d->pressed;
     d->pressed = {-1, -1};
-    if (Button != mbLeft || cell != pressed || cell.Y < d->fixedRows() || cell.X < d->offset())
+    if (cell != pressed || cell.Y < d->fixedRows() || cell.X < d->offset())
         return;
-    if (TColumn *column = Columns()->Items(cell.X - d->offset()))
+    TColumn *column = Columns()->Items(cell.X - d->offset());
+    if (!column)
+        return;
+    if (Button == mbLeft)
         CellClick(column);
+    else if (Button == mbRight && column->PopupMenu())
+        column->PopupMenu()->popup(viewport()->mapToGlobal(QPoint(X, Y)));
 }
 
 void TCustomDBGrid::wheelEvent(QWheelEvent *event)

@@ -11,6 +11,7 @@
 #include "support/TestSupport.h"
 
 #include <QLineEdit>
+#include <QMenu>
 #include <QSqlQuery>
 #include <QtTest>
 
@@ -196,9 +197,9 @@ private Q_SLOTS:
         // Moving off the record (and back) posted the pending change first,
         // as every move does; a key that never reached the data set left it.
         QCOMPARE(m_set->State(), touched ? dsBrowse : dsEdit);
-        const int stored = scalar(QStringLiteral("SELECT state FROM vaccine WHERE id = %1")
-                                      .arg(startRecord))
-                               .toInt();
+        const int stored =
+            scalar(QStringLiteral("SELECT state FROM vaccine WHERE id = %1").arg(startRecord))
+                .toInt();
         QCOMPARE(stored, touched ? 2 - startRecord % 3 : startRecord % 3);
     }
 
@@ -352,6 +353,48 @@ private Q_SLOTS:
         grid->SetEnableRightButton(false);
         QTest::mouseClick(grid->viewport(), Qt::RightButton, {}, cell);
         QCOMPARE(state(), 1);
+    }
+
+    void booleanInAnEnumerationIsInverted_data()
+    {
+        databases();
+    }
+    void booleanInAnEnumerationIsInverted()
+    {
+        PREPARE();
+        TEnhancedCheckDBGrid *grid = enhancedGrid();
+        auto *given = qobject_cast<TEnhancedCheckValueColumn *>(grid->Columns()->Items(1));
+        test::MessageRecorder messages(mrYes); // from check box to enumeration
+        given->SetCheckLevel(2);
+        given->SetStringValues({QStringLiteral("ne"), QStringLiteral("ano")});
+        grid->SetSelectedIndex(1);
+        TField *field = m_set->FieldByName(QStringLiteral("given"));
+        QCOMPARE(field->AsBoolean(), false);
+        QTest::keyClick(grid, Qt::Key_Space); // arms
+        QTest::keyClick(grid, Qt::Key_Space);
+        QCOMPARE(field->AsBoolean(), true);
+        QTest::keyClick(grid, Qt::Key_Minus, Qt::KeypadModifier); // backward: inverted too
+        QCOMPARE(field->AsBoolean(), false);
+    }
+
+    void columnMenuOnTheRightButton_data()
+    {
+        databases();
+    }
+    void columnMenuOnTheRightButton()
+    {
+        PREPARE();
+        TEnhancedCheckDBGrid *grid = enhancedGrid();
+        grid->SetEnableRightButton(true);
+        QMenu menu;
+        menu.addAction(QStringLiteral("Podrobnosti"));
+        grid->Columns()->Items(2)->SetPopupMenu(&menu);
+        const QPoint cell = grid->CellRect(3, 1).center();
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cell); // arms
+        QTest::mouseClick(grid->viewport(), Qt::RightButton, {}, cell);
+        QTRY_VERIFY(menu.isVisible());
+        QCOMPARE(state(), 1); // the column's own menu, not a step back
+        menu.close();
     }
 
     void firstAndLastColumnsAreStops_data()
