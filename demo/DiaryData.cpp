@@ -1,5 +1,7 @@
 #include "DiaryData.h"
 
+#include "SampleDatabase.h"
+
 #include <QDate>
 #include <QList>
 #include <QRandomGenerator>
@@ -20,7 +22,7 @@ bool Fail(const QSqlQuery &q, QString *error)
 
 bool Exec(QSqlQuery &q, const QString &sql, QString *error)
 {
-    return q.exec(sql) || Fail(q, error);
+    return q.exec(SampleDatabase::Portable(sql)) || Fail(q, error);
 }
 
 bool ExecBound(QSqlQuery &q, const QVariantList &values, QString *error)

@@ -3,6 +3,7 @@
 #include "DiaryPage.h"
 #include "ExportPage.h"
 #include "PatientPage.h"
+#include "VaccinationPage.h"
 
 #include <QApplication>
 #include <QDir>
@@ -16,6 +17,7 @@ MainWindow::MainWindow(QWidget *parent)
     setCentralWidget(m_tabs);
     AddPage(new PatientPage(this), QStringLiteral("Pacient"), QStringLiteral("pacient"));
     AddPage(new DiaryPage(this), QStringLiteral("Diář"), QStringLiteral("diar"));
+    AddPage(new VaccinationPage(this), QStringLiteral("Očkování"), QStringLiteral("ockovani"));
     m_export = new ExportPage(this);
     AddPage(m_export, QStringLiteral("Export"), QStringLiteral("export"));
     // Each page says what its keys do (its "statusHint" property).

@@ -9,11 +9,17 @@ class SampleDatabase
 {
 public:
     // Opens (and on first use creates) the database file; an empty path
-    // means the default file in the user's data directory.
+    // means the default file in the user's data directory. A
+    // postgresql://user@host[:port]/dbname address (the host may be a socket
+    // directory, written percent-encoded or as ?host=/dir) opens a server
+    // database instead, creating the sample tables when it has none.
     static bool Open(const QString &path, QString *error = nullptr);
     static QString DefaultPath();
     static QSqlDatabase Database();
     static void Close();
+    // The sample schema's SQLite statement as the connected server takes it
+    // (PostgreSQL: serial keys, double precision).
+    static QString Portable(const QString &sql);
 
 private:
     static bool CreateSchema(QSqlDatabase &db, QString *error);

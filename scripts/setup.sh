@@ -9,6 +9,7 @@ OXA_PACKAGES=(
     libqt6sql6-sqlite libgl-dev libqt6opengl6-dev
     libbenchmark-dev
     qt6-translations-l10n
+    libqt6sql6-psql
 )
 # Only for the comparisons in the benchmarks (scripts/bench.sh).
 OXA_BENCH_PACKAGES=(
@@ -21,6 +22,7 @@ OXA_FUZZ_PACKAGES=(
 OXA_TEST_PACKAGES=(
     python3 python3-xlrd libreoffice-calc-nogui
     xvfb xauth
+    postgresql
 )
 
 oxa_missing_packages() {

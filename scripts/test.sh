@@ -13,6 +13,7 @@ stage="$OXA_ROOT/build/stage"
 export QT_QPA_PLATFORM=offscreen
 # The spreadsheet files are checked with real readers: they must be there.
 export OXA_REQUIRE_READERS=1
+export OXA_REQUIRE_POSTGRES=1
 
 echo "== Build"
 oxa_build "$build" -DCMAKE_BUILD_TYPE=Release -DOXA_BUILD_BENCH=ON

@@ -2,6 +2,10 @@
 
 #include "oxa/controls/ButtonOxa.h"
 #include "oxa/controls/ComboBoxOxa.h"
+#include "oxa/controls/DBCheckBoxOxa.h"
+#include "oxa/controls/DBComboBoxOxa.h"
+#include "oxa/controls/DBEditOxa.h"
+#include "oxa/controls/DBLookupComboBoxOxa.h"
 #include "oxa/controls/DateTimePickerOxa.h"
 #include "oxa/controls/EditOxa.h"
 #include "oxa/controls/ErrorProvider.h"
@@ -14,6 +18,10 @@
 #include "oxa/controls/StringGridOxa.h"
 #include "oxa/diary/DayListView.h"
 #include "oxa/diary/EnhancedMonthCalendar.h"
+#include "oxa/grids/CheckDBGrid.h"
+#include "oxa/grids/CheckDBGridOxa.h"
+#include "oxa/grids/DBGridOxa.h"
+#include "oxa/grids/StringListValues.h"
 #include "oxa/spreadsheet/XLSfile.h"
 #include "oxa/utilities/BackgroundWorker.h"
 #include "oxa/utilities/ExecApp.h"
@@ -40,6 +48,14 @@ void RegisterAll()
     RegisterNumEditOxa();
     RegisterErrorProvider();
     RegisterBackgroundWorker();
+    RegisterDBGridOxa();
+    RegisterCheckDBGrid();
+    RegisterCheckDBGridOxa();
+    RegisterStringListValues();
+    RegisterDBEditOxa();
+    RegisterDBLookupComboBoxOxa();
+    RegisterDBComboBoxOxa();
+    RegisterDBCheckBoxOxa();
 }
 
 } // namespace oxa

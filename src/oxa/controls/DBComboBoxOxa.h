@@ -1,0 +1,37 @@
+#pragma once
+
+#include "oxa/oxa_export.h"
+#include "oxa/toolkit/DBControls.h"
+#include "oxa/toolkit/FocusNavigation.h"
+
+namespace oxa {
+
+// DBComboBox of the data-entry family: Ctrl+arrow focus navigation and the
+// focus colours, painted before the inherited entry and exit run; a colour
+// stored with the form gives way to DefaultColor when the form is loaded.
+class OXA_EXPORT TDBComboBoxOxa : public TFocusColorNavigation<TDBComboBoxOxa, TDBComboBox>
+{
+    Q_OBJECT
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+
+    using Base = TFocusColorNavigation<TDBComboBoxOxa, TDBComboBox>;
+
+public:
+    explicit TDBComboBoxOxa(QWidget *parent = nullptr);
+    ~TDBComboBoxOxa() override;
+
+protected:
+    void DoEnter() override;
+    void DoExit() override;
+    void Loaded() override;
+};
+
+// Adds TDBComboBoxOxa to the catalogue, page "Oxa".
+OXA_EXPORT void RegisterDBComboBoxOxa();
+
+} // namespace oxa

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "oxa/grids/CheckDBGrid.h"
+#include "oxa/oxa_export.h"
+#include "oxa/toolkit/FocusNavigation.h"
+
+namespace oxa {
+
+// The record grid of the data-entry family: plain arrows move between cells
+// and records, Ctrl+arrows move the focus to the neighbours FocUp, FocDown,
+// FocLeft and FocRight.
+class OXA_EXPORT TCheckDBGridOxa : public TFocusNavigation<TCheckDBGridOxa, TCheckDBGrid>
+{
+    Q_OBJECT
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+
+public:
+    explicit TCheckDBGridOxa(QWidget *parent = nullptr);
+    ~TCheckDBGridOxa() override;
+};
+
+// Adds TCheckDBGridOxa to the catalogue, page "Oxa".
+OXA_EXPORT void RegisterCheckDBGridOxa();
+
+} // namespace oxa

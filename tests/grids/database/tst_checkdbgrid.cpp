@@ -1,0 +1,550 @@
+// The check-box record grids over a real database, driven by keys and
+// clicks: the record-advance probe, the wheel, check boxes, value cycling
+// with its arming step, the column-order list, the confirmations and the
+// focus navigation of the family.
+
+#include "oxa/grids/CheckDBGrid.h"
+#include "oxa/grids/CheckDBGridOxa.h"
+#include "oxa/grids/DBGridOxa.h"
+#include "oxa/toolkit/SqlDataSet.h"
+#include "support/TestDatabase.h"
+#include "support/TestSupport.h"
+
+#include <QLineEdit>
+#include <QMenu>
+#include <QSqlQuery>
+#include <QtTest>
+
+using namespace oxa;
+
+namespace {
+
+const QString kMain = QStringLiteral("main");
+const QString kOther = QStringLiteral("other");
+
+void exec(const QSqlDatabase &db, const QString &sql)
+{
+    QSqlQuery query(db);
+    if (!query.exec(sql))
+        qFatal("%s: %s", qPrintable(sql), qPrintable(query.lastError().text()));
+}
+
+QVariant scalar(const QString &sql)
+{
+    QSqlQuery query(QSqlDatabase::database(kOther));
+    if (!query.exec(sql) || !query.next())
+        return QVariant(QStringLiteral("<%1>").arg(query.lastError().text()));
+    return query.value(0);
+}
+
+// vaccine: id, name, given (Boolean), state 0..2, dose (integer used as a
+// check box).
+void createVaccines(int count)
+{
+    QSqlDatabase db = QSqlDatabase::database(kMain);
+    exec(db,
+         QStringLiteral("CREATE TABLE vaccine (id INTEGER PRIMARY KEY, name VARCHAR(40) NOT "
+                        "NULL, given BOOLEAN, state INTEGER, dose INTEGER)"));
+    for (int id = 1; id <= count; ++id)
+        exec(db,
+             QStringLiteral("INSERT INTO vaccine VALUES (%1, 'v%1', %2, %3, %4)")
+                 .arg(id)
+                 .arg(id % 2 ? "FALSE" : "TRUE")
+                 .arg(id % 3)
+                 .arg(id % 2));
+}
+
+} // namespace
+
+class TestCheckDBGrid : public QObject
+{
+    Q_OBJECT
+
+    QString m_skip;
+    std::unique_ptr<TSqlDataSet> m_set;
+    std::unique_ptr<TDataSource> m_source;
+    std::unique_ptr<test::TestForm> m_form;
+
+    bool prepare(int count = 3)
+    {
+        QFETCH(QString, database);
+        const QString why = test::OpenTestDatabase(database, kMain);
+        if (!why.isEmpty()) {
+            m_skip = why;
+            return false;
+        }
+        createVaccines(count);
+        test::CloneTestDatabase(kMain, kOther);
+        m_set = std::make_unique<TSqlDataSet>();
+        m_set->SetConnectionName(kMain);
+        m_set->SetTableName(QStringLiteral("vaccine"));
+        m_set->Open();
+        m_source = std::make_unique<TDataSource>();
+        m_source->SetDataSet(m_set.get());
+        m_form = std::make_unique<test::TestForm>();
+        m_form->resize(520, 300);
+        return true;
+    }
+    // A shown enhanced check grid with the columns name, given (check box)
+    // and state (enumeration of three).
+    TEnhancedCheckDBGrid *enhancedGrid()
+    {
+        auto *grid = m_form->Add<TEnhancedCheckDBGrid>(200);
+        grid->resize(480, 200);
+        grid->SetDataSource(m_source.get());
+        grid->Columns()->Add()->SetFieldName(QStringLiteral("name"));
+        auto *given = qobject_cast<TEnhancedCheckValueColumn *>(grid->Columns()->Add());
+        given->SetFieldName(QStringLiteral("given"));
+        given->SetChecking(true);
+        auto *state = qobject_cast<TEnhancedCheckValueColumn *>(grid->Columns()->Add());
+        state->SetFieldName(QStringLiteral("state"));
+        state->SetStringValues(
+            {QStringLiteral("plánováno"), QStringLiteral("podáno"), QStringLiteral("odloženo")});
+        state->SetCheckLevel(3);
+        m_form->Show(grid);
+        return grid;
+    }
+    int id() const { return int(m_set->FieldByName(QStringLiteral("id"))->AsInteger()); }
+    int state() const { return int(m_set->FieldByName(QStringLiteral("state"))->AsInteger()); }
+
+#define PREPARE(...) \
+    if (!prepare(__VA_ARGS__)) { \
+        if (qEnvironmentVariableIsSet("OXA_REQUIRE_POSTGRES")) \
+            QFAIL(qPrintable(m_skip)); \
+        QSKIP(qPrintable(m_skip)); \
+    }
+
+    void databases()
+    {
+        QTest::addColumn<QString>("database");
+        for (const QString &kind : test::DatabaseKinds())
+            QTest::newRow(qPrintable(kind)) << kind;
+    }
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        m_form.reset();
+        m_source.reset();
+        m_set.reset();
+        for (const QString &name : {kMain, kOther}) {
+            QSqlDatabase::database(name, false).close();
+            QSqlDatabase::removeDatabase(name);
+        }
+    }
+
+    void probe_data()
+    {
+        QTest::addColumn<QString>("database");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<bool>("shift");
+        QTest::addColumn<bool>("allowAppend");
+        QTest::addColumn<int>("startRecord");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<int>("keyAfter");
+        QTest::addColumn<bool>("result");
+        for (const QString &kind : test::DatabaseKinds()) {
+            const QByteArray k = kind.toLatin1() + ": ";
+            QTest::newRow(k + "Tab with a tab stop to the right")
+                << kind << int(VK_TAB) << false << false << 3 << 1 << int(VK_TAB) << false;
+            QTest::newRow(k + "Tab from the last tab stop of the last record")
+                << kind << int(VK_TAB) << false << false << 3 << 5 << 0 << false;
+            QTest::newRow(k + "Down on the last record")
+                << kind << int(VK_DOWN) << false << false << 3 << 1 << 0 << false;
+            QTest::newRow(k + "Down in the middle")
+                << kind << int(VK_DOWN) << false << false << 2 << 1 << int(VK_DOWN) << false;
+            QTest::newRow(k + "Shift+Tab")
+                << kind << int(VK_TAB) << true << false << 3 << 5 << int(VK_TAB) << false;
+            QTest::newRow(k + "Down at the end with AllowAppend")
+                << kind << int(VK_DOWN) << false << true << 3 << 1 << int(VK_DOWN) << true;
+            QTest::newRow(k + "Tab at the end with AllowAppend")
+                << kind << int(VK_TAB) << false << true << 3 << 5 << int(VK_TAB) << false;
+        }
+    }
+    void probe()
+    {
+        QFETCH(int, key);
+        QFETCH(bool, shift);
+        QFETCH(bool, allowAppend);
+        QFETCH(int, startRecord);
+        QFETCH(int, column);
+        QFETCH(int, keyAfter);
+        QFETCH(bool, result);
+        PREPARE();
+        auto *grid = m_form->Add<TCheckDBGrid>(150);
+        grid->SetDataSource(m_source.get());
+        grid->SetAllowAppend(allowAppend);
+        if (startRecord == 3)
+            m_set->Last();
+        else
+            m_set->MoveBy(startRecord - 1);
+        grid->SetCol(column);
+        // A pending change of the record, which a swallowed key cancels.
+        m_set->Edit();
+        m_set->FieldByName(QStringLiteral("state"))->SetAsInteger(2 - startRecord % 3);
+        int scrolls = 0;
+        m_set->BeforeScroll = [&](TDataSet *) { ++scrolls; };
+        m_set->AfterScroll = [&](TDataSet *) { ++scrolls; };
+        Word k = Word(key);
+        QCOMPARE(grid->OverNasledujiciZaznam(k, shift ? TShiftState(ssShift) : TShiftState()),
+                 result);
+        QCOMPARE(int(k), keyAfter);
+        QCOMPARE(scrolls, 0);
+        QCOMPARE(id(), startRecord);
+        QVERIFY(m_set->BeforeScroll && m_set->AfterScroll);
+        const bool touched =
+            !allowAppend && !shift && (key == VK_DOWN || (key == VK_TAB && column == 5));
+        // Moving off the record (and back) posted the pending change first,
+        // as every move does; a key that never reached the data set left it.
+        QCOMPARE(m_set->State(), touched ? dsBrowse : dsEdit);
+        const int stored =
+            scalar(QStringLiteral("SELECT state FROM vaccine WHERE id = %1").arg(startRecord))
+                .toInt();
+        QCOMPARE(stored, touched ? 2 - startRecord % 3 : startRecord % 3);
+    }
+
+    void probeRestoresHandlersOnFailure_data()
+    {
+        databases();
+    }
+    void probeRestoresHandlersOnFailure()
+    {
+        PREPARE();
+        auto *grid = m_form->Add<TCheckDBGrid>(150);
+        grid->SetDataSource(m_source.get());
+        m_set->Edit();
+        m_set->FieldByName(QStringLiteral("name"))->Clear(); // NOT NULL: posting fails
+        int scrolls = 0;
+        m_set->BeforeScroll = [&](TDataSet *) { ++scrolls; };
+        m_set->AfterScroll = [&](TDataSet *) { ++scrolls; };
+        Word key = VK_DOWN;
+        QVERIFY_THROWS_EXCEPTION(EDatabaseError, grid->OverNasledujiciZaznam(key, {}));
+        QVERIFY(m_set->BeforeScroll && m_set->AfterScroll);
+        QCOMPARE(m_set->State(), dsEdit);
+        QVERIFY_THROWS_EXCEPTION(EDatabaseError, m_set->Next());
+        QCOMPARE(scrolls, 0); // Next failed again, before moving
+        m_set->Cancel();
+        m_set->Next();
+        QCOMPARE(scrolls, 2);
+    }
+
+    void wheelActsAsArrowKeys_data()
+    {
+        QTest::addColumn<QString>("database");
+        QTest::addColumn<int>("delta");
+        QTest::addColumn<int>("record");
+        for (const QString &kind : test::DatabaseKinds()) {
+            QTest::newRow(qPrintable(kind + " down")) << kind << -120 << 3;
+            QTest::newRow(qPrintable(kind + " up")) << kind << 120 << 1;
+            QTest::newRow(qPrintable(kind + " no turn")) << kind << 0 << 3;
+        }
+    }
+    void wheelActsAsArrowKeys()
+    {
+        QFETCH(int, delta);
+        QFETCH(int, record);
+        PREPARE();
+        auto *grid = m_form->Add<TCheckDBGrid>(150);
+        grid->SetDataSource(m_source.get());
+        QVERIFY(m_form->Show(grid));
+        m_set->Next();
+        QWheelEvent wheel(QPointF(30, 30), grid->mapToGlobal(QPointF(30, 30)), QPoint(),
+                          QPoint(0, delta), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(grid->viewport(), &wheel);
+        QCOMPARE(id(), record);
+    }
+
+    void checkBoxesToggle_data()
+    {
+        databases();
+    }
+    void checkBoxesToggle()
+    {
+        PREPARE();
+        auto *grid = m_form->Add<TCheckDBGrid>(150);
+        grid->resize(400, 150);
+        grid->SetDataSource(m_source.get());
+        grid->Columns()->Add()->SetFieldName(QStringLiteral("name"));
+        auto *given = qobject_cast<TCheckColumn *>(grid->Columns()->Add());
+        given->SetFieldName(QStringLiteral("given"));
+        given->SetCheck(true);
+        auto *dose = qobject_cast<TCheckColumn *>(grid->Columns()->Add());
+        dose->SetFieldName(QStringLiteral("dose"));
+        dose->SetCheck(true);
+        QVERIFY(m_form->Show(grid));
+        grid->SetSelectedIndex(0);
+        QTest::keyClick(grid, Qt::Key_Right); // onto a check box: the editor is locked
+        QTest::keyClick(grid, Qt::Key_Space);
+        QCOMPARE(m_set->FieldByName(QStringLiteral("given"))->AsVariant(), QVariant(true));
+        QVERIFY(!grid->EditorMode());
+        QTest::keyClick(grid, Qt::Key_Right);
+        QTest::keyClick(grid, Qt::Key_Space); // 1 becomes 0, no arming step
+        QCOMPARE(m_set->FieldByName(QStringLiteral("dose"))->AsInteger(), 0);
+        QTest::keyClick(grid, Qt::Key_Down);
+        QCOMPARE(scalar("SELECT given FROM vaccine WHERE id = 1").toBool(), true);
+        QCOMPARE(scalar("SELECT dose FROM vaccine WHERE id = 1").toInt(), 0);
+
+        // A click on a check-box cell toggles it at once.
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->CellRect(2, 2).center());
+        QCOMPARE(id(), 2);
+        QCOMPARE(m_set->FieldByName(QStringLiteral("given"))->AsBoolean(), false);
+        QVERIFY(!grid->EditorMode());
+
+        // A read-only column is never changed.
+        given->SetReadOnly(true);
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->CellRect(2, 2).center());
+        QCOMPARE(m_set->FieldByName(QStringLiteral("given"))->AsBoolean(), false);
+    }
+
+    void enumerationStepsOnTheSecondRequest_data()
+    {
+        databases();
+    }
+    void enumerationStepsOnTheSecondRequest()
+    {
+        PREPARE();
+        TEnhancedCheckDBGrid *grid = enhancedGrid();
+        grid->SetSelectedIndex(2);
+        QCOMPARE(state(), 1);
+        QTest::keyClick(grid, Qt::Key_Space); // arms the row
+        QCOMPARE(state(), 1);
+        QTest::keyClick(grid, Qt::Key_Space);
+        QCOMPARE(state(), 2);
+        QTest::keyClick(grid, Qt::Key_Plus, Qt::KeypadModifier); // 2 forward wraps to 0
+        QCOMPARE(state(), 0);
+        QTest::keyClick(grid, Qt::Key_Minus, Qt::KeypadModifier); // 0 backward is 2
+        QCOMPARE(state(), 2);
+        QTest::keyClick(grid, Qt::Key_Minus, Qt::KeypadModifier | Qt::ShiftModifier);
+        QCOMPARE(state(), 0); // Shift+minus counts as forward
+        QTest::keyClick(grid, Qt::Key_Down);
+        QCOMPARE(scalar("SELECT state FROM vaccine WHERE id = 1").toInt(), 0);
+
+        // Moving sideways disarms the row.
+        QTest::keyClick(grid, Qt::Key_Left);
+        QTest::keyClick(grid, Qt::Key_Right);
+        QCOMPARE(grid->OnFirstClickRow(), -10);
+        const int before = state();
+        QTest::keyClick(grid, Qt::Key_Space);
+        QCOMPARE(state(), before);
+
+        // Space on the check-box column toggles at once.
+        QTest::keyClick(grid, Qt::Key_Left);
+        const bool given = m_set->FieldByName(QStringLiteral("given"))->AsBoolean();
+        QTest::keyClick(grid, Qt::Key_Space);
+        QCOMPARE(m_set->FieldByName(QStringLiteral("given"))->AsBoolean(), !given);
+    }
+
+    void clicksStepEnumerations_data()
+    {
+        databases();
+    }
+    void clicksStepEnumerations()
+    {
+        PREPARE();
+        TEnhancedCheckDBGrid *grid = enhancedGrid();
+        grid->SetEnableRightButton(true);
+        const QPoint cell = grid->CellRect(3, 1).center();
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cell); // arms
+        QCOMPARE(state(), 1);
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cell);
+        QCOMPARE(state(), 2);
+        QTest::mouseClick(grid->viewport(), Qt::RightButton, {}, cell); // backward
+        QCOMPARE(state(), 1);
+        grid->SetEnableRightButton(false);
+        QTest::mouseClick(grid->viewport(), Qt::RightButton, {}, cell);
+        QCOMPARE(state(), 1);
+    }
+
+    void booleanInAnEnumerationIsInverted_data()
+    {
+        databases();
+    }
+    void booleanInAnEnumerationIsInverted()
+    {
+        PREPARE();
+        TEnhancedCheckDBGrid *grid = enhancedGrid();
+        auto *given = qobject_cast<TEnhancedCheckValueColumn *>(grid->Columns()->Items(1));
+        test::MessageRecorder messages(mrYes); // from check box to enumeration
+        given->SetCheckLevel(2);
+        given->SetStringValues({QStringLiteral("ne"), QStringLiteral("ano")});
+        grid->SetSelectedIndex(1);
+        TField *field = m_set->FieldByName(QStringLiteral("given"));
+        QCOMPARE(field->AsBoolean(), false);
+        QTest::keyClick(grid, Qt::Key_Space); // arms
+        QTest::keyClick(grid, Qt::Key_Space);
+        QCOMPARE(field->AsBoolean(), true);
+        QTest::keyClick(grid, Qt::Key_Minus, Qt::KeypadModifier); // backward: inverted too
+        QCOMPARE(field->AsBoolean(), false);
+    }
+
+    void columnMenuOnTheRightButton_data()
+    {
+        databases();
+    }
+    void columnMenuOnTheRightButton()
+    {
+        PREPARE();
+        TEnhancedCheckDBGrid *grid = enhancedGrid();
+        grid->SetEnableRightButton(true);
+        QMenu menu;
+        menu.addAction(QStringLiteral("Podrobnosti"));
+        grid->Columns()->Items(2)->SetPopupMenu(&menu);
+        const QPoint cell = grid->CellRect(3, 1).center();
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cell); // arms
+        QTest::mouseClick(grid->viewport(), Qt::RightButton, {}, cell);
+        QTRY_VERIFY(menu.isVisible());
+        QCOMPARE(state(), 1); // the column's own menu, not a step back
+        menu.close();
+    }
+
+    void firstAndLastColumnsAreStops_data()
+    {
+        databases();
+    }
+    void firstAndLastColumnsAreStops()
+    {
+        PREPARE();
+        TEnhancedCheckDBGrid *grid = enhancedGrid();
+        m_set->Next();
+        grid->SetSelectedIndex(0);
+        QTest::keyClick(grid, Qt::Key_Left);
+        QCOMPARE(grid->SelectedIndex(), 0);
+        QTest::keyClick(grid, Qt::Key_Tab, Qt::ShiftModifier); // the grid's own: previous row
+        QCOMPARE(id(), 1);
+        QCOMPARE(grid->SelectedIndex(), 2);
+        QTest::keyClick(grid, Qt::Key_Right);
+        QCOMPARE(grid->SelectedIndex(), 2);
+
+        // ArrowToTabs: Ctrl+Left stays a plain Ctrl+Left, Right becomes Tab.
+        grid->SetArrowToTabs(true);
+        grid->SetSelectedIndex(1);
+        QTest::keyClick(grid, Qt::Key_Right);
+        QCOMPARE(grid->SelectedIndex(), 2);
+        QTest::keyClick(grid, Qt::Key_Left);
+        QCOMPARE(grid->SelectedIndex(), 1);
+
+        // Without AllowAppend, Down on the last record appends nothing.
+        m_set->Last();
+        QTest::keyClick(grid, Qt::Key_Down);
+        QCOMPARE(m_set->State(), dsBrowse);
+        QCOMPARE(id(), 3);
+    }
+
+    void confirmationsBetweenModes_data()
+    {
+        QTest::addColumn<QString>("database");
+        QTest::addColumn<int>("answer");
+        for (const QString &kind : test::DatabaseKinds()) {
+            QTest::newRow(qPrintable(kind + " yes")) << kind << int(mrYes);
+            QTest::newRow(qPrintable(kind + " no")) << kind << int(mrNo);
+        }
+    }
+    void confirmationsBetweenModes()
+    {
+        QFETCH(int, answer);
+        PREPARE();
+        TEnhancedCheckDBGrid grid;
+        auto *column = qobject_cast<TEnhancedCheckValueColumn *>(grid.Columns()->Add());
+        column->SetCheckLevel(2);
+        test::MessageRecorder messages(answer);
+        column->SetChecking(true);
+        QCOMPARE(messages.Shown().size(), 1);
+        QCOMPARE(messages.Shown().first().Caption, QStringLiteral("Řešení závislostí vlastností"));
+        QCOMPARE(messages.Shown().first().Text,
+                 QStringLiteral("Zapnutím režimu checkboxu zrušíte nastavení textového výčtu. "
+                                "Souhlasíte se změnou stavu?"));
+        QCOMPARE(column->Check(), answer == mrYes);
+        QCOMPARE(column->CheckLevel(), answer == mrYes ? 0 : 2);
+        column->SetCheckLevel(0);
+        column->SetChecking(true);
+        messages.Clear();
+        column->SetCheckLevel(3);
+        QCOMPARE(messages.Texts(),
+                 QStringList{QStringLiteral("Zapnutím režimu textového výčtu zrušíte nastavení "
+                                            "checkboxu. Souhlasíte se změnou stavu?")});
+        QCOMPARE(column->Check(), answer != mrYes);
+        QCOMPARE(column->CheckLevel(), answer == mrYes ? 3 : 0);
+    }
+
+    void columnOrder_data()
+    {
+        databases();
+    }
+    void columnOrder()
+    {
+        PREPARE();
+        TEnhancedCheckDBGrid grid;
+        grid.SetDataSource(m_source.get());
+        auto names = [&grid] {
+            QStringList result;
+            for (int i = 0; i < grid.Columns()->Count(); ++i)
+                result << grid.Columns()->Items(i)->FieldName();
+            return result;
+        };
+        PreradeniSloupcuGridu(&grid, QStringLiteral("name;  "));
+        QCOMPARE(names(), QStringList{QStringLiteral("name")});
+        PreradeniSloupcuGridu(&grid, QStringLiteral("STATE; id;nothing;id"));
+        QCOMPARE(
+            names(),
+            (QStringList{QStringLiteral("state"), QStringLiteral("id"), QStringLiteral("id")}));
+        m_set->Close();
+        PreradeniSloupcuGridu(&grid, QStringLiteral("name"));
+        QCOMPARE(names().size(), 3);
+    }
+
+    void extraEditor_data()
+    {
+        QTest::addColumn<QString>("database");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<bool>("canceled");
+        for (const QString &kind : test::DatabaseKinds()) {
+            QTest::newRow(qPrintable(kind + " Enter")) << kind << int(Qt::Key_Return) << false;
+            QTest::newRow(qPrintable(kind + " Escape")) << kind << int(Qt::Key_Escape) << true;
+        }
+    }
+    void extraEditor()
+    {
+        QFETCH(int, key);
+        QFETCH(bool, canceled);
+        PREPARE();
+        TEnhancedCheckDBGrid *grid = enhancedGrid();
+        QStringList reported;
+        grid->OnExtraEditExit = [&](QObject *, const QString &value, bool wasCanceled) {
+            reported << QStringLiteral("%1/%2").arg(value).arg(wasCanceled);
+        };
+        grid->AktivujExtraEdit();
+        QVERIFY(grid->ExtraEdit()->isVisible());
+        QTest::keyClicks(grid->ExtraEdit(), QStringLiteral("abc"));
+        QTest::keyClick(grid->ExtraEdit(), Qt::Key(key));
+        QCOMPARE(reported, QStringList{QStringLiteral("abc/%1").arg(canceled)});
+        QVERIFY(!grid->ExtraEdit()->isVisible());
+        QVERIFY(grid->hasFocus());
+    }
+
+    void familyGridsMoveTheFocus_data()
+    {
+        databases();
+    }
+    void familyGridsMoveTheFocus()
+    {
+        PREPARE();
+        auto *grid = m_form->Add<TDBGridOxa>(120);
+        auto *checkGrid = m_form->Add<TCheckDBGridOxa>(120);
+        grid->SetDataSource(m_source.get());
+        checkGrid->SetDataSource(m_source.get());
+        grid->SetFocDown(checkGrid);
+        checkGrid->SetFocUp(grid);
+        QVERIFY(m_form->Show(grid));
+        QTest::keyClick(grid, Qt::Key_Down);
+        QCOMPARE(id(), 2);
+        QVERIFY(grid->hasFocus());
+        QTest::keyClick(grid, Qt::Key_Down, Qt::ControlModifier);
+        QVERIFY(checkGrid->hasFocus());
+        QCOMPARE(id(), 2);
+        QTest::keyClick(checkGrid, Qt::Key_Up, Qt::ControlModifier);
+        QVERIFY(grid->hasFocus());
+    }
+};
+
+QTEST_MAIN(TestCheckDBGrid)
+#include "tst_checkdbgrid.moc"

@@ -1,0 +1,113 @@
+#pragma once
+
+// Databases for the data tests: a fresh SQLite file, and a fresh database on
+// the throw-away PostgreSQL server the test run starts (pgcluster.sh; its
+// state file is named by OXA_PG_STATE).
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace oxa::test {
+
+inline QStringList DatabaseKinds()
+{
+    return {QStringLiteral("sqlite"), QStringLiteral("postgresql")};
+}
+
+// The socket directory of the test server, or why there is none.
+inline bool PostgresSocketDir(QString &dir, QString &why)
+{
+    const QString stateFile = qEnvironmentVariable("OXA_PG_STATE");
+    if (stateFile.isEmpty()) {
+        why = QStringLiteral("no PostgreSQL test server (OXA_PG_STATE not set)");
+        return false;
+    }
+    QFile file(stateFile);
+    if (!file.open(QIODevice::ReadOnly)) {
+        why = QStringLiteral("no PostgreSQL test server (%1 missing)").arg(stateFile);
+        return false;
+    }
+    const QString line = QString::fromUtf8(file.readLine()).trimmed();
+    if (line.startsWith(QLatin1String("dir="))) {
+        dir = line.mid(4) + QLatin1String("/sock");
+        return true;
+    }
+    why = line.startsWith(QLatin1String("unavailable=")) ? line.mid(12) : line;
+    return false;
+}
+
+// Opens a new, empty database of the kind under the connection name;
+// returns the reason when it cannot. Further connections to the same
+// database are made with CloneTestDatabase.
+inline QString OpenTestDatabase(const QString &kind, const QString &connection)
+{
+    static QTemporaryDir files;
+    static int serial = 0;
+    ++serial;
+    if (QSqlDatabase::contains(connection))
+        QSqlDatabase::removeDatabase(connection);
+    if (kind == QLatin1String("sqlite")) {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
+        db.setDatabaseName(files.filePath(QStringLiteral("test%1.sqlite").arg(serial)));
+        return db.open() ? QString() : db.lastError().text();
+    }
+    if (!QSqlDatabase::isDriverAvailable(QStringLiteral("QPSQL")))
+        return QStringLiteral("Qt's PostgreSQL driver is missing (Debian package libqt6sql6-psql)");
+    QString dir;
+    QString why;
+    if (!PostgresSocketDir(dir, why))
+        return why;
+    const QString name = QStringLiteral("%1_%2_%3")
+                             .arg(QCoreApplication::applicationName().toLower())
+                             .arg(QCoreApplication::applicationPid())
+                             .arg(serial);
+    {
+        QSqlDatabase admin =
+            QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connection + "_admin");
+        admin.setHostName(dir);
+        admin.setUserName(QStringLiteral("oxa"));
+        admin.setDatabaseName(QStringLiteral("postgres"));
+        if (!admin.open())
+            return admin.lastError().text();
+        QSqlQuery query(admin);
+        if (!query.exec(QStringLiteral("CREATE DATABASE %1").arg(name)))
+            return query.lastError().text();
+        admin.close();
+    }
+    QSqlDatabase::removeDatabase(connection + "_admin");
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connection);
+    db.setHostName(dir);
+    db.setUserName(QStringLiteral("oxa"));
+    db.setDatabaseName(name);
+    return db.open() ? QString() : db.lastError().text();
+}
+
+// A second connection to the database of another one (a second user).
+inline QSqlDatabase CloneTestDatabase(const QString &connection, const QString &clone)
+{
+    if (QSqlDatabase::contains(clone))
+        QSqlDatabase::removeDatabase(clone);
+    QSqlDatabase db = QSqlDatabase::cloneDatabase(connection, clone);
+    db.open();
+    return db;
+}
+
+} // namespace oxa::test
+
+// Opens the database of the test's "database" column, or skips with the
+// reason; when OXA_REQUIRE_POSTGRES is set a missing server fails instead.
+#define OXA_OPEN_TEST_DATABASE(kind, connection) \
+    do { \
+        const QString oxaWhy = oxa::test::OpenTestDatabase(kind, connection); \
+        if (!oxaWhy.isEmpty()) { \
+            if (qEnvironmentVariableIsSet("OXA_REQUIRE_POSTGRES")) \
+                QFAIL(qPrintable(oxaWhy)); \
+            QSKIP(qPrintable(oxaWhy)); \
+        } \
+    } while (false)

@@ -1,0 +1,481 @@
+// The SQL data set on SQLite and on a PostgreSQL server: paging by key in a
+// bounded window, field types, editing, and the rule that no edit is lost
+// when someone else changed the record, a constraint refused it or the
+// connection went away.
+
+#include "oxa/toolkit/DataSource.h"
+#include "oxa/toolkit/SqlDataSet.h"
+#include "support/TestDatabase.h"
+
+#include <QSqlQuery>
+#include <QtTest>
+
+using namespace oxa;
+
+namespace {
+
+const QString kMain = QStringLiteral("main");
+const QString kOther = QStringLiteral("other");
+
+void exec(const QSqlDatabase &db, const QString &sql)
+{
+    QSqlQuery query(db);
+    if (!query.exec(sql))
+        qFatal("%s: %s", qPrintable(sql), qPrintable(query.lastError().text()));
+}
+
+QVariant scalar(const QString &sql)
+{
+    QSqlQuery query(QSqlDatabase::database(kOther));
+    if (!query.exec(sql) || !query.next())
+        return QVariant(QStringLiteral("<%1>").arg(query.lastError().text()));
+    return query.value(0);
+}
+
+// item: id 1..count, name "n<id>", amount id/4, done for even ids,
+// born 2000-01-01 plus id days, level id % 3.
+void createItems(int count)
+{
+    QSqlDatabase db = QSqlDatabase::database(kMain);
+    const bool pg = db.driverName() == QLatin1String("QPSQL");
+    exec(db,
+         QStringLiteral("CREATE TABLE item (id %1 PRIMARY KEY, name VARCHAR(40) NOT NULL, "
+                        "amount %2, done BOOLEAN, born DATE, level INTEGER CHECK (level >= 0))")
+             .arg(pg ? "SERIAL" : "INTEGER", pg ? "DOUBLE PRECISION" : "REAL"));
+    db.transaction();
+    QSqlQuery insert(db);
+    insert.prepare(QStringLiteral("INSERT INTO item (id, name, amount, done, born, level) "
+                                  "VALUES (?, ?, ?, ?, ?, ?)"));
+    for (int id = 1; id <= count; ++id) {
+        insert.addBindValue(id);
+        insert.addBindValue(QStringLiteral("n%1").arg(id));
+        insert.addBindValue(id / 4.0);
+        insert.addBindValue(id % 2 == 0);
+        const QDate born = QDate(2000, 1, 1).addDays(id);
+        insert.addBindValue(pg ? QVariant(born) : QVariant(born.toString(Qt::ISODate)));
+        insert.addBindValue(id % 3);
+        if (!insert.exec())
+            qFatal("%s", qPrintable(insert.lastError().text()));
+    }
+    db.commit();
+    if (pg)
+        exec(db, QStringLiteral("SELECT setval('item_id_seq', %1)").arg(count));
+}
+
+QString failureOf(const std::function<void()> &fn)
+{
+    try {
+        fn();
+    } catch (const EDatabaseError &error) {
+        return error.Message();
+    }
+    return QString();
+}
+
+class CountingLink : public TDataLink
+{
+public:
+    int changed = 0;
+    int scrolled = 0;
+    int states = 0;
+
+protected:
+    void DataSetChanged() override { ++changed; }
+    void DataSetScrolled(int) override { ++scrolled; }
+    void EditingChanged() override { ++states; }
+};
+
+} // namespace
+
+class TestSqlDataSet : public QObject
+{
+    Q_OBJECT
+
+private:
+    // Opens the test's databases (a main and a second connection) with the
+    // item table, or skips.
+    bool prepare(int count = 1000)
+    {
+        QFETCH(QString, database);
+        const QString why = test::OpenTestDatabase(database, kMain);
+        if (!why.isEmpty()) {
+            m_skip = why;
+            return false;
+        }
+        createItems(count);
+        test::CloneTestDatabase(kMain, kOther);
+        return true;
+    }
+    std::unique_ptr<TSqlDataSet> itemSet(const QString &connection = kMain, int packet = 10)
+    {
+        auto set = std::make_unique<TSqlDataSet>();
+        set->SetConnectionName(connection);
+        set->SetTableName(QStringLiteral("item"));
+        set->SetPacketRecords(packet);
+        set->Open();
+        return set;
+    }
+    QString m_skip;
+
+#define PREPARE(...) \
+    if (!prepare(__VA_ARGS__)) { \
+        if (qEnvironmentVariableIsSet("OXA_REQUIRE_POSTGRES")) \
+            QFAIL(qPrintable(m_skip)); \
+        QSKIP(qPrintable(m_skip)); \
+    }
+
+    void databases()
+    {
+        QTest::addColumn<QString>("database");
+        for (const QString &kind : test::DatabaseKinds())
+            QTest::newRow(qPrintable(kind)) << kind;
+    }
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        for (const QString &name : {kMain, kOther}) {
+            QSqlDatabase::database(name, false).close();
+            QSqlDatabase::removeDatabase(name);
+        }
+    }
+
+    void pagesByKeyInABoundedWindow_data()
+    {
+        databases();
+    }
+    void pagesByKeyInABoundedWindow()
+    {
+        PREPARE();
+        auto set = itemSet();
+        TField *id = set->FieldByName(QStringLiteral("ID"));
+        QCOMPARE(id->AsInteger(), 1);
+        QVERIFY(set->Bof());
+        QCOMPARE(set->RecNo(), 1);
+        QCOMPARE(set->MoveBy(25), 25);
+        QCOMPARE(id->AsInteger(), 26);
+        QCOMPARE(set->RecNo(), 26);
+
+        // The count arrives after opening, without the data set waiting for it.
+        QTRY_COMPARE(set->RecordCount(), 1000);
+
+        set->Last();
+        QVERIFY(set->Eof());
+        QCOMPARE(id->AsInteger(), 1000);
+        QCOMPARE(set->RecNo(), 1000);
+        set->Next();
+        QVERIFY(set->Eof());
+        QCOMPARE(id->AsInteger(), 1000);
+        set->Prior();
+        QCOMPARE(id->AsInteger(), 999);
+        QVERIFY(!set->Eof());
+
+        set->SetRecNo(500);
+        QCOMPARE(id->AsInteger(), 500);
+        QCOMPARE(set->RecNo(), 500);
+
+        // Walking the whole table keeps the window bounded and misses nothing.
+        set->First();
+        int expected = 1;
+        int largestWindow = 0;
+        while (!set->Eof()) {
+            QCOMPARE(id->AsInteger(), expected++);
+            largestWindow = std::max(largestWindow, set->BufferedRecords());
+            set->Next();
+        }
+        QCOMPARE(expected, 1001);
+        QVERIFY2(largestWindow <= 40, qPrintable(QString::number(largestWindow)));
+        for (int i = 0; i < 999; ++i)
+            set->Prior();
+        QCOMPARE(id->AsInteger(), 1);
+        QVERIFY(set->BufferedRecords() <= 40);
+        set->Prior();
+        QVERIFY(set->Bof());
+
+        // Records around the cursor for a grid, without moving it.
+        set->SetRecNo(300);
+        set->EnsureRecords(5, 30);
+        QCOMPARE(set->RecordsAfter() >= 30, true);
+        QCOMPARE(set->RecordValue(30, id->Index()).toInt(), 330);
+        QCOMPARE(set->RecordValue(-5, id->Index()).toInt(), 295);
+        QCOMPARE(id->AsInteger(), 300);
+    }
+
+    void fieldsHaveTheirTypes_data()
+    {
+        databases();
+    }
+    void fieldsHaveTheirTypes()
+    {
+        PREPARE(10);
+        exec(QSqlDatabase::database(kMain),
+             QStringLiteral("UPDATE item SET amount = NULL, done = NULL WHERE id = 3"));
+        auto set = itemSet();
+        QCOMPARE(set->FieldCount(), 6);
+        QCOMPARE(set->FieldByName(QStringLiteral("done"))->DataType(), ftBoolean);
+        QCOMPARE(set->FieldByName(QStringLiteral("level"))->DataType(), ftInteger);
+        QCOMPARE(set->FieldByName(QStringLiteral("amount"))->DataType(), ftFloat);
+        QCOMPARE(set->FieldByName(QStringLiteral("name"))->DataType(), ftString);
+        QCOMPARE(set->FieldByName(QStringLiteral("born"))->DataType(), ftDate);
+        QVERIFY(set->FieldByName(QStringLiteral("id"))->IsKey());
+        set->MoveBy(1);
+        QCOMPARE(set->FieldByName(QStringLiteral("done"))->AsVariant(), QVariant(true));
+        QCOMPARE(set->FieldByName(QStringLiteral("done"))->DisplayText(), QStringLiteral("Ano"));
+        QCOMPARE(set->FieldByName(QStringLiteral("amount"))->DisplayText(), QStringLiteral("0,5"));
+        QCOMPARE(set->FieldByName(QStringLiteral("born"))->AsDate(), QDate(2000, 1, 3));
+        QCOMPARE(set->FieldByName(QStringLiteral("born"))->DisplayText(),
+                 QStringLiteral("3.1.2000"));
+        set->Next();
+        QVERIFY(set->FieldByName(QStringLiteral("done"))->IsNull());
+        QVERIFY(set->FieldByName(QStringLiteral("amount"))->IsNull());
+        QCOMPARE(set->FieldByName(QStringLiteral("amount"))->DisplayText(), QString());
+        QCOMPARE(failureOf([&] { set->FieldByName(QStringLiteral("missing")); }),
+                 QStringLiteral("Pole „missing“ nebylo nalezeno."));
+        QCOMPARE(failureOf([&] { set->FieldByName(QStringLiteral("name"))->SetAsString("x"); }),
+                 QStringLiteral("Záznam není otevřen pro úpravy."));
+
+        // Every type survives a round trip through the database.
+        set->Edit();
+        set->FieldByName(QStringLiteral("done"))->SetAsBoolean(true);
+        set->FieldByName(QStringLiteral("amount"))->SetAsString(QStringLiteral("2,75"));
+        set->FieldByName(QStringLiteral("born"))->SetAsDate(QDate(2024, 2, 29));
+        set->Post();
+        set->Refresh();
+        QCOMPARE(set->FieldByName(QStringLiteral("done"))->AsBoolean(), true);
+        QCOMPARE(set->FieldByName(QStringLiteral("amount"))->AsFloat(), 2.75);
+        QCOMPARE(set->FieldByName(QStringLiteral("born"))->AsDate(), QDate(2024, 2, 29));
+        QCOMPARE(scalar("SELECT amount FROM item WHERE id = 3").toDouble(), 2.75);
+    }
+
+    void editingWritesThrough_data()
+    {
+        databases();
+    }
+    void editingWritesThrough()
+    {
+        PREPARE(50);
+        auto set = itemSet();
+        TField *name = set->FieldByName(QStringLiteral("name"));
+        set->MoveBy(4);
+        set->Edit();
+        name->SetAsString(QStringLiteral("zrušeno"));
+        set->Cancel();
+        QCOMPARE(name->AsString(), QStringLiteral("n5"));
+        QCOMPARE(scalar("SELECT name FROM item WHERE id = 5").toString(), QStringLiteral("n5"));
+
+        set->Edit();
+        name->SetAsString(QStringLiteral("Žluťoučký"));
+        set->Next(); // moving on posts
+        QCOMPARE(set->State(), dsBrowse);
+        QCOMPARE(scalar("SELECT name FROM item WHERE id = 5").toString(),
+                 QStringLiteral("Žluťoučký"));
+
+        // Appending stores a new record with the key the database gave it.
+        set->Append();
+        QCOMPARE(set->State(), dsInsert);
+        name->SetAsString(QStringLiteral("nový"));
+        set->FieldByName(QStringLiteral("level"))->SetAsInteger(2);
+        set->Post();
+        QCOMPARE(set->FieldByName(QStringLiteral("id"))->AsInteger(), 51);
+        QCOMPARE(scalar("SELECT name FROM item WHERE id = 51").toString(), QStringLiteral("nový"));
+
+        // An appended record the user did not touch is dropped on moving away.
+        set->Append();
+        set->Prior();
+        QCOMPARE(set->State(), dsBrowse);
+        QCOMPARE(scalar("SELECT COUNT(*) FROM item").toInt(), 51);
+        QCOMPARE(set->FieldByName(QStringLiteral("id"))->AsInteger(), 50);
+
+        // Inserting in the middle and cancelling returns to the record.
+        set->First();
+        set->MoveBy(9);
+        set->Insert();
+        QVERIFY(set->IsInsertedRecord(0));
+        set->Cancel();
+        QCOMPARE(set->FieldByName(QStringLiteral("id"))->AsInteger(), 10);
+
+        set->Delete();
+        QCOMPARE(set->FieldByName(QStringLiteral("id"))->AsInteger(), 11);
+        QCOMPARE(scalar("SELECT COUNT(*) FROM item WHERE id = 10").toInt(), 0);
+    }
+
+    void concurrentChangeLosesNothing_data()
+    {
+        QTest::addColumn<QString>("database");
+        QTest::addColumn<bool>("deleted");
+        QTest::addColumn<QString>("message");
+        for (const QString &kind : test::DatabaseKinds()) {
+            QTest::newRow(qPrintable(kind + "-changed"))
+                << kind << false << QStringLiteral("Záznam mezitím změnil jiný uživatel.");
+            QTest::newRow(qPrintable(kind + "-deleted"))
+                << kind << true << QStringLiteral("Záznam mezitím smazal jiný uživatel.");
+        }
+    }
+    void concurrentChangeLosesNothing()
+    {
+        QFETCH(bool, deleted);
+        QFETCH(QString, message);
+        PREPARE(20);
+        auto first = itemSet(kMain);
+        auto second = itemSet(kOther);
+        first->MoveBy(6);
+        second->MoveBy(6);
+        second->Edit();
+        second->FieldByName(QStringLiteral("name"))->SetAsString(QStringLiteral("druhý"));
+        if (deleted) {
+            first->Delete();
+        } else {
+            first->Edit();
+            first->FieldByName(QStringLiteral("name"))->SetAsString(QStringLiteral("první"));
+            first->Post();
+        }
+        const QString failure = failureOf([&] { second->Post(); });
+        QVERIFY2(failure.startsWith(message), qPrintable(failure));
+        QCOMPARE(second->State(), dsEdit);
+        QCOMPARE(second->FieldByName(QStringLiteral("name"))->AsString(), QStringLiteral("druhý"));
+        if (deleted) {
+            QCOMPARE(scalar("SELECT COUNT(*) FROM item WHERE id = 7").toInt(), 0);
+            QVERIFY(!failureOf([&] { second->Post(); }).isEmpty());
+            second->Cancel();
+            return;
+        }
+        QCOMPARE(scalar("SELECT name FROM item WHERE id = 7").toString(), QStringLiteral("první"));
+        // Told about it, the second user may store the values deliberately.
+        second->Post();
+        QCOMPARE(second->State(), dsBrowse);
+        QCOMPARE(scalar("SELECT name FROM item WHERE id = 7").toString(), QStringLiteral("druhý"));
+    }
+
+    void failedPostKeepsTheEdit_data()
+    {
+        databases();
+    }
+    void failedPostKeepsTheEdit()
+    {
+        PREPARE(5);
+        auto set = itemSet();
+        TField *level = set->FieldByName(QStringLiteral("level"));
+        set->Edit();
+        level->SetAsInteger(-1);
+        const QString failure = failureOf([&] { set->Post(); });
+        QVERIFY2(failure.startsWith(QStringLiteral("Záznam se nepodařilo uložit, protože porušuje "
+                                                   "pravidla databáze")),
+                 qPrintable(failure));
+        QCOMPARE(set->State(), dsEdit);
+        QCOMPARE(level->AsInteger(), -1);
+        level->SetAsInteger(7);
+        set->Post();
+        QCOMPARE(scalar("SELECT level FROM item WHERE id = 1").toInt(), 7);
+
+        // A new record refused by the database stays in insert state.
+        set->Append();
+        set->FieldByName(QStringLiteral("level"))->SetAsInteger(1);
+        QVERIFY(failureOf([&] { set->Post(); }).contains(QStringLiteral("porušuje")));
+        QCOMPARE(set->State(), dsInsert);
+        QCOMPARE(set->FieldByName(QStringLiteral("level"))->AsInteger(), 1);
+        set->Cancel();
+    }
+
+    void droppedConnectionIsReported_data()
+    {
+        databases();
+    }
+    void droppedConnectionIsReported()
+    {
+        QFETCH(QString, database);
+        PREPARE(100);
+        auto set = itemSet();
+        set->Edit();
+        set->FieldByName(QStringLiteral("name"))->SetAsString(QStringLiteral("uloženo později"));
+        QSqlDatabase db = QSqlDatabase::database(kMain);
+        if (database == QLatin1String("postgresql")) {
+            QSqlQuery pid(db);
+            QVERIFY(pid.exec(QStringLiteral("SELECT pg_backend_pid()")) && pid.next());
+            exec(QSqlDatabase::database(kOther),
+                 QStringLiteral("SELECT pg_terminate_backend(%1)").arg(pid.value(0).toInt()));
+        } else {
+            db.close();
+        }
+        const QString failure = failureOf([&] { set->Post(); });
+        QVERIFY2(failure.startsWith(QStringLiteral("Spojení s databází bylo přerušeno.")),
+                 qPrintable(failure));
+        QCOMPARE(set->State(), dsEdit);
+        QCOMPARE(set->FieldByName(QStringLiteral("name"))->AsString(),
+                 QStringLiteral("uloženo později"));
+        set->Cancel();
+        // Reading past the window fails with a message, not a crash.
+        const QString reading = failureOf([&] { set->MoveBy(50); });
+        QVERIFY2(reading.startsWith(QStringLiteral("Spojení s databází bylo přerušeno.")),
+                 qPrintable(reading));
+    }
+
+    void eventsAndLinks_data()
+    {
+        databases();
+    }
+    void eventsAndLinks()
+    {
+        PREPARE(30);
+        auto set = itemSet();
+        TDataSource source;
+        source.SetDataSet(set.get());
+        CountingLink link;
+        link.SetDataSource(&source);
+        int before = 0;
+        int after = 0;
+        set->BeforeScroll = [&](TDataSet *) { ++before; };
+        set->AfterScroll = [&](TDataSet *) { ++after; };
+        set->Next();
+        set->Next();
+        QCOMPARE(before, 2);
+        QCOMPARE(after, 2);
+        QCOMPARE(link.scrolled, 2);
+
+        // Handlers can be taken away and put back.
+        auto saved = set->AfterScroll;
+        set->AfterScroll = nullptr;
+        set->Next();
+        set->AfterScroll = saved;
+        set->Next();
+        QCOMPARE(after, 3);
+
+        // Disabled controls hear one change at the end, not every move.
+        link.changed = link.scrolled = 0;
+        set->DisableControls();
+        set->MoveBy(5);
+        set->Prior();
+        QCOMPARE(link.scrolled + link.changed, 0);
+        set->EnableControls();
+        QCOMPARE(link.changed, 1);
+
+        set->Edit();
+        QCOMPARE(link.states, 1);
+        set->Cancel();
+        QCOMPARE(link.states, 2);
+    }
+
+    void filterNarrowsTheRecords_data()
+    {
+        databases();
+    }
+    void filterNarrowsTheRecords()
+    {
+        PREPARE(300);
+        TSqlDataSet set;
+        set.SetConnectionName(kMain);
+        set.SetTableName(QStringLiteral("item"));
+        set.SetFilter(QStringLiteral("level = ?"), {1});
+        set.SetPacketRecords(10);
+        set.Open();
+        QTRY_COMPARE(set.RecordCount(), 100);
+        set.Last();
+        QCOMPARE(set.FieldByName(QStringLiteral("id"))->AsInteger(), 298);
+        QVERIFY(set.Locate({QVariant(151)}));
+        QCOMPARE(set.FieldByName(QStringLiteral("name"))->AsString(), QStringLiteral("n151"));
+        QVERIFY(!set.Locate({QVariant(5000)}));
+        QCOMPARE(set.FieldByName(QStringLiteral("id"))->AsInteger(), 151);
+    }
+};
+
+QTEST_MAIN(TestSqlDataSet)
+#include "tst_sqldataset.moc"
