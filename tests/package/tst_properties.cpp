@@ -48,6 +48,7 @@ private Q_SLOTS:
 void TestProperties::everyPublishedPropertyNotifies()
 {
     QWidget owner;
+    QStringList silent;
     for (const TComponentEntry &entry : Catalogue::Instance().Components()) {
         const std::unique_ptr<QObject> object = Create(entry.ClassName, &owner);
         QVERIFY2(object, qPrintable(entry.ClassName));
@@ -56,11 +57,13 @@ void TestProperties::everyPublishedPropertyNotifies()
                 continue;
             for (int i = meta->propertyOffset(); i < meta->propertyCount(); ++i) {
                 const QMetaProperty p = meta->property(i);
-                QVERIFY2(p.hasNotifySignal() || p.isConstant(),
-                         qPrintable(entry.ClassName + QStringLiteral("::") + QLatin1String(p.name())));
+                if (!p.hasNotifySignal() && !p.isConstant())
+                    silent << QLatin1String(meta->className()) + QStringLiteral("::") + QLatin1String(p.name());
             }
         }
     }
+    silent.removeDuplicates();
+    QVERIFY2(silent.isEmpty(), qPrintable(silent.join(QStringLiteral(", "))));
 }
 
 void TestProperties::writesNotifyOnceAndOnlyOnChange_data()
