@@ -31,6 +31,8 @@ public:
     void SetRows(int ARow, const QStringList &Value);
     QStringList Cols(int ACol) const;
     void SetCols(int ACol, const QStringList &Value);
+    // Exchanges two whole rows, texts and objects, and repaints them.
+    void ExchangeRows(int ARow1, int ARow2);
 
 protected:
     // Fills the cell with the canvas brush and writes its text in the
