@@ -71,6 +71,7 @@ const char *const kBuilt[] = {
     "TStringGridOxa", "TMemoOxa", "TLabeledEditOxa", "TButtonOxa", "TErrorProvider",
     "TEnhancedMonthCalendar", "TDayListView", "TDayGroupBox", "TXLSfile", "TExecApplication",
     "TBackgroundWorker", "TNumEditOxa", "TOxaEditCis", "TDiarPanel",
+    "TStringGridCheck", "TCheckTreeView", "TCheckTreeViewOxa",
 };
 
 const CatalogueRow *rowOf(const QString &className)

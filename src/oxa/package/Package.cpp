@@ -14,6 +14,9 @@
 #include "oxa/controls/StringGridOxa.h"
 #include "oxa/diary/DayListView.h"
 #include "oxa/diary/EnhancedMonthCalendar.h"
+#include "oxa/grids/CheckTreeView.h"
+#include "oxa/grids/CheckTreeViewOxa.h"
+#include "oxa/grids/StringGridCheck.h"
 #include "oxa/spreadsheet/XLSfile.h"
 #include "oxa/utilities/BackgroundWorker.h"
 #include "oxa/utilities/ExecApp.h"
@@ -40,6 +43,9 @@ void RegisterAll()
     RegisterNumEditOxa();
     RegisterErrorProvider();
     RegisterBackgroundWorker();
+    RegisterStringGridCheck();
+    RegisterCheckTreeView();
+    RegisterCheckTreeViewOxa();
 }
 
 } // namespace oxa
