@@ -37,8 +37,8 @@ public:
 // The smaller part is sorted by recursion and the larger by the loop, so the
 // stack stays logarithmic; the parts are disjoint, so the order is the one
 // of recursing on the left part and looping on the right.
-void QuickSort(int L, int R, int Direction, std::vector<int> &Indexy, const QList<QString> &Keys,
-               const TStringGridSortCompare &SCompare);
+void QuickSort(int L, int R, int Direction, std::vector<int> &Indexy,
+               const std::vector<QString> &Keys, const TStringGridSortCompare &SCompare);
 
 // Applies a permutation in place: afterwards row r holds what row Indexy[r]
 // held. Exchange(a, b) swaps two rows; every data row from First on is

@@ -44,6 +44,14 @@ QString TStringGrid::Cells(int ACol, int ARow) const
     return ACol >= 0 && ACol < row.size() ? row.at(ACol) : QString();
 }
 
+const QString &TStringGrid::CellText(int ACol, int ARow) const
+{
+    if (ARow < 0 || ARow >= m_texts.size())
+        return EmptyText();
+    const QStringList &row = m_texts.at(ARow);
+    return ACol >= 0 && ACol < row.size() ? row.at(ACol) : EmptyText();
+}
+
 void TStringGrid::SetCells(int ACol, int ARow, const QString &Value)
 {
     CheckCell(ACol, ARow);
@@ -114,6 +122,13 @@ void TStringGrid::SetCols(int ACol, const QStringList &Value)
 
 void TStringGrid::ExchangeRows(int ARow1, int ARow2)
 {
+    SwapRows(ARow1, ARow2);
+    InvalidateRow(ARow1);
+    InvalidateRow(ARow2);
+}
+
+void TStringGrid::SwapRows(int ARow1, int ARow2)
+{
     CheckCell(0, ARow1);
     CheckCell(0, ARow2);
     if (ARow1 == ARow2)
@@ -121,8 +136,6 @@ void TStringGrid::ExchangeRows(int ARow1, int ARow2)
     m_texts.swapItemsAt(ARow1, ARow2);
     if (!m_objects.isEmpty())
         m_objects.swapItemsAt(ARow1, ARow2);
-    InvalidateRow(ARow1);
-    InvalidateRow(ARow2);
 }
 
 void TStringGrid::DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State)
