@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include "CodeListsPage.h"
 #include "DiaryPage.h"
 #include "ExportPage.h"
 #include "PatientPage.h"
@@ -18,6 +19,7 @@ MainWindow::MainWindow(QWidget *parent)
     AddPage(new DiaryPage(this), QStringLiteral("Diář"), QStringLiteral("diar"));
     m_export = new ExportPage(this);
     AddPage(m_export, QStringLiteral("Export"), QStringLiteral("export"));
+    AddPage(new CodeListsPage(this), QStringLiteral("Číselníky"), QStringLiteral("ciselniky"));
     statusBar()->showMessage(QStringLiteral("Ctrl+šipky přesouvají mezi poli, Tab v pořadí formuláře."));
     resize(1100, 720);
 }
