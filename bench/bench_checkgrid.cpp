@@ -216,6 +216,13 @@ void BM_StdSortKeys(benchmark::State &state)
                   [&](const QString &a, const QString &b) { return compare(a, b) < 0; });
         benchmark::DoNotOptimize(keys.constData());
     }
+    long comparisons = 0;
+    QStringList keys = names;
+    std::sort(keys.begin(), keys.end(), [&](const QString &a, const QString &b) {
+        ++comparisons;
+        return compare(a, b) < 0;
+    });
+    state.counters["comparisons"] = double(comparisons);
 }
 BENCHMARK(BM_StdSortKeys)->ArgName("collator")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
@@ -232,6 +239,13 @@ void BM_PartitionSortIndexes(benchmark::State &state)
         QuickSort(0, kRows - 1, 1, indexy, keys, compare);
         benchmark::DoNotOptimize(indexy.data());
     }
+    long comparisons = 0;
+    std::iota(indexy.begin(), indexy.end(), 0);
+    QuickSort(0, kRows - 1, 1, indexy, keys, [&](const QString &a, const QString &b) {
+        ++comparisons;
+        return compare(a, b);
+    });
+    state.counters["comparisons"] = double(comparisons);
 }
 BENCHMARK(BM_PartitionSortIndexes)
     ->ArgName("collator")
