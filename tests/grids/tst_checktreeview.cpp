@@ -128,7 +128,6 @@ private Q_SLOTS:
     void hostHandlerReplacesTheToggle();
     void keyReleaseRules_data();
     void keyReleaseRules();
-    void stateIndexIsTheCheckState();
     void oxaArrowsMoveInTheTreeCtrlArrowsLeave_data();
     void oxaArrowsMoveInTheTreeCtrlArrowsLeave();
 };
@@ -326,21 +325,6 @@ void TestCheckTreeView::keyReleaseRules()
                       autoRepeat);
     QApplication::sendEvent(form.tree, &release);
     QCOMPARE(form.states(), states);
-}
-
-void TestCheckTreeView::stateIndexIsTheCheckState()
-{
-    QTreeWidgetItem node;
-    QCOMPARE(TCheckTreeView::StateIndex(&node), int(itvNil));
-    node.setCheckState(0, Qt::PartiallyChecked);
-    QCOMPARE(TCheckTreeView::StateIndex(&node), int(itvGrayChecked));
-    TCheckTreeView::SetStateIndex(&node, itvChecked);
-    QCOMPARE(node.checkState(0), Qt::Checked);
-    TCheckTreeView::SetStateIndex(&node, itvUnchecked);
-    QCOMPARE(node.checkState(0), Qt::Unchecked);
-    TCheckTreeView::SetStateIndex(&node, -1);
-    QVERIFY(!node.data(0, Qt::CheckStateRole).isValid());
-    QCOMPARE(TCheckTreeView::StateIndex(&node), int(itvNil));
 }
 
 void TestCheckTreeView::oxaArrowsMoveInTheTreeCtrlArrowsLeave_data()
