@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include "CodeListsPage.h"
 #include "DiaryPage.h"
 #include "ExportPage.h"
 #include "PatientPage.h"
@@ -20,6 +21,7 @@ MainWindow::MainWindow(QWidget *parent)
     AddPage(new VaccinationPage(this), QStringLiteral("Očkování"), QStringLiteral("ockovani"));
     m_export = new ExportPage(this);
     AddPage(m_export, QStringLiteral("Export"), QStringLiteral("export"));
+    AddPage(new CodeListsPage(this), QStringLiteral("Číselníky"), QStringLiteral("ciselniky"));
     // Each page says what its keys do (its "statusHint" property).
     const auto showHint = [this](int index) {
         const QString hint = m_tabs->widget(index)->property("statusHint").toString();

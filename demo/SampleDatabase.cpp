@@ -123,13 +123,13 @@ bool SampleDatabase::Open(const QString &path, QString *error)
     }
     QSqlDatabase db = Database();
     if (existed)
-        return true;
+        return EnsureCodeLists(db, error);
     if (!db.transaction() || !CreateSchema(db, error) || !FillSampleData(db, error)
         || !CreateDiarySchema(db, error) || !FillDiarySampleData(db, error)) {
         db.rollback();
         return false;
     }
-    return db.commit();
+    return db.commit() && EnsureCodeLists(db, error);
 }
 
 bool SampleDatabase::CreateSchema(QSqlDatabase &db, QString *error)
@@ -217,4 +217,124 @@ bool SampleDatabase::FillSampleData(QSqlDatabase &db, QString *error)
         }
     }
     return true;
+}
+
+namespace {
+
+// A part of the diagnoses of the international classification, in no order.
+const char *const kDiagnozy[][2] = {
+    {"J06.9", "Akutní infekce horních cest dýchacích NS"},
+    {"I10", "Esenciální (primární) hypertenze"},
+    {"E11.9", "Diabetes mellitus 2. typu bez komplikací"},
+    {"M54.5", "Bolest v kříži"},
+    {"J20.9", "Akutní bronchitida NS"},
+    {"K29.7", "Gastritida NS"},
+    {"N39.0", "Infekce močového ústrojí, místo neurčeno"},
+    {"E78.0", "Čistá hypercholesterolemie"},
+    {"F41.1", "Generalizovaná úzkostná porucha"},
+    {"R51", "Bolest hlavy"},
+    {"A09", "Průjem a gastroenteritida pravděpodobně infekčního původu"},
+    {"B01.9", "Plané neštovice bez komplikací"},
+    {"H10.9", "Zánět spojivek NS"},
+    {"L20.9", "Atopická dermatitida NS"},
+    {"J45.9", "Astma NS"},
+    {"I25.9", "Chronická ischemická choroba srdeční NS"},
+    {"E66.9", "Obezita NS"},
+    {"M17.9", "Gonartróza NS"},
+    {"K21.9", "Refluxní choroba jícnu bez ezofagitidy"},
+    {"R10.4", "Jiná a neurčená bolest břicha"},
+    {"Z00.0", "Celkové lékařské vyšetření"},
+    {"Z23.8", "Potřeba očkování proti jiné jednotlivé bakteriální nemoci"},
+    {"J02.9", "Akutní faryngitida NS"},
+    {"J03.9", "Akutní tonzilitida NS"},
+    {"H66.9", "Otitis media NS"},
+    {"S93.4", "Podvrtnutí a natažení hlezna"},
+    {"T14.0", "Povrchové poranění neurčené části těla"},
+    {"D50.9", "Anémie z nedostatku železa NS"},
+    {"E03.9", "Hypotyreóza NS"},
+    {"G43.9", "Migréna NS"},
+    {"B08.2", "Šestá nemoc (exanthema subitum)"},
+    {"R17", "Žloutenka NS"},
+    {"J11.1", "Chřipka s jinými respiračními projevy, virus neprokázán"},
+    {"H81.1", "Benigní paroxysmální vertigo"},
+};
+
+// Examination groups and their examinations.
+const char *const kSkupiny[] = {"Laboratoř", "Zobrazovací metody", "Funkční vyšetření", "Očkování"};
+const char *const kVysetreni[][2] = {
+    {"Laboratoř", "Krevní obraz"},
+    {"Laboratoř", "CRP"},
+    {"Laboratoř", "Glykémie"},
+    {"Laboratoř", "Lipidové spektrum"},
+    {"Laboratoř", "Moč chemicky"},
+    {"Zobrazovací metody", "RTG hrudníku"},
+    {"Zobrazovací metody", "Sonografie břicha"},
+    {"Funkční vyšetření", "EKG"},
+    {"Funkční vyšetření", "Spirometrie"},
+    {"Funkční vyšetření", "Měření krevního tlaku"},
+    {"Očkování", "Tetanus"},
+    {"Očkování", "Chřipka"},
+    {"Očkování", "Klíšťová encefalitida"},
+};
+
+bool Run(QSqlQuery &q, QString *error)
+{
+    if (q.exec())
+        return true;
+    if (error)
+        *error = q.lastError().text();
+    return false;
+}
+
+} // namespace
+
+bool SampleDatabase::EnsureCodeLists(QSqlDatabase &db, QString *error)
+{
+    QSqlQuery q(db);
+    if (db.tables().contains(QStringLiteral("diagnoza")))
+        return true;
+    const QStringList statements = {
+        QStringLiteral("CREATE TABLE diagnoza (kod TEXT PRIMARY KEY, nazev TEXT NOT NULL)"),
+        QStringLiteral(
+            "CREATE TABLE vysetreni_skupina (id INTEGER PRIMARY KEY, nazev TEXT NOT NULL)"),
+        QStringLiteral(
+            "CREATE TABLE vysetreni (id INTEGER PRIMARY KEY AUTOINCREMENT,"
+            " skupina INTEGER NOT NULL REFERENCES vysetreni_skupina(id), nazev TEXT NOT NULL)"),
+        QStringLiteral(
+            "CREATE TABLE pacient_diagnoza (pacient INTEGER NOT NULL REFERENCES pacient(id),"
+            " diagnoza TEXT NOT NULL REFERENCES diagnoza(kod), PRIMARY KEY (pacient, diagnoza))"),
+    };
+    if (!db.transaction())
+        return false;
+    for (const QString &sql : statements) {
+        if (!exec(q, sql, error)) {
+            db.rollback();
+            return false;
+        }
+    }
+    bool ok = q.prepare(QStringLiteral("INSERT INTO diagnoza (kod, nazev) VALUES (?, ?)"));
+    for (const auto &row : kDiagnozy) {
+        q.addBindValue(QString::fromUtf8(row[0]));
+        q.addBindValue(QString::fromUtf8(row[1]));
+        ok = ok && Run(q, error);
+    }
+    ok = ok && q.prepare(QStringLiteral("INSERT INTO vysetreni_skupina (id, nazev) VALUES (?, ?)"));
+    for (int i = 0; i < int(std::size(kSkupiny)); ++i) {
+        q.addBindValue(i + 1);
+        q.addBindValue(QString::fromUtf8(kSkupiny[i]));
+        ok = ok && Run(q, error);
+    }
+    ok = ok &&
+        q.prepare(QStringLiteral("INSERT INTO vysetreni (skupina, nazev)"
+                                 " SELECT id, ? FROM vysetreni_skupina WHERE nazev = ?"));
+    for (const auto &row : kVysetreni) {
+        q.addBindValue(QString::fromUtf8(row[1]));
+        q.addBindValue(QString::fromUtf8(row[0]));
+        ok = ok && Run(q, error);
+    }
+    if (!ok) {
+        db.rollback();
+        return false;
+    }
+    return db.commit();
 }

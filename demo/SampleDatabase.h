@@ -21,6 +21,12 @@ public:
     // (PostgreSQL: serial keys, double precision).
     static QString Portable(const QString &sql);
 
+    // The code lists: diagnoses (diagnoza), examination groups and
+    // examinations (vysetreni_skupina, vysetreni) and the diagnoses carried
+    // over to patients (pacient_diagnoza). Created and filled when missing,
+    // so a database from an earlier demo gains them too.
+    static bool EnsureCodeLists(QSqlDatabase &db, QString *error);
+
 private:
     static bool CreateSchema(QSqlDatabase &db, QString *error);
     static bool FillSampleData(QSqlDatabase &db, QString *error);

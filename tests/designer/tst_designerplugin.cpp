@@ -75,6 +75,9 @@ void TestDesignerPlugin::offersEveryWidgetClassOnItsPage()
     QCOMPARE(groups.size(), widgets);
     QVERIFY(groups.contains(QStringLiteral("oxa::TEditOxa")));
     QCOMPARE(groups.value(QStringLiteral("oxa::TMaskEditOxa")), QStringLiteral("Oxa"));
+    for (const char *grid :
+         {"oxa::TStringGridCheck", "oxa::TCheckTreeView", "oxa::TCheckTreeViewOxa"})
+        QCOMPARE(groups.value(QLatin1String(grid)), QStringLiteral("Oxa"));
 }
 
 void TestDesignerPlugin::loaderBuildsAFormOfOxaWidgets()

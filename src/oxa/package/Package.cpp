@@ -22,6 +22,9 @@
 #include "oxa/grids/CheckDBGridOxa.h"
 #include "oxa/grids/DBGridOxa.h"
 #include "oxa/grids/StringListValues.h"
+#include "oxa/grids/CheckTreeView.h"
+#include "oxa/grids/CheckTreeViewOxa.h"
+#include "oxa/grids/StringGridCheck.h"
 #include "oxa/spreadsheet/XLSfile.h"
 #include "oxa/utilities/BackgroundWorker.h"
 #include "oxa/utilities/ExecApp.h"
@@ -56,6 +59,9 @@ void RegisterAll()
     RegisterDBLookupComboBoxOxa();
     RegisterDBComboBoxOxa();
     RegisterDBCheckBoxOxa();
+    RegisterStringGridCheck();
+    RegisterCheckTreeView();
+    RegisterCheckTreeViewOxa();
 }
 
 } // namespace oxa

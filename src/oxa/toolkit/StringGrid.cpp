@@ -13,7 +13,7 @@ const QString &EmptyText()
 }
 
 // Moves one entry of a list that may be shorter than the line count.
-template <class T>
+template<class T>
 void MoveEntry(QList<T> &list, int from, int to, int count)
 {
     if (list.size() <= std::max(from, to))
@@ -23,8 +23,7 @@ void MoveEntry(QList<T> &list, int from, int to, int count)
 
 } // namespace
 
-TStringGrid::TStringGrid(QWidget *parent)
-    : TCustomGrid(parent)
+TStringGrid::TStringGrid(QWidget *parent) : TCustomGrid(parent)
 {
     m_texts.resize(RowCount());
 }
@@ -43,6 +42,14 @@ QString TStringGrid::Cells(int ACol, int ARow) const
         return {};
     const QStringList &row = m_texts.at(ARow);
     return ACol >= 0 && ACol < row.size() ? row.at(ACol) : QString();
+}
+
+const QString &TStringGrid::CellText(int ACol, int ARow) const
+{
+    if (ARow < 0 || ARow >= m_texts.size())
+        return EmptyText();
+    const QStringList &row = m_texts.at(ARow);
+    return ACol >= 0 && ACol < row.size() ? row.at(ACol) : EmptyText();
 }
 
 void TStringGrid::SetCells(int ACol, int ARow, const QString &Value)
@@ -111,6 +118,24 @@ void TStringGrid::SetCols(int ACol, const QStringList &Value)
     CheckCell(ACol, 0);
     for (int r = 0; r < RowCount(); ++r)
         SetCells(ACol, r, r < Value.size() ? Value.at(r) : QString());
+}
+
+void TStringGrid::ExchangeRows(int ARow1, int ARow2)
+{
+    SwapRows(ARow1, ARow2);
+    InvalidateRow(ARow1);
+    InvalidateRow(ARow2);
+}
+
+void TStringGrid::SwapRows(int ARow1, int ARow2)
+{
+    CheckCell(0, ARow1);
+    CheckCell(0, ARow2);
+    if (ARow1 == ARow2)
+        return;
+    m_texts.swapItemsAt(ARow1, ARow2);
+    if (!m_objects.isEmpty())
+        m_objects.swapItemsAt(ARow1, ARow2);
 }
 
 void TStringGrid::DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State)

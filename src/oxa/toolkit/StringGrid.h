@@ -33,8 +33,16 @@ public:
     void SetRows(int ARow, const QStringList &Value);
     QStringList Cols(int ACol) const;
     void SetCols(int ACol, const QStringList &Value);
+    // Exchanges two whole rows, texts and objects, and repaints them.
+    void ExchangeRows(int ARow1, int ARow2);
 
 protected:
+    // ExchangeRows without the repaint, for reordering many rows at once;
+    // the caller repaints.
+    void SwapRows(int ARow1, int ARow2);
+    // The stored text of a cell without a copy; an empty text outside the
+    // grid. Valid until the cell changes.
+    const QString &CellText(int ACol, int ARow) const;
     // Fills the cell with the canvas brush and writes its text in the
     // canvas pen two pixels in from the top-left corner; then OnDrawCell.
     void DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State) override;

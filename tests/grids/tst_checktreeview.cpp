@@ -1,0 +1,359 @@
+#include "oxa/grids/CheckTreeView.h"
+#include "oxa/grids/CheckTreeViewOxa.h"
+
+#include "support/TestSupport.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPainter>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace oxa;
+
+namespace {
+
+// The nodes in pre-order, each with its parent (-1 for the root) and state:
+//   Root 1
+//     A 1:  A1 1, A2 1
+//     B 1:  B1 1, Bn 0 (no check box): Bn1 1
+//     C 0:  C1 1
+const char *const kNames[] = {"Root", "A", "A1", "A2", "B", "B1", "Bn", "Bn1", "C", "C1"};
+const int kParents[] = {-1, 0, 1, 1, 0, 4, 4, 6, 0, 8};
+const char kInitial[] = "1111110101";
+
+template<class Tree>
+struct TreeForm
+{
+    QWidget window;
+    Tree *tree = new Tree(&window);
+    QLineEdit *below = new QLineEdit(&window);
+    QMap<QString, QTreeWidgetItem *> nodes;
+
+    explicit TreeForm(const char *states = kInitial)
+    {
+        tree->setGeometry(0, 0, 240, 280);
+        below->setGeometry(0, 290, 100, 24);
+        window.resize(250, 320);
+        QList<QTreeWidgetItem *> items;
+        for (int i = 0; i < int(std::size(kNames)); ++i) {
+            auto *item = kParents[i] < 0 ? new QTreeWidgetItem(tree)
+                                         : new QTreeWidgetItem(items.at(kParents[i]));
+            item->setText(0, QString::fromLatin1(kNames[i]));
+            TCheckTreeView::SetStateIndex(item, states[i] - '0');
+            items.append(item);
+            nodes.insert(item->text(0), item);
+        }
+        tree->expandAll();
+    }
+    bool show()
+    {
+        if (!test::ShowAndActivate(&window))
+            return false;
+        tree->setFocus();
+        return tree->hasFocus();
+    }
+    QString states() const
+    {
+        QString s;
+        for (const char *name : kNames)
+            s += QString::number(TCheckTreeView::StateIndex(nodes.value(QLatin1String(name))));
+        return s;
+    }
+    void clickStateImage(const QString &name)
+    {
+        const QRect rect = tree->StateImageRect(nodes.value(name));
+        QVERIFY2(rect.isValid(), qPrintable(name));
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, rect.center());
+    }
+    // As the platform delivers a double click: press, release, press,
+    // double click, release.
+    void doubleClickStateImage(const QString &name)
+    {
+        const QPoint at = tree->StateImageRect(nodes.value(name)).center();
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, at);
+        QTest::mousePress(tree->viewport(), Qt::LeftButton, {}, at);
+        QMouseEvent dblClick(QEvent::MouseButtonDblClick, at, tree->viewport()->mapToGlobal(at),
+                             Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(tree->viewport(), &dblClick);
+        QTest::mouseRelease(tree->viewport(), Qt::LeftButton, {}, at);
+    }
+    void clickLabel(const QString &name)
+    {
+        const QRect rect = tree->visualItemRect(nodes.value(name));
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
+                          QPoint(rect.right() - 4, rect.center().y()));
+    }
+    void key(const QString &name, Qt::Key key)
+    {
+        tree->setCurrentItem(nodes.value(name));
+        QTest::keyClick(tree, key);
+    }
+    // Runs one step: "click:A1", "label:A1", "space:A", "enter:A", "call:A".
+    void step(const QString &step)
+    {
+        const QString action = step.section(QLatin1Char(':'), 0, 0);
+        const QString name = step.section(QLatin1Char(':'), 1);
+        if (action == QLatin1String("click"))
+            clickStateImage(name);
+        else if (action == QLatin1String("dclick"))
+            doubleClickStateImage(name);
+        else if (action == QLatin1String("label"))
+            clickLabel(name);
+        else if (action == QLatin1String("space"))
+            key(name, Qt::Key_Space);
+        else if (action == QLatin1String("enter"))
+            key(name, Qt::Key_Return);
+        else if (action == QLatin1String("call"))
+            tree->StateImageClick(nodes.value(name));
+        else
+            QFAIL(qPrintable(step));
+    }
+};
+
+} // namespace
+
+class TestCheckTreeView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void toggles_data();
+    void toggles();
+    void propagationAsWritten_data();
+    void propagationAsWritten();
+    void stateImagesAreDrawn();
+    void enterExpandsAndCollapses();
+    void hostHandlerReplacesTheToggle();
+    void keyReleaseRules_data();
+    void keyReleaseRules();
+    void oxaArrowsMoveInTheTreeCtrlArrowsLeave_data();
+    void oxaArrowsMoveInTheTreeCtrlArrowsLeave();
+};
+
+void TestCheckTreeView::toggles_data()
+{
+    QTest::addColumn<QStringList>("steps");
+    QTest::addColumn<QStringList>("states"); // after each step, in pre-order
+    // Children without a check box and their subtrees are left alone.
+    QTest::newRow("check and uncheck the root")
+        << QStringList{"click:Root", "click:Root"} << QStringList{"3333330101", "1111110101"};
+    QTest::newRow("grey node becomes unchecked with its subtree")
+        << QStringList{"click:A1", "click:A"} << QStringList{"2231110101", "1111110101"};
+    QTest::newRow("last unchecked child completes the parent, upwards")
+        << QStringList{"click:A1", "click:A2", "click:B1"}
+        << QStringList{"2231110101", "2333110101", "3333330101"};
+    QTest::newRow("checked node within a checked tree")
+        << QStringList{"click:Root", "click:B1", "click:B1"}
+        << QStringList{"3333330101", "2333110101", "3333330101"};
+    // The parent takes its child's state: it gains a check box.
+    QTest::newRow("parent without a check box")
+        << QStringList{"click:C1"} << QStringList{"2111110133"};
+    QTest::newRow("space") << QStringList{"space:A", "space:A2"}
+                           << QStringList{"2333110101", "2231110101"};
+    QTest::newRow("space on a node without a check box")
+        << QStringList{"space:Bn"} << QStringList{"1111110101"};
+    QTest::newRow("a click beside the state image")
+        << QStringList{"label:A1", "label:Root"} << QStringList{"1111110101", "1111110101"};
+    // Two clicks, and the node stays expanded.
+    QTest::newRow("double click on the state image")
+        << QStringList{"dclick:A", "dclick:A"} << QStringList{"1111110101", "1111110101"};
+    QTest::newRow("StateImageClick")
+        << QStringList{"call:B", "call:Bn"} << QStringList{"2111330101", "2111330101"};
+}
+
+void TestCheckTreeView::toggles()
+{
+    QFETCH(QStringList, steps);
+    QFETCH(QStringList, states);
+    TreeForm<TCheckTreeView> form;
+    QSignalSpy toggled(form.tree, &TCheckTreeView::stateImageClicked);
+    QVERIFY(form.show());
+    int toggles = 0;
+    const bool doubleClicks = steps.first().startsWith(QLatin1String("dclick"));
+    for (int i = 0; i < steps.size(); ++i) {
+        form.step(steps.at(i));
+        QCOMPARE(form.states(), states.at(i));
+        if (form.states() != (i ? states.at(i - 1) : QString::fromLatin1(kInitial)))
+            ++toggles;
+        if (!doubleClicks)
+            QCOMPARE(toggled.size(), toggles);
+    }
+    if (doubleClicks) {
+        QCOMPARE(toggled.size(), 2 * steps.size());
+        QVERIFY(form.nodes.value(QStringLiteral("A"))->isExpanded());
+    }
+}
+
+// The three propagations called by themselves: RefreshParent also compares
+// the children without a check box, CTVSetParent does not.
+void TestCheckTreeView::propagationAsWritten_data()
+{
+    QTest::addColumn<QString>("initial");
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<QString>("node");
+    QTest::addColumn<int>("state"); // for CTVSetChild
+    QTest::addColumn<QString>("states");
+    QTest::newRow("RefreshParent counts a child without a check box") << "1111130101"
+                                                                      << "RefreshParent"
+                                                                      << "B1" << 0 << "1111230101";
+    QTest::newRow("CTVSetParent skips it") << "1111130101"
+                                           << "CTVSetParent"
+                                           << "B1" << 0 << "2111330101";
+    QTest::newRow("RefreshParent only the direct parent") << "1131110101"
+                                                          << "RefreshParent"
+                                                          << "A1" << 0 << "1231110101";
+    QTest::newRow("RefreshParent on a root") << "1111110101"
+                                             << "RefreshParent"
+                                             << "Root" << 0 << "1111110101";
+    QTest::newRow("CTVSetParent keeps a parent of boxless children") << "1111110130"
+                                                                     << "CTVSetParent"
+                                                                     << "C1" << 0 << "2111110130";
+    QTest::newRow("CTVSetParent gives a boxless parent a state") << "1111110301"
+                                                                 << "CTVSetParent"
+                                                                 << "Bn1" << 0 << "2111213301";
+    QTest::newRow("CTVSetChild to grey") << "1111110101"
+                                         << "CTVSetChild"
+                                         << "B" << 2 << "1111220101";
+    QTest::newRow("CTVSetChild of a boxless node") << "1111110101"
+                                                   << "CTVSetChild"
+                                                   << "Bn" << 3 << "1111110301";
+}
+
+void TestCheckTreeView::propagationAsWritten()
+{
+    QFETCH(QString, initial);
+    QFETCH(QString, call);
+    QFETCH(QString, node);
+    QFETCH(int, state);
+    QFETCH(QString, states);
+    TreeForm<TCheckTreeView> form(initial.toLatin1().constData());
+    QTreeWidgetItem *item = form.nodes.value(node);
+    if (call == QLatin1String("RefreshParent"))
+        form.tree->RefreshParent(item);
+    else if (call == QLatin1String("CTVSetParent"))
+        form.tree->CTVSetParent(item);
+    else
+        form.tree->CTVSetChild(item, state);
+    QCOMPARE(form.states(), states);
+}
+
+// Each node shows the picture of its state; a node without a check box
+// shows none and its text starts where a state image would.
+void TestCheckTreeView::stateImagesAreDrawn()
+{
+    TreeForm<TCheckTreeView> form;
+    QVERIFY(form.show());
+    form.clickStateImage(QStringLiteral("A1"));
+    form.tree->setCurrentItem(nullptr);
+    form.tree->clearSelection();
+    const QImage shown = form.tree->viewport()->grab().toImage();
+    const char *const images[] = {"", "UNCHECKED", "GREYCHECKED", "CHECKED"};
+    for (const char *name : kNames) {
+        QTreeWidgetItem *node = form.nodes.value(QLatin1String(name));
+        const int state = TCheckTreeView::StateIndex(node);
+        const QRect rect = form.tree->StateImageRect(node);
+        QCOMPARE(rect.isValid(), state > 0);
+        if (!state)
+            continue;
+        QImage expected(rect.size(), QImage::Format_RGB32);
+        expected.fill(shown.pixel(rect.topLeft()));
+        QPainter(&expected).drawPixmap(
+            0, 0, QPixmap(QStringLiteral(":/oxa/CheckTreeView/") + QLatin1String(images[state])));
+        QVERIFY2(shown.copy(rect).convertToFormat(QImage::Format_RGB32) == expected, name);
+    }
+}
+
+void TestCheckTreeView::enterExpandsAndCollapses()
+{
+    TreeForm<TCheckTreeView> form;
+    QVERIFY(form.show());
+    QTreeWidgetItem *a = form.nodes.value(QStringLiteral("A"));
+    QTreeWidgetItem *root = form.nodes.value(QStringLiteral("Root"));
+    form.step(QStringLiteral("enter:A"));
+    QVERIFY(!a->isExpanded());
+    QVERIFY(root->isExpanded());
+    form.step(QStringLiteral("enter:A"));
+    QVERIFY(a->isExpanded());
+    // Not recursively: the children keep their own expansion.
+    form.step(QStringLiteral("enter:Root"));
+    QVERIFY(!root->isExpanded());
+    QVERIFY(a->isExpanded());
+    QCOMPARE(form.states(), QString::fromLatin1(kInitial));
+}
+
+void TestCheckTreeView::hostHandlerReplacesTheToggle()
+{
+    TreeForm<TCheckTreeView> form;
+    QStringList calls;
+    form.tree->OnStateImageClick = [&](QObject *sender, QTreeWidgetItem *node) {
+        calls.append((sender == form.tree ? QString() : QStringLiteral("?")) + node->text(0));
+    };
+    QVERIFY(form.show());
+    form.step(QStringLiteral("click:A1"));
+    form.step(QStringLiteral("space:B"));
+    form.step(QStringLiteral("label:C1"));
+    QCOMPARE(calls, (QStringList{"A1", "B"}));
+    QCOMPARE(form.states(), QString::fromLatin1(kInitial));
+}
+
+void TestCheckTreeView::keyReleaseRules_data()
+{
+    QTest::addColumn<bool>("autoRepeat");
+    QTest::addColumn<bool>("consumedByHost");
+    QTest::addColumn<QString>("states");
+    QTest::newRow("release") << false << false << "2111330101";
+    QTest::newRow("repeated release of a held key") << true << false << kInitial;
+    QTest::newRow("OnKeyUp consumes it") << false << true << kInitial;
+}
+
+void TestCheckTreeView::keyReleaseRules()
+{
+    QFETCH(bool, autoRepeat);
+    QFETCH(bool, consumedByHost);
+    QFETCH(QString, states);
+    TreeForm<TCheckTreeView> form;
+    if (consumedByHost)
+        form.tree->OnKeyUp = [](QObject *, Word &key, TShiftState) { key = 0; };
+    QVERIFY(form.show());
+    form.tree->setCurrentItem(form.nodes.value(QStringLiteral("B")));
+    // The press alone changes nothing; the release toggles.
+    QTest::keyPress(form.tree, Qt::Key_Space);
+    QCOMPARE(form.states(), QString::fromLatin1(kInitial));
+    QKeyEvent release(QEvent::KeyRelease, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "),
+                      autoRepeat);
+    QApplication::sendEvent(form.tree, &release);
+    QCOMPARE(form.states(), states);
+}
+
+void TestCheckTreeView::oxaArrowsMoveInTheTreeCtrlArrowsLeave_data()
+{
+    QTest::addColumn<QKeyCombination>("key");
+    QTest::addColumn<bool>("left");
+    QTest::addColumn<QString>("current");
+    QTest::newRow("down") << QKeyCombination(Qt::Key_Down) << false << "B1";
+    QTest::newRow("ctrl down") << (Qt::ControlModifier | Qt::Key_Down) << true << "B";
+    QTest::newRow("ctrl shift down")
+        << (Qt::ControlModifier | Qt::ShiftModifier | Qt::Key_Down) << false << "B1";
+    QTest::newRow("ctrl up, no neighbour") << (Qt::ControlModifier | Qt::Key_Up) << false << "A2";
+}
+
+void TestCheckTreeView::oxaArrowsMoveInTheTreeCtrlArrowsLeave()
+{
+    QFETCH(QKeyCombination, key);
+    QFETCH(bool, left);
+    QFETCH(QString, current);
+    TreeForm<TCheckTreeViewOxa> form;
+    form.tree->SetFocDown(form.below);
+    QVERIFY(form.show());
+    form.tree->setCurrentItem(form.nodes.value(QStringLiteral("B")));
+    QTest::keyClick(form.tree, key.key(), key.keyboardModifiers());
+    QTRY_COMPARE(QApplication::focusWidget(),
+                 left ? static_cast<QWidget *>(form.below) : form.tree);
+    QCOMPARE(form.tree->currentItem()->text(0), current);
+    QCOMPARE(form.states(), QString::fromLatin1(kInitial));
+}
+
+QTEST_MAIN(TestCheckTreeView)
+#include "tst_checktreeview.moc"
