@@ -90,7 +90,7 @@ private:
     void StateImageAction(QTreeWidgetItem *Node);
     bool OnStateImage(const QPoint &Position, QTreeWidgetItem *&Node) const;
 
-    class Private;
+    class OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
 };
 

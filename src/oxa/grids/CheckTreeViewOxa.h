@@ -25,7 +25,7 @@ public:
     ~TCheckTreeViewOxa() override;
 
 private:
-    class Private;
+    class OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
 };
 

@@ -101,7 +101,7 @@ private:
     void DrawOrderMark(const QRect &Rect);
     bool IsCheckCell(int ACol, int ARow) const;
 
-    class Private;
+    class OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
 };
 

@@ -45,7 +45,7 @@ private:
     void RecountColWidths();
     void SetHeaders();
 
-    struct Private;
+    struct OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
 };
 

@@ -40,7 +40,7 @@ protected:
     void DoExit() override;
 
 private:
-    struct Private;
+    struct OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
 };
 
@@ -65,7 +65,7 @@ protected:
     void DoExit() override;
 
 private:
-    struct Private;
+    struct OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
 };
 
@@ -99,7 +99,7 @@ public:
     void RefreshList();
 
 private:
-    struct Private;
+    struct OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
 };
 
@@ -127,7 +127,7 @@ public:
     void SetValueUnchecked(const QString &Value);
 
 private:
-    struct Private;
+    struct OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
 };
 

@@ -235,7 +235,7 @@ private:
     void CheckActive() const;
     void SetState(TDataSetState Value);
 
-    struct Private;
+    struct OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
 };
 

@@ -77,7 +77,7 @@ protected:
     int RecordWidth() const override;
 
 private:
-    struct Private;
+    struct OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
 };
 
