@@ -12,18 +12,26 @@ namespace oxa {
 class OXA_EXPORT TDBComboBoxOxa : public TFocusColorNavigation<TDBComboBoxOxa, TDBComboBox>
 {
     Q_OBJECT
-    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
-    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
-    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
-    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
-    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
-    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor NOTIFY activeColorChanged)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor NOTIFY defaultColorChanged)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp NOTIFY focUpChanged)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
 
     using Base = TFocusColorNavigation<TDBComboBoxOxa, TDBComboBox>;
 
 public:
     explicit TDBComboBoxOxa(QWidget *parent = nullptr);
     ~TDBComboBoxOxa() override;
+
+Q_SIGNALS:
+    void activeColorChanged();
+    void defaultColorChanged();
+    void focUpChanged();
+    void focDownChanged();
+    void focLeftChanged();
+    void focRightChanged();
 
 protected:
     void DoEnter() override;

@@ -13,18 +13,26 @@ class OXA_EXPORT TDBLookupComboBoxOxa
     : public TFocusColorNavigation<TDBLookupComboBoxOxa, TDBLookupComboBox>
 {
     Q_OBJECT
-    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor)
-    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor)
-    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
-    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
-    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
-    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+    Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor NOTIFY activeColorChanged)
+    Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor NOTIFY defaultColorChanged)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp NOTIFY focUpChanged)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
 
     using Base = TFocusColorNavigation<TDBLookupComboBoxOxa, TDBLookupComboBox>;
 
 public:
     explicit TDBLookupComboBoxOxa(QWidget *parent = nullptr);
     ~TDBLookupComboBoxOxa() override;
+
+Q_SIGNALS:
+    void activeColorChanged();
+    void defaultColorChanged();
+    void focUpChanged();
+    void focDownChanged();
+    void focLeftChanged();
+    void focRightChanged();
 
 protected:
     void DoEnter() override;

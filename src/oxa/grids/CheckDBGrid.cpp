@@ -131,19 +131,28 @@ void DrawCheckBox(QPainter *Painter, QWidget *Widget, const QRect &Rect, bool Ch
 
 void TCheckColumn::SetCheck(bool Value)
 {
+    const auto before = Check();
     FChecking = Value;
     Changed();
+    if (Check() != before)
+        Q_EMIT checkChanged();
 }
 
 void TCheckColumn::SetFlat(bool Value)
 {
+    const auto before = Flat();
     IsFlat = Value;
     Changed();
+    if (Flat() != before)
+        Q_EMIT flatChanged();
 }
 
 void TCheckValueColumn::SetCheckLevel(int Value)
 {
+    const auto before = CheckLevel();
     StoreCheckLevel(Value);
+    if (CheckLevel() != before)
+        Q_EMIT checkLevelChanged();
 }
 
 void TCheckValueColumn::StoreCheckLevel(int Value)
@@ -154,12 +163,16 @@ void TCheckValueColumn::StoreCheckLevel(int Value)
 
 void TCheckValueColumn::SetStringValues(const QStringList &Value)
 {
+    const auto before = StringValues();
     FStringValues = Value;
     Changed();
+    if (StringValues() != before)
+        Q_EMIT stringValuesChanged();
 }
 
 void TEnhancedCheckValueColumn::SetChecking(bool Value)
 {
+    const auto before = Check();
     if (CheckLevel() >= 1 && Value) {
         const TModalResult answer = MessageService::MessageBox(
             Grid(),
@@ -174,6 +187,8 @@ void TEnhancedCheckValueColumn::SetChecking(bool Value)
         FChecking = Value;
     }
     Changed();
+    if (Check() != before)
+        Q_EMIT checkChanged();
 }
 
 void TEnhancedCheckValueColumn::SetCheckLevel(int Value)
@@ -196,8 +211,11 @@ void TEnhancedCheckValueColumn::SetCheckLevel(int Value)
 
 void TEnhancedCheckValueColumn::SetFlat(bool Value)
 {
+    const auto before = Flat();
     IsFlat = Value;
     Changed();
+    if (Flat() != before)
+        Q_EMIT flatChanged();
 }
 
 // ---------------------------------------------------------------------------
@@ -475,7 +493,10 @@ bool TEnhancedDBGrid::ArrowToTabs() const
 }
 void TEnhancedDBGrid::SetArrowToTabs(bool Value)
 {
+    const auto before = ArrowToTabs();
     d->FArrowToTabs = Value;
+    if (ArrowToTabs() != before)
+        Q_EMIT arrowToTabsChanged();
 }
 QString TEnhancedDBGrid::NedefText() const
 {
@@ -483,8 +504,11 @@ QString TEnhancedDBGrid::NedefText() const
 }
 void TEnhancedDBGrid::SetNedefText(const QString &Value)
 {
+    const auto before = NedefText();
     d->FNedefText = Value;
     InvalidateGrid();
+    if (NedefText() != before)
+        Q_EMIT nedefTextChanged();
 }
 bool TEnhancedDBGrid::EnableRightButton() const
 {
@@ -492,7 +516,10 @@ bool TEnhancedDBGrid::EnableRightButton() const
 }
 void TEnhancedDBGrid::SetEnableRightButton(bool Value)
 {
+    const auto before = EnableRightButton();
     d->FEnableRightButton = Value;
+    if (EnableRightButton() != before)
+        Q_EMIT enableRightButtonChanged();
 }
 int TEnhancedDBGrid::OnFirstClickRow() const
 {
@@ -518,8 +545,11 @@ QString TEnhancedDBGrid::GetFEditText() const
 
 void TEnhancedDBGrid::SetFEditText(const QString &Value)
 {
+    const auto before = GetFEditText();
     if (d->FEdit)
         d->FEdit->setText(Value);
+    if (GetFEditText() != before)
+        Q_EMIT extraEditTextChanged();
 }
 
 TDBGridColumns *TEnhancedDBGrid::CreateColumns()

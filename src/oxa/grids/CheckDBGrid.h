@@ -40,8 +40,8 @@ OXA_EXPORT bool ValueMatch(const QString &ValueList, const QString &Value);
 class OXA_EXPORT TCheckColumn : public TColumn
 {
     Q_OBJECT
-    Q_PROPERTY(bool Check READ Check WRITE SetCheck)
-    Q_PROPERTY(bool Flat READ Flat WRITE SetFlat)
+    Q_PROPERTY(bool Check READ Check WRITE SetCheck NOTIFY checkChanged)
+    Q_PROPERTY(bool Flat READ Flat WRITE SetFlat NOTIFY flatChanged)
 
 public:
     using TColumn::TColumn;
@@ -50,6 +50,10 @@ public:
     // Draws the box in the monochrome style.
     bool Flat() const { return IsFlat; }
     void SetFlat(bool Value);
+
+Q_SIGNALS:
+    void checkChanged();
+    void flatChanged();
 
 private:
     bool FChecking = false;
@@ -62,8 +66,9 @@ private:
 class OXA_EXPORT TCheckValueColumn : public TColumn
 {
     Q_OBJECT
-    Q_PROPERTY(int CheckLevel READ CheckLevel WRITE SetCheckLevel)
-    Q_PROPERTY(QStringList StringValues READ StringValues WRITE SetStringValues)
+    Q_PROPERTY(int CheckLevel READ CheckLevel WRITE SetCheckLevel NOTIFY checkLevelChanged)
+    Q_PROPERTY(
+        QStringList StringValues READ StringValues WRITE SetStringValues NOTIFY stringValuesChanged)
 
 public:
     using TColumn::TColumn;
@@ -71,6 +76,10 @@ public:
     virtual void SetCheckLevel(int Value);
     QStringList StringValues() const { return FStringValues; }
     void SetStringValues(const QStringList &Value);
+
+Q_SIGNALS:
+    void checkLevelChanged();
+    void stringValuesChanged();
 
 protected:
     void StoreCheckLevel(int Value);
@@ -85,8 +94,8 @@ private:
 class OXA_EXPORT TEnhancedCheckValueColumn : public TCheckValueColumn
 {
     Q_OBJECT
-    Q_PROPERTY(bool Check READ Check WRITE SetChecking)
-    Q_PROPERTY(bool Flat READ Flat WRITE SetFlat)
+    Q_PROPERTY(bool Check READ Check WRITE SetChecking NOTIFY checkChanged)
+    Q_PROPERTY(bool Flat READ Flat WRITE SetFlat NOTIFY flatChanged)
 
 public:
     using TCheckValueColumn::TCheckValueColumn;
@@ -95,6 +104,10 @@ public:
     void SetCheckLevel(int Value) override;
     bool Flat() const { return IsFlat; }
     void SetFlat(bool Value);
+
+Q_SIGNALS:
+    void checkChanged();
+    void flatChanged();
 
 private:
     bool FChecking = false;
@@ -111,14 +124,20 @@ private:
 class OXA_EXPORT TOxaBaseDBGrid : public TDBGrid
 {
     Q_OBJECT
-    Q_PROPERTY(bool AllowAppend READ AllowAppend WRITE SetAllowAppend)
+    Q_PROPERTY(bool AllowAppend READ AllowAppend WRITE SetAllowAppend NOTIFY allowAppendChanged)
 
 public:
     explicit TOxaBaseDBGrid(QWidget *parent = nullptr);
     ~TOxaBaseDBGrid() override;
 
     bool AllowAppend() const { return FAllowAppend; }
-    void SetAllowAppend(bool Value) { FAllowAppend = Value; }
+    void SetAllowAppend(bool Value)
+    {
+        if (Value == FAllowAppend)
+            return;
+        FAllowAppend = Value;
+        Q_EMIT allowAppendChanged();
+    }
 
     // Before a key reaches the grid: with AllowAppend off, Tab past the last
     // tab stop and Down on the last record are swallowed (Key := 0) and a
@@ -130,6 +149,9 @@ public:
     // Switches the grid's own editor off for a check or enumeration cell.
     virtual void LockCell() { }
     virtual void UnlockCell() { }
+
+Q_SIGNALS:
+    void allowAppendChanged();
 
 protected:
     void DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State) override;
@@ -177,11 +199,14 @@ class TEnhancedDBGridPrivate;
 class OXA_EXPORT TEnhancedDBGrid : public TOxaBaseDBGrid
 {
     Q_OBJECT
-    Q_PROPERTY(bool ArrowToTabs READ ArrowToTabs WRITE SetArrowToTabs)
-    Q_PROPERTY(QString NedefText READ NedefText WRITE SetNedefText)
-    Q_PROPERTY(bool EnableRightButton READ EnableRightButton WRITE SetEnableRightButton)
-    Q_PROPERTY(QString ExtraEditText READ GetFEditText WRITE SetFEditText)
-    Q_PROPERTY(int DefaultRowHeight READ DefaultRowHeight WRITE SetDefaultRowHeight)
+    Q_PROPERTY(bool ArrowToTabs READ ArrowToTabs WRITE SetArrowToTabs NOTIFY arrowToTabsChanged)
+    Q_PROPERTY(QString NedefText READ NedefText WRITE SetNedefText NOTIFY nedefTextChanged)
+    Q_PROPERTY(bool EnableRightButton READ EnableRightButton WRITE SetEnableRightButton NOTIFY
+                   enableRightButtonChanged)
+    Q_PROPERTY(
+        QString ExtraEditText READ GetFEditText WRITE SetFEditText NOTIFY extraEditTextChanged)
+    Q_PROPERTY(int DefaultRowHeight READ DefaultRowHeight WRITE SetDefaultRowHeight NOTIFY
+                   defaultRowHeightChanged)
 
 public:
     using TExtraEditExitEvent =
@@ -212,6 +237,12 @@ public:
     QRect ActualBoxRect(int aCol, int aRow) const;
 
     TExtraEditExitEvent OnExtraEditExit;
+
+Q_SIGNALS:
+    void arrowToTabsChanged();
+    void nedefTextChanged();
+    void enableRightButtonChanged();
+    void extraEditTextChanged();
 
 protected:
     TDBGridColumns *CreateColumns() override;

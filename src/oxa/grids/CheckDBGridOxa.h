@@ -12,14 +12,20 @@ namespace oxa {
 class OXA_EXPORT TCheckDBGridOxa : public TFocusNavigation<TCheckDBGridOxa, TCheckDBGrid>
 {
     Q_OBJECT
-    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp)
-    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown)
-    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft)
-    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight)
+    Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp NOTIFY focUpChanged)
+    Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
+    Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
+    Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
 
 public:
     explicit TCheckDBGridOxa(QWidget *parent = nullptr);
     ~TCheckDBGridOxa() override;
+
+Q_SIGNALS:
+    void focUpChanged();
+    void focDownChanged();
+    void focLeftChanged();
+    void focRightChanged();
 };
 
 // Adds TCheckDBGridOxa to the catalogue, page "Oxa".

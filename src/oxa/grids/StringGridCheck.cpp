@@ -99,7 +99,10 @@ int TStringGridCheck::CheckboxRow() const
 
 void TStringGridCheck::SetCheckboxRow(int Value)
 {
+    const auto before = CheckboxRow();
     d->FCheckRow = Value;
+    if (CheckboxRow() != before)
+        Q_EMIT checkboxRowChanged();
 }
 
 bool TStringGridCheck::FlatCheckBox() const

@@ -34,7 +34,7 @@ using TOnSortEvent = std::function<void(QObject *Sender, int Col)>;
 class OXA_EXPORT TStringGridCheck : public TStringGridOxa
 {
     Q_OBJECT
-    Q_PROPERTY(int CheckboxRow READ CheckboxRow WRITE SetCheckboxRow)
+    Q_PROPERTY(int CheckboxRow READ CheckboxRow WRITE SetCheckboxRow NOTIFY checkboxRowChanged)
     Q_PROPERTY(bool FlatCheckBox READ FlatCheckBox WRITE SetFlatCheckBox NOTIFY FlatCheckBoxChanged)
     Q_PROPERTY(int ASloupec READ ASloupec WRITE SetASloupec NOTIFY ASloupecChanged)
     Q_PROPERTY(bool Sorting READ Sorting WRITE SetSorting NOTIFY SortingChanged)
@@ -81,6 +81,7 @@ public:
     TOnSortEvent OnSort;
 
 Q_SIGNALS:
+    void checkboxRowChanged();
     void FlatCheckBoxChanged(bool Value);
     void ASloupecChanged(int Value);
     void SortingChanged(bool Value);

@@ -61,7 +61,10 @@ QString TDBEdit::DataField() const
 }
 void TDBEdit::SetDataField(const QString &Value)
 {
+    const auto before = DataField();
     d->link.SetFieldName(Value);
+    if (DataField() != before)
+        Q_EMIT dataFieldChanged();
 }
 TField *TDBEdit::Field() const
 {
@@ -144,7 +147,10 @@ QString TDBComboBox::DataField() const
 }
 void TDBComboBox::SetDataField(const QString &Value)
 {
+    const auto before = DataField();
     d->link.SetFieldName(Value);
+    if (DataField() != before)
+        Q_EMIT dataFieldChanged();
 }
 TField *TDBComboBox::Field() const
 {
@@ -248,7 +254,10 @@ QString TDBLookupComboBox::DataField() const
 }
 void TDBLookupComboBox::SetDataField(const QString &Value)
 {
+    const auto before = DataField();
     d->link.SetFieldName(Value);
+    if (DataField() != before)
+        Q_EMIT dataFieldChanged();
 }
 TField *TDBLookupComboBox::Field() const
 {
@@ -273,14 +282,20 @@ QString TDBLookupComboBox::ListField() const
 
 void TDBLookupComboBox::SetKeyField(const QString &Value)
 {
+    const auto before = KeyField();
     d->keyField = Value;
     RefreshList();
+    if (KeyField() != before)
+        Q_EMIT keyFieldChanged();
 }
 
 void TDBLookupComboBox::SetListField(const QString &Value)
 {
+    const auto before = ListField();
     d->listField = Value;
     RefreshList();
+    if (ListField() != before)
+        Q_EMIT listFieldChanged();
 }
 
 QVariant TDBLookupComboBox::KeyValue() const
@@ -368,7 +383,10 @@ QString TDBCheckBox::DataField() const
 }
 void TDBCheckBox::SetDataField(const QString &Value)
 {
+    const auto before = DataField();
     d->link.SetFieldName(Value);
+    if (DataField() != before)
+        Q_EMIT dataFieldChanged();
 }
 TField *TDBCheckBox::Field() const
 {
@@ -380,7 +398,10 @@ QString TDBCheckBox::ValueChecked() const
 }
 void TDBCheckBox::SetValueChecked(const QString &Value)
 {
+    const auto before = ValueChecked();
     d->valueChecked = Value;
+    if (ValueChecked() != before)
+        Q_EMIT valueCheckedChanged();
 }
 QString TDBCheckBox::ValueUnchecked() const
 {
@@ -388,7 +409,10 @@ QString TDBCheckBox::ValueUnchecked() const
 }
 void TDBCheckBox::SetValueUnchecked(const QString &Value)
 {
+    const auto before = ValueUnchecked();
     d->valueUnchecked = Value;
+    if (ValueUnchecked() != before)
+        Q_EMIT valueUncheckedChanged();
 }
 
 } // namespace oxa

@@ -21,7 +21,7 @@ namespace oxa {
 class OXA_EXPORT TDBEdit : public TWinControl<QLineEdit>
 {
     Q_OBJECT
-    Q_PROPERTY(QString DataField READ DataField WRITE SetDataField)
+    Q_PROPERTY(QString DataField READ DataField WRITE SetDataField NOTIFY dataFieldChanged)
 
 public:
     explicit TDBEdit(QWidget *parent = nullptr);
@@ -35,6 +35,9 @@ public:
     // Writes the text into the field now.
     void UpdateRecord();
 
+Q_SIGNALS:
+    void dataFieldChanged();
+
 protected:
     void KeyDown(Word &Key, TShiftState Shift) override;
     void DoExit() override;
@@ -47,7 +50,7 @@ private:
 class OXA_EXPORT TDBComboBox : public TWinControl<QComboBox>
 {
     Q_OBJECT
-    Q_PROPERTY(QString DataField READ DataField WRITE SetDataField)
+    Q_PROPERTY(QString DataField READ DataField WRITE SetDataField NOTIFY dataFieldChanged)
 
 public:
     explicit TDBComboBox(QWidget *parent = nullptr);
@@ -59,6 +62,9 @@ public:
     void SetDataField(const QString &Value);
     TField *Field() const;
     void UpdateRecord();
+
+Q_SIGNALS:
+    void dataFieldChanged();
 
 protected:
     void KeyDown(Word &Key, TShiftState Shift) override;
@@ -74,9 +80,9 @@ private:
 class OXA_EXPORT TDBLookupComboBox : public TWinControl<QComboBox>
 {
     Q_OBJECT
-    Q_PROPERTY(QString DataField READ DataField WRITE SetDataField)
-    Q_PROPERTY(QString KeyField READ KeyField WRITE SetKeyField)
-    Q_PROPERTY(QString ListField READ ListField WRITE SetListField)
+    Q_PROPERTY(QString DataField READ DataField WRITE SetDataField NOTIFY dataFieldChanged)
+    Q_PROPERTY(QString KeyField READ KeyField WRITE SetKeyField NOTIFY keyFieldChanged)
+    Q_PROPERTY(QString ListField READ ListField WRITE SetListField NOTIFY listFieldChanged)
 
 public:
     explicit TDBLookupComboBox(QWidget *parent = nullptr);
@@ -98,6 +104,11 @@ public:
     // Reads the list records again (a lookup list is short).
     void RefreshList();
 
+Q_SIGNALS:
+    void dataFieldChanged();
+    void keyFieldChanged();
+    void listFieldChanged();
+
 private:
     struct OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
@@ -108,9 +119,11 @@ private:
 class OXA_EXPORT TDBCheckBox : public TWinControl<QCheckBox>
 {
     Q_OBJECT
-    Q_PROPERTY(QString DataField READ DataField WRITE SetDataField)
-    Q_PROPERTY(QString ValueChecked READ ValueChecked WRITE SetValueChecked)
-    Q_PROPERTY(QString ValueUnchecked READ ValueUnchecked WRITE SetValueUnchecked)
+    Q_PROPERTY(QString DataField READ DataField WRITE SetDataField NOTIFY dataFieldChanged)
+    Q_PROPERTY(
+        QString ValueChecked READ ValueChecked WRITE SetValueChecked NOTIFY valueCheckedChanged)
+    Q_PROPERTY(QString ValueUnchecked READ ValueUnchecked WRITE SetValueUnchecked NOTIFY
+                   valueUncheckedChanged)
 
 public:
     explicit TDBCheckBox(QWidget *parent = nullptr);
@@ -125,6 +138,11 @@ public:
     void SetValueChecked(const QString &Value);
     QString ValueUnchecked() const;
     void SetValueUnchecked(const QString &Value);
+
+Q_SIGNALS:
+    void dataFieldChanged();
+    void valueCheckedChanged();
+    void valueUncheckedChanged();
 
 private:
     struct OXA_NO_EXPORT Private;

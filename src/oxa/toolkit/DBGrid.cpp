@@ -55,8 +55,11 @@ int TColumn::Index() const
 
 void TColumn::SetFieldName(const QString &Value)
 {
+    const auto before = FieldName();
     m_fieldName = Value;
     Changed();
+    if (FieldName() != before)
+        Q_EMIT fieldNameChanged();
 }
 
 TField *TColumn::Field() const
@@ -75,8 +78,11 @@ QString TColumn::Title() const
 
 void TColumn::SetTitle(const QString &Value)
 {
+    const auto before = Title();
     m_title = Value;
     Changed();
+    if (Title() != before)
+        Q_EMIT titleChanged();
 }
 
 int TColumn::Width() const
@@ -89,14 +95,20 @@ int TColumn::Width() const
 
 void TColumn::SetWidth(int Value)
 {
+    const auto before = Width();
     m_width = Value;
     Changed();
+    if (Width() != before)
+        Q_EMIT widthChanged();
 }
 
 void TColumn::SetVisible(bool Value)
 {
+    const auto before = Visible();
     m_visible = Value;
     Changed();
+    if (Visible() != before)
+        Q_EMIT visibleChanged();
 }
 
 Qt::Alignment TColumn::Alignment() const

@@ -42,11 +42,11 @@ class TCustomDBGrid;
 class OXA_EXPORT TColumn : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(QString FieldName READ FieldName WRITE SetFieldName)
-    Q_PROPERTY(QString Title READ Title WRITE SetTitle)
-    Q_PROPERTY(int Width READ Width WRITE SetWidth)
-    Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE SetReadOnly)
-    Q_PROPERTY(bool Visible READ Visible WRITE SetVisible)
+    Q_PROPERTY(QString FieldName READ FieldName WRITE SetFieldName NOTIFY fieldNameChanged)
+    Q_PROPERTY(QString Title READ Title WRITE SetTitle NOTIFY titleChanged)
+    Q_PROPERTY(int Width READ Width WRITE SetWidth NOTIFY widthChanged)
+    Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE SetReadOnly NOTIFY readOnlyChanged)
+    Q_PROPERTY(bool Visible READ Visible WRITE SetVisible NOTIFY visibleChanged)
 
 public:
     explicit TColumn(TCustomDBGrid *Grid);
@@ -64,7 +64,13 @@ public:
     int Width() const;
     void SetWidth(int Value);
     bool ReadOnly() const { return m_readOnly; }
-    void SetReadOnly(bool Value) { m_readOnly = Value; }
+    void SetReadOnly(bool Value)
+    {
+        if (Value == m_readOnly)
+            return;
+        m_readOnly = Value;
+        Q_EMIT readOnlyChanged();
+    }
     bool Visible() const { return m_visible; }
     void SetVisible(bool Value);
     // The field's alignment unless one was set.
@@ -73,6 +79,13 @@ public:
     // A menu of the column's own (the grid does not own it).
     QMenu *PopupMenu() const { return m_popupMenu; }
     void SetPopupMenu(QMenu *Value) { m_popupMenu = Value; }
+
+Q_SIGNALS:
+    void fieldNameChanged();
+    void titleChanged();
+    void widthChanged();
+    void readOnlyChanged();
+    void visibleChanged();
 
 protected:
     // Lays the grid out again after a change of the column.

@@ -508,7 +508,10 @@ int TDataSet::PacketRecords() const
 
 void TDataSet::SetPacketRecords(int Value)
 {
+    const auto before = PacketRecords();
     d->packet = std::max(2, Value);
+    if (PacketRecords() != before)
+        Q_EMIT packetRecordsChanged();
 }
 
 // ---- moving

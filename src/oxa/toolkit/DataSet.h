@@ -101,7 +101,8 @@ class OXA_EXPORT TDataSet : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(bool Active READ Active WRITE SetActive NOTIFY ActiveChanged)
-    Q_PROPERTY(int PacketRecords READ PacketRecords WRITE SetPacketRecords)
+    Q_PROPERTY(
+        int PacketRecords READ PacketRecords WRITE SetPacketRecords NOTIFY packetRecordsChanged)
 
 public:
     using TDataSetNotifyEvent = std::function<void(TDataSet *DataSet)>;
@@ -190,6 +191,7 @@ public:
     TDataSetNotifyEvent OnNewRecord;
 
 Q_SIGNALS:
+    void packetRecordsChanged();
     void ActiveChanged();
     void RecordCountChanged(int Count);
 

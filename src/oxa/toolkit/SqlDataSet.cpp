@@ -186,7 +186,10 @@ QString TSqlDataSet::ConnectionName() const
 
 void TSqlDataSet::SetConnectionName(const QString &Value)
 {
+    const auto before = ConnectionName();
     d->connectionName = Value;
+    if (ConnectionName() != before)
+        Q_EMIT connectionNameChanged();
 }
 
 QSqlDatabase TSqlDataSet::Database() const
@@ -203,7 +206,10 @@ QString TSqlDataSet::TableName() const
 
 void TSqlDataSet::SetTableName(const QString &Value)
 {
+    const auto before = TableName();
     d->tableName = Value;
+    if (TableName() != before)
+        Q_EMIT tableNameChanged();
 }
 
 QString TSqlDataSet::SQL() const
@@ -213,7 +219,10 @@ QString TSqlDataSet::SQL() const
 
 void TSqlDataSet::SetSQL(const QString &Value)
 {
+    const auto before = SQL();
     d->sql = Value;
+    if (SQL() != before)
+        Q_EMIT sqlChanged();
 }
 
 QString TSqlDataSet::KeyFields() const
@@ -223,7 +232,10 @@ QString TSqlDataSet::KeyFields() const
 
 void TSqlDataSet::SetKeyFields(const QString &Value)
 {
+    const auto before = KeyFields();
     d->keyFieldsText = Value;
+    if (KeyFields() != before)
+        Q_EMIT keyFieldsChanged();
 }
 
 QString TSqlDataSet::Filter() const
@@ -233,8 +245,11 @@ QString TSqlDataSet::Filter() const
 
 void TSqlDataSet::SetFilter(const QString &Value, const QVariantList &Values)
 {
+    const auto before = Filter();
     d->filter = Value;
     d->filterValues = Values;
+    if (Filter() != before)
+        Q_EMIT filterChanged();
 }
 
 QVariantList TSqlDataSet::FilterValues() const

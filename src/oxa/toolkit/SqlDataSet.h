@@ -24,11 +24,12 @@ namespace oxa {
 class OXA_EXPORT TSqlDataSet : public TDataSet
 {
     Q_OBJECT
-    Q_PROPERTY(QString ConnectionName READ ConnectionName WRITE SetConnectionName)
-    Q_PROPERTY(QString TableName READ TableName WRITE SetTableName)
-    Q_PROPERTY(QString SQL READ SQL WRITE SetSQL)
-    Q_PROPERTY(QString KeyFields READ KeyFields WRITE SetKeyFields)
-    Q_PROPERTY(QString Filter READ Filter WRITE SetFilter)
+    Q_PROPERTY(QString ConnectionName READ ConnectionName WRITE SetConnectionName NOTIFY
+                   connectionNameChanged)
+    Q_PROPERTY(QString TableName READ TableName WRITE SetTableName NOTIFY tableNameChanged)
+    Q_PROPERTY(QString SQL READ SQL WRITE SetSQL NOTIFY sqlChanged)
+    Q_PROPERTY(QString KeyFields READ KeyFields WRITE SetKeyFields NOTIFY keyFieldsChanged)
+    Q_PROPERTY(QString Filter READ Filter WRITE SetFilter NOTIFY filterChanged)
 
 public:
     explicit TSqlDataSet(QObject *parent = nullptr);
@@ -59,6 +60,13 @@ public:
     // Moves to the record with these key values (in KeyFields order);
     // false, and the cursor where it was, when there is none.
     bool Locate(const QVariantList &KeyValues);
+
+Q_SIGNALS:
+    void connectionNameChanged();
+    void tableNameChanged();
+    void sqlChanged();
+    void keyFieldsChanged();
+    void filterChanged();
 
 protected:
     QList<TField *> DoOpen() override;
