@@ -1,4 +1,4 @@
-#include "oxa/diary/MonthGrid.h"
+#include "oxa/diary/MonthGrid_p.h"
 
 #include "support/TestSupport.h"
 
@@ -9,8 +9,14 @@ using namespace oxa;
 
 namespace {
 
-TTime Cas(int h, int n, int s = 0) { return EncodeTime(h, n, s, 0); }
-TTime Cas(QTime t) { return EncodeTime(t.hour(), t.minute(), t.second(), 0); }
+TTime Cas(int h, int n, int s = 0)
+{
+    return EncodeTime(h, n, s, 0);
+}
+TTime Cas(QTime t)
+{
+    return EncodeTime(t.hour(), t.minute(), t.second(), 0);
+}
 
 // A day grid over a store, shown in a window wide enough for all its slots.
 struct DayWindow
@@ -130,8 +136,8 @@ void TestDayGrid::mouseDrawingAndHint()
     n.barvaSvatek = 0x00FF00;
     n.barvaPracDoba = 0xC0FFC0;
     n.pracDobaLichy[6] = n.pracDobaSudy[6] = {Cas(8, 0), Cas(12, 0), 0, 0};
-    n.dovolena = {TDovolena{Cas(8, 0), Cas(9, 0), EncodeDate(2023, 11, 5), EncodeDate(2023, 11, 5),
-                            false, 0, {}}};
+    n.dovolena = {TDovolena{
+        Cas(8, 0), Cas(9, 0), EncodeDate(2023, 11, 5), EncodeDate(2023, 11, 5), false, 0, {}}};
     w.grid->SetDiarNastaveni(n);
     w.add(28, Cas(10, 0), Cas(10, 30), "Kontrola");
     w.add(28, Cas(11, 0), Cas(11, 15), "Soukromé", true);
@@ -170,7 +176,8 @@ void TestDayGrid::mouseDrawingAndHint()
     // The hint is that of the day's row in the month's cells.
     QTest::mouseMove(w.grid->viewport(), w.centre(37));
     QTRY_VERIFY(w.grid->HintActive());
-    QCOMPARE(w.grid->HintText(), QStringLiteral("(28.10.) Den vzniku samostatného československého státu"));
+    QCOMPARE(w.grid->HintText(),
+             QStringLiteral("(28.10.) Den vzniku samostatného československého státu"));
     QTest::mouseMove(w.grid->viewport(), w.centre(42));
     QTRY_COMPARE(w.grid->HintText(), QStringLiteral("10:00-10:30 Kontrola"));
 }

@@ -1,5 +1,5 @@
 #include "oxa/diary/DiarPanel.h"
-#include "oxa/diary/MonthGrid.h"
+#include "oxa/diary/MonthGrid_p.h"
 
 #include "support/TestSupport.h"
 

@@ -1,4 +1,4 @@
-#include "oxa/diary/DiarShared.h"
+#include "oxa/diary/DiarShared_p.h"
 
 #include <algorithm>
 
@@ -83,8 +83,7 @@ bool EntryMeetsSpan(const TDayRecord &aZaznam, TTime aCasOd, TTime aCasDo)
 
 TMonthArray::TMonthArray(quint16 aDnuPred, quint16 aDnuPo)
     : fMonthRecordArray(std::size_t(aDnuPred) + 31 + aDnuPo), fDnuPred(aDnuPred), fDnuPo(aDnuPo)
-{
-}
+{ }
 
 void TMonthArray::Clear()
 {

@@ -27,7 +27,7 @@ OXA_EXPORT QString IndexOutOfBoundsMessage(long long index);
 
 // A string of at most MaxLength characters, the records' short strings. A
 // longer text is cut to the limit when it is assigned.
-template <int MaxLength>
+template<int MaxLength>
 class TShortString
 {
     static_assert(MaxLength > 0 && MaxLength <= 255, "a short string holds 1 to 255 characters");
@@ -36,8 +36,8 @@ public:
     static constexpr int Capacity = MaxLength;
 
     TShortString() = default;
-    TShortString(const QString &text) : m_text(Cut(text)) {}
-    TShortString(const char *utf8) : m_text(Cut(QString::fromUtf8(utf8))) {}
+    TShortString(const QString &text) : m_text(Cut(text)) { }
+    TShortString(const char *utf8) : m_text(Cut(QString::fromUtf8(utf8))) { }
 
     TShortString &operator=(const QString &text)
     {
@@ -77,7 +77,7 @@ private:
 // A fixed array indexed from Low to High: weekdays 1..7, days 1..31, the
 // values of an enumeration or false..true. An index outside throws
 // oxa::Exception.
-template <class T, auto Low, auto High>
+template<class T, auto Low, auto High>
 struct TFixedArray
 {
     using Index = decltype(Low);
@@ -268,26 +268,6 @@ private:
 
     std::vector<std::unique_ptr<TDiarKonfig>> m_items;
 };
-
-// A time of day with its seconds and milliseconds dropped.
-OXA_EXPORT TTime TruncToMinutes(TTime aCas);
-
-// Whether an entry lies in the span aCasOd to aCasDo: its start and end, cut
-// to whole minutes, are a and b. Entries with a negative time never do. An
-// entry with b > a meets the span when a < aCasDo and aCasOd < b, so one that
-// only touches an edge of the span does not; an entry with b = a meets the
-// span that contains it (aCasOd <= a < aCasDo). The store, the grids and the
-// panel all use this rule.
-OXA_EXPORT bool EntryMeetsSpan(const TDayRecord &aZaznam, TTime aCasOd, TTime aCasDo);
-// The same rule for a start a and an end b already cut to whole minutes.
-inline bool MinutesMeetSpan(TTime a, TTime b, TTime aCasOd, TTime aCasDo)
-{
-    if (a < 0 || b < 0)
-        return false;
-    if (b > a)
-        return a < aCasDo && aCasOd < b;
-    return b == a && aCasOd <= a && a < aCasDo;
-}
 
 // The store of the entries of a displayed period: one slot per day. Slots 0
 // to DnuPred - 1 are the days shown before the month, slot DnuPred + d - 1 is
