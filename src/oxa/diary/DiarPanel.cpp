@@ -153,7 +153,10 @@ bool TDiarPanel::ReadOnly() const
 }
 void TDiarPanel::SetReadOnly(bool Value)
 {
+    if (Value == d->FReadOnly)
+        return;
     d->FReadOnly = Value;
+    Q_EMIT readOnlyChanged(Value);
 }
 QObject *TDiarPanel::Application() const
 {
@@ -244,6 +247,7 @@ void TDiarPanel::SetDiarSize(TDiarSize Value)
     }
     GotoDate(d->FSelectedDay);
     RearangeDays();
+    Q_EMIT diarSizeChanged(Value);
 }
 
 TDate TDiarPanel::MonthFirstDate() const
@@ -410,6 +414,11 @@ void TDiarPanel::UpdateActiveBox()
         const bool active = SameDate(box->Date(), d->FSelectedDay);
         if (box->Active() != active)
             box->SetActive(active);
+    }
+    TDayListView *list = DayListView();
+    if (list != d->fReportedList) {
+        d->fReportedList = list;
+        Q_EMIT dayListViewChanged(list);
     }
 }
 

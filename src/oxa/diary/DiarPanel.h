@@ -55,10 +55,10 @@ using TOnDaySelectItemEvent =
 class OXA_EXPORT TDiarPanel : public TWinControl<QFrame>, public TDayGroupBoxHost
 {
     Q_OBJECT
-    Q_PROPERTY(oxa::TDayListView *DayListView READ DayListView)
-    Q_PROPERTY(oxa::TDiarSize DiarSize READ DiarSize WRITE SetDiarSize)
-    Q_PROPERTY(int MonthYear READ MonthYear WRITE SetMonthYear)
-    Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE SetReadOnly)
+    Q_PROPERTY(oxa::TDayListView *DayListView READ DayListView NOTIFY dayListViewChanged)
+    Q_PROPERTY(oxa::TDiarSize DiarSize READ DiarSize WRITE SetDiarSize NOTIFY diarSizeChanged)
+    Q_PROPERTY(int MonthYear READ MonthYear WRITE SetMonthYear NOTIFY monthYearChanged)
+    Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE SetReadOnly NOTIFY readOnlyChanged)
 
 public:
     // Days the store keeps before and after the month.
@@ -209,6 +209,11 @@ Q_SIGNALS:
     // The selected day moved into another month and the store was emptied:
     // load the entries of DataDateMin..DataDateMax.
     void monthYearChanged(int MonthYear);
+    // The view changed (DiarSize).
+    void diarSizeChanged(oxa::TDiarSize DiarSize);
+    // The active box, and with it the list of DayListView, changed.
+    void dayListViewChanged(oxa::TDayListView *DayListView);
+    void readOnlyChanged(bool ReadOnly);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -43,6 +43,8 @@ public:
     bool fMonthGridDirty = true;   // the grid's cells lag behind the store
     bool fFollowingGrid = false;   // the panel itself moves the grid's row
     TMonthGrid *FMonthGrid = nullptr;
+    // The list last reported by dayListViewChanged.
+    QPointer<TDayListView> fReportedList;
 };
 
 } // namespace oxa

@@ -215,7 +215,10 @@ TMonthArray *TMonthGrid::Zaznamy() const
 
 void TMonthGrid::SetZaznamy(TMonthArray *Value)
 {
+    if (Value == d->FZaznamy)
+        return;
     d->FZaznamy = Value;
+    Q_EMIT zaznamyChanged(Value);
 }
 
 int TMonthGrid::dilkyMinuta() const
@@ -290,15 +293,19 @@ void TMonthGrid::SetDatum(TDate Value)
     SetSelection(TGridRect{col, month.den, col, month.den});
     ClampInView(col, month.den);
     InvalidateGrid();
+    Q_EMIT datumChanged(Value);
 }
 
 void TMonthGrid::SetCasOd(int Value)
 {
+    const bool changed = Value != d->FCasOd;
     d->FCasOd = Value;
     const int col = std::clamp(Value * d->fDILKY_HODINY + 1, FixedCols(), ColCount() - 1);
     SetLeftCol(col);
     const int row = Row();
     SetSelection(TGridRect{col, row, col, row});
+    if (changed)
+        Q_EMIT casOdChanged(Value);
 }
 
 void TMonthGrid::SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni)
@@ -919,6 +926,7 @@ void TDayGrid::SetDatum(TDate Value)
         return;
     StoreDatum(Value);
     InvalidateGrid();
+    Q_EMIT datumChanged(Value);
 }
 
 TDate TDayGrid::DatumRadku(int ARow) const

@@ -36,11 +36,11 @@ class TDayGridPrivate;
 class OXA_EXPORT TMonthGrid : public TDrawGrid
 {
     Q_OBJECT
-    Q_PROPERTY(double Datum READ Datum WRITE SetDatum)
-    Q_PROPERTY(int CasOd READ CasOd WRITE SetCasOd)
-    Q_PROPERTY(oxa::TMonthArray *Zaznamy READ Zaznamy WRITE SetZaznamy)
-    Q_PROPERTY(int dilkyHodiny READ dilkyHodiny)
-    Q_PROPERTY(int dilkyHodinyDen READ dilkyHodinyDen)
+    Q_PROPERTY(double Datum READ Datum WRITE SetDatum NOTIFY datumChanged)
+    Q_PROPERTY(int CasOd READ CasOd WRITE SetCasOd NOTIFY casOdChanged)
+    Q_PROPERTY(oxa::TMonthArray *Zaznamy READ Zaznamy WRITE SetZaznamy NOTIFY zaznamyChanged)
+    Q_PROPERTY(int dilkyHodiny READ dilkyHodiny CONSTANT)
+    Q_PROPERTY(int dilkyHodinyDen READ dilkyHodinyDen CONSTANT)
 
 public:
     // aDilekMinut: minutes per slot, 1 to 60 (EInvalidOperation otherwise);
@@ -111,6 +111,11 @@ public:
     QString HintText() const;
     QLabel *HintWindow() const;
     void HideHint();
+
+Q_SIGNALS:
+    void datumChanged(double Datum);
+    void casOdChanged(int CasOd);
+    void zaznamyChanged(oxa::TMonthArray *Zaznamy);
 
 protected:
     void DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State) override;
