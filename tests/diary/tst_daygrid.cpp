@@ -118,7 +118,7 @@ void TestDayGrid::selectionTimes()
     QFETCH(QTime, konec);
     QFETCH(int, to);
     TDayGrid grid(nullptr, minut);
-    grid.setSelection(left, 1, right, 1);
+    grid.SetSelection(TGridRect{left, 1, right, 1});
     QCOMPARE(grid.GetSelectionStartCell(), left - 1);
     QCOMPARE(grid.GetSelectionEndCell(), right);
     QCOMPARE(TruncToMinutes(grid.GetSelectionStartTime()), Cas(od));
@@ -143,7 +143,7 @@ void TestDayGrid::mouseDrawingAndHint()
     w.add(28, Cas(11, 0), Cas(11, 15), "Soukromé", true);
     w.add(1, Cas(9, 0), Cas(9, 15), "Jiný den");
     w.grid->Init();
-    w.grid->setSelection(80, 1, 82, 1);
+    w.grid->SetSelection(TGridRect{80, 1, 82, 1});
     int downs = 0;
     w.grid->OnMouseDown = [&](QObject *, TMouseButton, TShiftState, int, int) { ++downs; };
     QVERIFY(test::ShowAndActivate(&w.window));

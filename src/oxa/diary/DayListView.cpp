@@ -24,17 +24,12 @@ const TFixedArray<QString, zkNone, zkPartner> ContactSourceTables{
 
 TDate SpocitejDatum(int aDen, qint16 aMonthYear)
 {
-    return EncodeDate(aMonthYear / 100 + 1900, aMonthYear % 100, aDen);
+    return TMesicRok(aMonthYear).Date(aDen);
 }
 
 qint16 DateToMesicRok(TDate aDate)
 {
-    int year = 0, month = 0, day = 0;
-    DecodeDate(aDate, year, month, day);
-    const int packed = (year - 1900) * 100 + month;
-    if (packed < std::numeric_limits<qint16>::min() || packed > std::numeric_limits<qint16>::max())
-        throw EConvertError(QStringLiteral("Měsíc %1/%2 mimo rozsah diáře").arg(month).arg(year));
-    return qint16(packed);
+    return TMesicRok::FromDate(aDate).Packed();
 }
 
 QString SpocitejHodiny(TTime start, TTime end)

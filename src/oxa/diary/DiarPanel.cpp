@@ -109,7 +109,7 @@ int TDiarPanel::Day() const
 }
 qint16 TDiarPanel::MonthYear() const
 {
-    return d->FMonthYear;
+    return d->FMonthYear.Packed();
 }
 TDate TDiarPanel::SelectedDay() const
 {
@@ -252,7 +252,7 @@ void TDiarPanel::SetDiarSize(TDiarSize Value)
 
 TDate TDiarPanel::MonthFirstDate() const
 {
-    return SpocitejDatum(1, d->FMonthYear);
+    return d->FMonthYear.FirstDay();
 }
 
 TDate TDiarPanel::DataDateMin() const
@@ -262,25 +262,24 @@ TDate TDiarPanel::DataDateMin() const
 
 TDate TDiarPanel::DataDateMax() const
 {
-    const TDate first = MonthFirstDate();
-    return first + DaysInAMonth(d->FMonthYear / 100 + 1900, d->FMonthYear % 100) - 1 + DnuPo;
+    return d->FMonthYear.LastDay() + DnuPo;
 }
 
 void TDiarPanel::GotoDate(TDate aValue)
 {
     int year = 0, month = 0, day = 0;
     DecodeDate(aValue, year, month, day);
-    GotoDate(day, DateToMesicRok(aValue));
+    GotoDate(day, TMesicRok::FromDate(aValue).Packed());
 }
 
 void TDiarPanel::GotoDate(int aDay, qint16 aMonthYear)
 {
-    TDate datum = SpocitejDatum(aDay, aMonthYear);
+    TDate datum = TMesicRok(aMonthYear).Date(aDay);
     if (d->FDiarSize == dsWorkWeek)
         datum = WorkingDayOf(datum);
     int year = 0, month = 0, day = 0;
     DecodeDate(datum, year, month, day);
-    const qint16 monthYear = DateToMesicRok(datum);
+    const TMesicRok monthYear = TMesicRok::FromDate(datum);
     const bool monthChanged = monthYear != d->FMonthYear;
 
     d->FDay = day;
@@ -301,7 +300,7 @@ void TDiarPanel::GotoDate(int aDay, qint16 aMonthYear)
         // Months differ in length, and so does the month grid.
         if (d->FDiarSize == dsMonth)
             RearangeDays();
-        Q_EMIT monthYearChanged(d->FMonthYear);
+        Q_EMIT monthYearChanged(d->FMonthYear.Packed());
     }
 }
 
@@ -310,12 +309,13 @@ void TDiarPanel::GotoMonth(int aMonth, int aYear)
     if (aMonth < 1 || aMonth > 12)
         throw EConvertError(QStringLiteral("Neplatný měsíc %1").arg(aMonth));
     const int day = std::min(std::max(d->FDay, 1), DaysInAMonth(aYear, aMonth));
-    GotoDate(day, qint16((aYear - 1900) * 100 + aMonth));
+    GotoDate(day, TMesicRok::FromYearMonth(aYear, aMonth).Packed());
 }
 
 void TDiarPanel::GotoMonth(qint16 aMonthYear)
 {
-    GotoMonth(aMonthYear % 100, aMonthYear / 100 + 1900);
+    const TMesicRok mesic(aMonthYear);
+    GotoMonth(mesic.Month(), mesic.Year());
 }
 
 // --- the day boxes -------------------------------------------------------------
@@ -338,7 +338,7 @@ TDayGroupBox *TDiarPanel::GetDayGroupBox(TDate aDatum) const
 TDayGroupBox *TDiarPanel::GetDayGroupBox(int aDay, qint16 aMonthYear) const
 {
     TDate datum = 0;
-    if (!TryEncodeDate(aMonthYear / 100 + 1900, aMonthYear % 100, aDay, datum))
+    if (!TMesicRok(aMonthYear).TryDate(aDay, datum))
         return nullptr;
     return GetDayGroupBox(datum);
 }
@@ -465,7 +465,7 @@ void TDiarPanel::resizeEvent(QResizeEvent *event)
 
 TDate TDiarPanel::RecordDate(const TDayRecord &aZaznam) const
 {
-    return SpocitejDatum(aZaznam.Den, aZaznam.RokMesic);
+    return TMesicRok(aZaznam.RokMesic).Date(aZaznam.Den);
 }
 
 // Slots before the month count back from its first day, slots after it from
@@ -473,7 +473,7 @@ TDate TDiarPanel::RecordDate(const TDayRecord &aZaznam) const
 int TDiarPanel::SlotOfDate(TDate aDatum) const
 {
     const int first = WholeDays(MonthFirstDate());
-    const int last = first + DaysInAMonth(d->FMonthYear / 100 + 1900, d->FMonthYear % 100) - 1;
+    const int last = WholeDays(d->FMonthYear.LastDay());
     const int day = WholeDays(aDatum);
     if (day < first)
         return DnuPred - (first - day);
@@ -534,7 +534,7 @@ void TDiarPanel::RefreshBoxes()
 
 void TDiarPanel::ShowRecordChange(TDate aDatum)
 {
-    if (DateToMesicRok(aDatum) != d->FMonthYear)
+    if (!d->FMonthYear.Contains(aDatum))
         return;
     if (!MonthGridShowing()) {
         d->fMonthGridDirty = true;
@@ -792,7 +792,7 @@ void TDiarPanel::OnMonthGridSelectCell(QObject *Sender, int ACol, int ARow, bool
     if (d->fFollowingGrid || Sender != d->FMonthGrid || ARow < 1 || ARow == d->FDay)
         return;
     const QScopedValueRollback following(d->fFollowingGrid, true);
-    GotoDate(ARow, d->FMonthYear);
+    GotoDate(ARow, d->FMonthYear.Packed());
 }
 
 void TDiarPanel::OnMonthGridDblClick(QObject *Sender)
@@ -992,7 +992,7 @@ bool TDiarPanel::MoveEntry(const TDayRecord &aZaznam, TDate aTarget, bool aByDra
     DecodeDate(aTarget, year, month, day);
     TDayRecord nove = aZaznam;
     nove.Den = qint16(day);
-    nove.RokMesic = DateToMesicRok(aTarget);
+    nove.RokMesic = TMesicRok::FromDate(aTarget).Packed();
 
     bool allow = true;
     if (OnDayItemBeforeMoveEvent)
@@ -1096,7 +1096,7 @@ void TDiarPanel::MoveSelectionByWheel(int aSteps)
             target = StepDate(d->FSelectedDay, 1);
         } else {
             target = StepDate(d->FSelectedDay, -1);
-            if (d->FDay == 1 || DateToMesicRok(target) != d->FMonthYear)
+            if (d->FDay == 1 || !d->FMonthYear.Contains(target))
                 break;
         }
         GotoDate(target);

@@ -15,7 +15,7 @@ class TDiarPanelPrivate
 {
 public:
     int FDay = 0;
-    qint16 FMonthYear = 0;
+    TMesicRok FMonthYear;
     TDiarSize FDiarSize = dsWeek;
     std::unique_ptr<TMonthArray> fMonthRecords =
         std::make_unique<TMonthArray>(TDiarPanel::DnuPred, TDiarPanel::DnuPo);

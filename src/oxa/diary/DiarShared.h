@@ -114,6 +114,38 @@ enum TZdrojKontaktu { zkNone, zkPacient, zkPartner };
 // The unit of a reminder's lead time.
 enum TJednotkaUpozorneni { juMinuta, juHodina, juDen };
 
+// A month of a year in the diary's packed form, (year - 1900) * 100 +
+// month, as TDayRecord::RokMesic and the diary panel's MonthYear hold it:
+// January 2000 is 10001. Months before 1900 pack to negative numbers.
+class OXA_EXPORT TMesicRok
+{
+public:
+    constexpr TMesicRok() = default;
+    constexpr explicit TMesicRok(qint16 aPacked) : m_packed(aPacked) { }
+    // Throws EConvertError when the month does not fit the packed form.
+    static TMesicRok FromYearMonth(int aYear, int aMonth);
+    static TMesicRok FromDate(TDate aDate);
+
+    constexpr qint16 Packed() const { return m_packed; }
+    constexpr int Year() const { return 1900 + FloorDiv(m_packed - 1, 100); }
+    constexpr int Month() const { return m_packed - (Year() - 1900) * 100; }
+    int DaysInMonth() const;
+    // The date of day aDen of the month; EConvertError for a day the month
+    // does not have.
+    TDate Date(int aDen) const;
+    bool TryDate(int aDen, TDate &aDatum) const;
+    TDate FirstDay() const { return Date(1); }
+    TDate LastDay() const { return Date(DaysInMonth()); }
+    bool Contains(TDate aDatum) const { return FromDate(aDatum) == *this; }
+
+    friend constexpr bool operator==(TMesicRok, TMesicRok) = default;
+
+private:
+    static constexpr int FloorDiv(int a, int b) { return a >= 0 ? a / b : -((-a + b - 1) / b); }
+
+    qint16 m_packed = 0;
+};
+
 // One diary entry (an appointment), copied by value between the store and
 // the controls.
 struct OXA_EXPORT TDayRecord
@@ -123,7 +155,7 @@ struct OXA_EXPORT TDayRecord
     TShortString<255> Parafa;
     bool Soukrome = false;
     qint16 Den = 0;
-    qint16 RokMesic = 0; // (year - 1900) * 100 + month, see DateToMesicRok
+    qint16 RokMesic = 0; // the packed month, TMesicRok
     TTime CasOd = 0;
     TTime CasDo = 0;
     TShortString<33> Popis;

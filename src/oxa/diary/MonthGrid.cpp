@@ -943,11 +943,6 @@ int TDayGrid::DataRowOf(int ARow) const
     return den;
 }
 
-void TDayGrid::setSelection(int left, int top, int right, int bottom)
-{
-    SetSelection(TGridRect{left, top, right, bottom});
-}
-
 int TDayGrid::GetSelectionStartCell() const
 {
     return Selection().Left - 1;

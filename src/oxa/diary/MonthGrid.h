@@ -167,7 +167,6 @@ public:
     void SetDatum(TDate Value) override;
     TDate DatumRadku(int ARow) const override;
 
-    void setSelection(int left, int top, int right, int bottom);
     // Zero-based number of the first selected slot, and the last selected column.
     int GetSelectionStartCell() const;
     int GetSelectionEndCell() const;
