@@ -1,5 +1,6 @@
 #include "oxa/diary/DiarPanel_p.h"
 
+#include "oxa/diary/DiarModel_p.h"
 #include "oxa/diary/MonthGrid.h"
 #include "oxa/toolkit/Exceptions.h"
 
@@ -9,7 +10,6 @@
 #include <QItemSelectionModel>
 #include <QMenu>
 #include <QMouseEvent>
-#include <QScopedValueRollback>
 #include <QStyle>
 #include <QWheelEvent>
 
@@ -33,13 +33,6 @@ int WholeDays(TDate aDatum)
 bool IsWeekend(TDate aDatum)
 {
     return DayOfTheWeek(aDatum) >= 6;
-}
-
-// A working day of the same ISO week: Saturday and Sunday become its Friday.
-TDate WorkingDayOf(TDate aDatum)
-{
-    const int dow = DayOfTheWeek(aDatum);
-    return dow >= 6 ? aDatum - (dow - 5) : aDatum;
 }
 
 // The caption of an entry in the month grid's menu: "08:30-09:15 Popis".
@@ -74,6 +67,15 @@ TDiarPanel::TDiarPanel(QWidget *AOwner)
     d->fMonthGridMenu = new QMenu(this);
     d->fMonthGridMenu->setObjectName(QStringLiteral("MonthGridMenu"));
 
+    connect(&d->model, &TDiarModel::periodChanged, this,
+            [this](bool aMonthChanged) { ShowPeriod(aMonthChanged); });
+    connect(&d->model, &TDiarModel::monthChanged, this, [this] { ShowNewMonth(); });
+    connect(&d->model, &TDiarModel::entryAdded, this,
+            [this](const TDayRecord &aZaznam, double aDatum) { ShowEntryAdded(aZaznam, aDatum); });
+    connect(&d->model, &TDiarModel::entryRemoved, this,
+            [this](qint32 aID, double aDatum) { ShowEntryRemoved(aID, aDatum); });
+    connect(&d->model, &TDiarModel::entriesReset, this, [this] { RefreshBoxes(); });
+
     GenerujBunky();
     GotoDate(Date());
     d->fcanCallReanrangeDay = true;
@@ -88,40 +90,36 @@ TDiarPanel::~TDiarPanel()
         box->DayListView()->viewport()->removeEventFilter(this);
         box->DayListView()->selectionModel()->disconnect(this);
     }
-    if (d->FMonthGrid) {
-        d->FMonthGrid->SetZaznamy(nullptr);
-        d->FMonthGrid->OnSelectCell = nullptr;
-        d->FMonthGrid->OnClick = nullptr;
-        d->FMonthGrid->OnDblClick = nullptr;
-        d->FMonthGrid->OnKeyDown = nullptr;
-    }
+    // The grid is freed with the children too, when the model has gone.
+    if (d->FMonthGrid)
+        UnhookMonthGrid(d->FMonthGrid);
 }
 
 // --- accessors -----------------------------------------------------------------
 
 TDiarSize TDiarPanel::DiarSize() const
 {
-    return d->FDiarSize;
+    return d->model.DiarSize();
 }
 int TDiarPanel::Day() const
 {
-    return d->FDay;
+    return d->model.Day();
 }
 qint16 TDiarPanel::MonthYear() const
 {
-    return d->FMonthYear.Packed();
+    return d->model.MonthYear().Packed();
 }
 TDate TDiarPanel::SelectedDay() const
 {
-    return d->FSelectedDay;
+    return d->model.SelectedDay();
 }
 TDate TDiarPanel::VisibleDateMin() const
 {
-    return d->FVisibleDateMin;
+    return d->model.VisibleDateMin();
 }
 TDate TDiarPanel::VisibleDateMax() const
 {
-    return d->FVisibleDateMax;
+    return d->model.VisibleDateMax();
 }
 int TDiarPanel::DayGroupBoxCount() const
 {
@@ -129,11 +127,11 @@ int TDiarPanel::DayGroupBoxCount() const
 }
 bool TDiarPanel::IsUpdating() const
 {
-    return d->fAddDayRecord > 0;
+    return d->model.IsUpdating();
 }
 const TMonthArray &TDiarPanel::Records() const
 {
-    return *d->fMonthRecords;
+    return d->model.Records();
 }
 QMenu *TDiarPanel::MonthGridMenu() const
 {
@@ -235,80 +233,64 @@ int TDiarPanel::BoxCountFor(TDiarSize aSize) const
 
 void TDiarPanel::SetDiarSize(TDiarSize Value)
 {
-    if (Value == d->FDiarSize)
+    if (Value == d->model.DiarSize())
         return;
-    d->FDiarSize = Value;
+    d->model.SetDiarSize(Value);
     GenerujBunky();
-    if (d->FDiarSize == dsMonth) {
+    if (Value == dsMonth) {
         EnsureMonthGrid();
         d->FMonthGrid->show();
     } else if (d->FMonthGrid) {
         d->FMonthGrid->hide();
     }
-    GotoDate(d->FSelectedDay);
+    GotoDate(d->model.SelectedDay());
     RearangeDays();
     Q_EMIT diarSizeChanged(Value);
 }
 
-TDate TDiarPanel::MonthFirstDate() const
-{
-    return d->FMonthYear.FirstDay();
-}
-
 TDate TDiarPanel::DataDateMin() const
 {
-    return MonthFirstDate() - DnuPred;
+    return d->model.DataDateMin();
 }
 
 TDate TDiarPanel::DataDateMax() const
 {
-    return d->FMonthYear.LastDay() + DnuPo;
+    return d->model.DataDateMax();
 }
 
 void TDiarPanel::GotoDate(TDate aValue)
 {
-    int year = 0, month = 0, day = 0;
-    DecodeDate(aValue, year, month, day);
-    GotoDate(day, TMesicRok::FromDate(aValue).Packed());
+    d->model.GotoDate(DateOf(aValue));
 }
 
 void TDiarPanel::GotoDate(int aDay, qint16 aMonthYear)
 {
-    TDate datum = TMesicRok(aMonthYear).Date(aDay);
-    if (d->FDiarSize == dsWorkWeek)
-        datum = WorkingDayOf(datum);
-    int year = 0, month = 0, day = 0;
-    DecodeDate(datum, year, month, day);
-    const TMesicRok monthYear = TMesicRok::FromDate(datum);
-    const bool monthChanged = monthYear != d->FMonthYear;
+    d->model.GotoDate(TMesicRok(aMonthYear).Date(aDay));
+}
 
-    d->FDay = day;
-    d->FMonthYear = monthYear;
-    d->FSelectedDay = datum;
-    d->FVisibleDateMin = FirstVisibleDate(datum, d->FDiarSize);
-    d->FVisibleDateMax = LastVisibleDate(datum, d->FDiarSize);
-    if (monthChanged) {
-        // The store's slots count from the month: the entries of the old
-        // month are no longer where they belong.
-        d->fMonthRecords->Clear();
+// The model moved: the boxes show the new period; the month grid follows
+// through its own connections.
+void TDiarPanel::ShowPeriod(bool aMonthChanged)
+{
+    if (aMonthChanged)
         d->fBoxesStale = true;
-        d->fMonthGridDirty = true;
-    }
     InitDays();
-    SyncMonthGrid();
-    if (monthChanged) {
-        // Months differ in length, and so does the month grid.
-        if (d->FDiarSize == dsMonth)
-            RearangeDays();
-        Q_EMIT monthYearChanged(d->FMonthYear.Packed());
-    }
+}
+
+// Reported once every view shows the new month: the host loads its entries.
+void TDiarPanel::ShowNewMonth()
+{
+    // Months differ in length, and so does the month grid.
+    if (d->model.DiarSize() == dsMonth)
+        RearangeDays();
+    Q_EMIT monthYearChanged(d->model.MonthYear().Packed());
 }
 
 void TDiarPanel::GotoMonth(int aMonth, int aYear)
 {
     if (aMonth < 1 || aMonth > 12)
         throw EConvertError(QStringLiteral("Neplatný měsíc %1").arg(aMonth));
-    const int day = std::min(std::max(d->FDay, 1), DaysInAMonth(aYear, aMonth));
+    const int day = std::min(std::max(d->model.Day(), 1), DaysInAMonth(aYear, aMonth));
     GotoDate(day, TMesicRok::FromYearMonth(aYear, aMonth).Packed());
 }
 
@@ -345,7 +327,7 @@ TDayGroupBox *TDiarPanel::GetDayGroupBox(int aDay, qint16 aMonthYear) const
 
 TDayGroupBox *TDiarPanel::ActiveDayGroupBox() const
 {
-    return GetDayGroupBox(d->FSelectedDay);
+    return GetDayGroupBox(d->model.SelectedDay());
 }
 
 TDayListView *TDiarPanel::DayListView() const
@@ -356,7 +338,7 @@ TDayListView *TDiarPanel::DayListView() const
 
 void TDiarPanel::GenerujBunky()
 {
-    const int count = BoxCountFor(d->FDiarSize);
+    const int count = BoxCountFor(d->model.DiarSize());
     while (d->fBoxPool.size() < count)
         CreateDayGroupBox();
     d->FDayGroupBoxArray = d->fBoxPool.mid(0, count);
@@ -375,15 +357,15 @@ void TDiarPanel::GenerujBunky()
 
 TDate TDiarPanel::FirstShownDate() const
 {
-    switch (d->FDiarSize) {
+    switch (d->model.DiarSize()) {
     case dsWorkWeek:
     case dsWeek:
-        return d->FVisibleDateMin + 1; // the Monday
+        return d->model.VisibleDateMin() + 1; // the Monday
     case dsDay:
     case dsMonth:
         break;
     }
-    return d->FSelectedDay;
+    return d->model.SelectedDay();
 }
 
 void TDiarPanel::InitDays()
@@ -405,13 +387,13 @@ void TDiarPanel::SetDayGroupBox(int Index, TDate aDatum)
         throw EInvalidOperation(QStringLiteral("Den %1 panel nezobrazuje").arg(Index));
     box->SetDate(DateOf(aDatum));
     FillBox(box);
-    box->SetActive(SameDate(aDatum, d->FSelectedDay));
+    box->SetActive(SameDate(aDatum, d->model.SelectedDay()));
 }
 
 void TDiarPanel::UpdateActiveBox()
 {
     for (TDayGroupBox *box : std::as_const(d->FDayGroupBoxArray)) {
-        const bool active = SameDate(box->Date(), d->FSelectedDay);
+        const bool active = SameDate(box->Date(), d->model.SelectedDay());
         if (box->Active() != active)
             box->SetActive(active);
     }
@@ -427,7 +409,7 @@ void TDiarPanel::RearangeDays()
     if (!d->fcanCallReanrangeDay)
         return;
     QRect area = contentsRect();
-    if (d->FDiarSize == dsMonth && d->FMonthGrid) {
+    if (d->model.DiarSize() == dsMonth && d->FMonthGrid) {
         int gridHeight = MonthGridHeight();
         if (area.height() - gridHeight < MinBoxHeight)
             gridHeight = std::max(area.height() * 2 / 3, area.height() - MinBoxHeight);
@@ -463,46 +445,6 @@ void TDiarPanel::resizeEvent(QResizeEvent *event)
 
 // --- the store -----------------------------------------------------------------
 
-TDate TDiarPanel::RecordDate(const TDayRecord &aZaznam) const
-{
-    return TMesicRok(aZaznam.RokMesic).Date(aZaznam.Den);
-}
-
-// Slots before the month count back from its first day, slots after it from
-// the 32nd slot (the month always has 31 of them).
-int TDiarPanel::SlotOfDate(TDate aDatum) const
-{
-    const int first = WholeDays(MonthFirstDate());
-    const int last = WholeDays(d->FMonthYear.LastDay());
-    const int day = WholeDays(aDatum);
-    if (day < first)
-        return DnuPred - (first - day);
-    if (day <= last)
-        return DnuPred + (day - first);
-    return DnuPred + 31 + (day - last - 1);
-}
-
-PDayRecord TDiarPanel::FindStored(qint32 aID)
-{
-    for (int slot = 0; slot < d->fMonthRecords->SlotCount(); ++slot) {
-        if (PDayRecord zaznam = d->fMonthRecords->FindDayRecord(slot, false, aID))
-            return zaznam;
-    }
-    return nullptr;
-}
-
-bool TDiarPanel::RemoveFromStore(qint32 aID, TDate *aDatum)
-{
-    for (int slot = 0; slot < d->fMonthRecords->SlotCount(); ++slot) {
-        if (PDayRecord zaznam = d->fMonthRecords->FindDayRecord(slot, false, aID)) {
-            *aDatum = RecordDate(*zaznam);
-            d->fMonthRecords->RemoveDayRecord(slot, aID);
-            return true;
-        }
-    }
-    return false;
-}
-
 void TDiarPanel::FillBox(TDayGroupBox *aBox)
 {
     TDayListView *list = aBox->DayListView();
@@ -511,9 +453,9 @@ void TDiarPanel::FillBox(TDayGroupBox *aBox)
     ++d->fSilentSelection;
     list->setUpdatesEnabled(false);
     list->Clear();
-    if (!d->fAddDayRecord) {
+    if (!d->model.IsUpdating()) {
         for (const TDayRecord &zaznam :
-             d->fMonthRecords->GetDayRecordArray(SlotOfDate(aBox->Date()), false))
+             d->model.Records().GetDayRecordArray(d->model.SlotOfDate(aBox->Date()), false))
             list->AddItem(zaznam);
         if (selectedID >= 0) {
             if (QTreeWidgetItem *item = list->topLevelItem(list->VratIndexPrvku(selectedID)))
@@ -528,13 +470,11 @@ void TDiarPanel::RefreshBoxes()
 {
     for (TDayGroupBox *box : std::as_const(d->FDayGroupBoxArray))
         FillBox(box);
-    d->fMonthGridDirty = true;
-    SyncMonthGrid();
 }
 
 void TDiarPanel::ShowRecordChange(TDate aDatum)
 {
-    if (!d->FMonthYear.Contains(aDatum))
+    if (!d->model.MonthYear().Contains(aDatum))
         return;
     if (!MonthGridShowing()) {
         d->fMonthGridDirty = true;
@@ -546,48 +486,42 @@ void TDiarPanel::ShowRecordChange(TDate aDatum)
     d->FMonthGrid->InvalidateRow(day);
 }
 
-void TDiarPanel::AddDayRecord(const TDayRecord &aZaznam)
+void TDiarPanel::ShowEntryAdded(const TDayRecord &aZaznam, TDate aDatum)
 {
-    const TDate datum = RecordDate(aZaznam);
-    const int slot = SlotOfDate(datum);
-    if (slot < 0 || slot >= d->fMonthRecords->SlotCount())
-        return;
-    d->fMonthRecords->AddDayRecord(aZaznam, slot);
-    if (d->fAddDayRecord)
-        return;
-    if (TDayGroupBox *box = GetDayGroupBox(datum)) {
+    if (TDayGroupBox *box = GetDayGroupBox(aDatum)) {
         ++d->fSilentSelection;
         box->DayListView()->AddItem(aZaznam);
         --d->fSilentSelection;
     }
-    ShowRecordChange(datum);
+}
+
+void TDiarPanel::ShowEntryRemoved(qint32 aID, TDate aDatum)
+{
+    if (TDayGroupBox *box = GetDayGroupBox(aDatum)) {
+        ++d->fSilentSelection;
+        box->DayListView()->RemoveItem(aID);
+        --d->fSilentSelection;
+    }
+}
+
+void TDiarPanel::AddDayRecord(const TDayRecord &aZaznam)
+{
+    d->model.Add(aZaznam);
 }
 
 void TDiarPanel::AddDayRecord_BeginUpdate()
 {
-    ++d->fAddDayRecord;
+    d->model.BeginUpdate();
 }
 
 void TDiarPanel::AddDayRecord_EndUpdate()
 {
-    if (d->fAddDayRecord == 0 || --d->fAddDayRecord > 0)
-        return;
-    RefreshBoxes();
+    d->model.EndUpdate();
 }
 
 void TDiarPanel::RemoveDayRecord(const TDayRecord &aZaznam)
 {
-    TDate datum = 0;
-    if (!RemoveFromStore(aZaznam.ID_DIAR, &datum))
-        return;
-    if (d->fAddDayRecord)
-        return;
-    if (TDayGroupBox *box = GetDayGroupBox(datum)) {
-        ++d->fSilentSelection;
-        box->DayListView()->RemoveItem(aZaznam.ID_DIAR);
-        --d->fSilentSelection;
-    }
-    ShowRecordChange(datum);
+    d->model.Remove(aZaznam.ID_DIAR);
 }
 
 void TDiarPanel::ChangeDayRecord(const TDayRecord &aZaznam)
@@ -601,17 +535,12 @@ void TDiarPanel::ChangeDayRecord(const TDayRecord &aZaznam)
 
 bool TDiarPanel::RemoveRecords(QStringList &aList)
 {
-    const bool removed = d->fMonthRecords->RemoveRecords(aList);
-    if (removed && !d->fAddDayRecord)
-        RefreshBoxes();
-    return removed;
+    return d->model.RemoveRecords(aList);
 }
 
 void TDiarPanel::Clear()
 {
-    d->fMonthRecords->Clear();
-    if (!d->fAddDayRecord)
-        RefreshBoxes();
+    d->model.Clear();
 }
 
 const TDayRecord *TDiarPanel::GetSelectedItem() const
@@ -640,22 +569,22 @@ bool TDiarPanel::SelectItem(qint32 aID)
 
 bool TDiarPanel::IsDayEmpty(TDate aDatum) const
 {
-    return d->fMonthRecords->IsDayEmpty(SlotOfDate(aDatum));
+    return d->model.Records().IsDayEmpty(d->model.SlotOfDate(aDatum));
 }
 
 void TDiarPanel::getAktualniPocty(TCalDaysArray &aktMesic) const
 {
-    d->fMonthRecords->getAktualniPocty(aktMesic);
+    d->model.Records().getAktualniPocty(aktMesic);
 }
 
 int TDiarPanel::getZaznamyCount(int aDen) const
 {
-    return d->fMonthRecords->getZaznamyCount(aDen);
+    return d->model.Records().getZaznamyCount(aDen);
 }
 
 QList<PDayRecord> TDiarPanel::returnRecords(TTime casOd, TTime casDo)
 {
-    return d->fMonthRecords->FindDayRecord(d->FDay, casOd, casDo);
+    return d->model.Records().FindDayRecord(d->model.Day(), casOd, casDo);
 }
 
 // --- settings ------------------------------------------------------------------
@@ -669,7 +598,7 @@ void TDiarPanel::SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni)
         d->fDilekMinut = dilek;
         // The grid's columns are fixed by its slot length: a new grid.
         DiscardMonthGrid();
-        if (d->FDiarSize == dsMonth) {
+        if (d->model.DiarSize() == dsMonth) {
             EnsureMonthGrid();
             d->FMonthGrid->show();
             RearangeDays();
@@ -693,21 +622,36 @@ void TDiarPanel::EnsureMonthGrid()
 {
     if (d->FMonthGrid)
         return;
-    d->FMonthGrid = new TMonthGrid(this, d->fDilekMinut);
-    d->FMonthGrid->setObjectName(QStringLiteral("MonthGrid"));
-    d->FMonthGrid->SetDiarNastaveni(d->FDiarNastaveni);
-    d->FMonthGrid->SetZaznamy(d->fMonthRecords.get());
-    d->FMonthGrid->OnSelectCell = [this](QObject *Sender, int ACol, int ARow, bool &CanSelect) {
+    auto *grid = new TMonthGrid(this, d->fDilekMinut);
+    d->FMonthGrid = grid;
+    grid->setObjectName(QStringLiteral("MonthGrid"));
+    grid->SetDiarNastaveni(d->FDiarNastaveni);
+    grid->SetZaznamy(&d->model.Records());
+    grid->OnSelectCell = [this](QObject *Sender, int ACol, int ARow, bool &CanSelect) {
         OnMonthGridSelectCell(Sender, ACol, ARow, CanSelect);
     };
-    d->FMonthGrid->OnClick = [this](QObject *Sender) {
-        if (!d->fFollowingGrid && Sender == d->FMonthGrid)
-            FireDayClick(d->FSelectedDay);
+    grid->OnClick = [this](QObject *Sender) {
+        if (Sender == d->FMonthGrid)
+            FireDayClick(d->model.SelectedDay());
     };
-    d->FMonthGrid->OnDblClick = [this](QObject *Sender) { OnMonthGridDblClick(Sender); };
-    d->FMonthGrid->OnKeyDown = [this](QObject *Sender, Word &Key, TShiftState Shift) {
+    grid->OnDblClick = [this](QObject *Sender) { OnMonthGridDblClick(Sender); };
+    grid->OnKeyDown = [this](QObject *Sender, Word &Key, TShiftState Shift) {
         OnMonthGridKeyDown(Sender, Key, Shift);
     };
+    // The grid observes the model on its own; these end with the grid.
+    connect(&d->model, &TDiarModel::periodChanged, grid, [this](bool aMonthChanged) {
+        if (aMonthChanged)
+            d->fMonthGridDirty = true;
+        SyncMonthGrid();
+    });
+    connect(&d->model, &TDiarModel::entryAdded, grid,
+            [this](const TDayRecord &, double aDatum) { ShowRecordChange(aDatum); });
+    connect(&d->model, &TDiarModel::entryRemoved, grid,
+            [this](qint32, double aDatum) { ShowRecordChange(aDatum); });
+    connect(&d->model, &TDiarModel::entriesReset, grid, [this] {
+        d->fMonthGridDirty = true;
+        SyncMonthGrid();
+    });
     d->fMonthGridDirty = true;
     SyncMonthGrid();
 }
@@ -719,27 +663,31 @@ void TDiarPanel::DiscardMonthGrid()
     TMonthGrid *grid = d->FMonthGrid;
     d->FMonthGrid = nullptr;
     grid->hide();
-    grid->SetZaznamy(nullptr);
-    grid->OnSelectCell = nullptr;
-    grid->OnClick = nullptr;
-    grid->OnDblClick = nullptr;
-    grid->OnKeyDown = nullptr;
+    UnhookMonthGrid(grid);
     // It may be the grid whose handler got here.
     grid->deleteLater();
+}
+
+// Cuts the grid off the panel and its model.
+void TDiarPanel::UnhookMonthGrid(TMonthGrid *aGrid)
+{
+    d->model.disconnect(aGrid);
+    aGrid->SetZaznamy(nullptr);
+    aGrid->OnSelectCell = nullptr;
+    aGrid->OnClick = nullptr;
+    aGrid->OnDblClick = nullptr;
+    aGrid->OnKeyDown = nullptr;
 }
 
 // Brings the grid to the selected day and, when the store changed, rebuilds
 // its cells. A grid that is not shown waits until it is.
 void TDiarPanel::SyncMonthGrid()
 {
-    if (!d->FMonthGrid || d->FDiarSize != dsMonth)
+    if (!d->FMonthGrid || d->model.DiarSize() != dsMonth)
         return;
-    if (!d->fFollowingGrid) {
-        d->fFollowingGrid = true;
-        d->FMonthGrid->SetDatum(d->FSelectedDay);
-        d->fFollowingGrid = false;
-    }
-    if (d->fMonthGridDirty && !d->fAddDayRecord) {
+    // A date the grid already shows (its own row) changes nothing.
+    d->FMonthGrid->SetDatum(d->model.SelectedDay());
+    if (d->fMonthGridDirty && !d->model.IsUpdating()) {
         d->fMonthGridDirty = false;
         d->FMonthGrid->Init();
         d->FMonthGrid->InvalidateGrid();
@@ -774,7 +722,7 @@ void TDiarPanel::MonthGridInvalidate()
 
 bool TDiarPanel::MonthGridShowing() const
 {
-    return d->FMonthGrid && d->FDiarSize == dsMonth && !d->FMonthGrid->isHidden();
+    return d->FMonthGrid && d->model.DiarSize() == dsMonth && !d->FMonthGrid->isHidden();
 }
 
 void TDiarPanel::AktivujCasMesice(TTime aCas)
@@ -789,10 +737,9 @@ void TDiarPanel::OnMonthGridSelectCell(QObject *Sender, int ACol, int ARow, bool
 {
     Q_UNUSED(ACol);
     Q_UNUSED(CanSelect);
-    if (d->fFollowingGrid || Sender != d->FMonthGrid || ARow < 1 || ARow == d->FDay)
+    if (Sender != d->FMonthGrid || ARow < 1 || ARow == d->model.Day())
         return;
-    const QScopedValueRollback following(d->fFollowingGrid, true);
-    GotoDate(ARow, d->FMonthYear.Packed());
+    GotoDate(ARow, d->model.MonthYear().Packed());
 }
 
 void TDiarPanel::OnMonthGridDblClick(QObject *Sender)
@@ -808,7 +755,7 @@ void TDiarPanel::OnMonthGridDblClick(QObject *Sender)
 
     if (zaznamy.empty()) {
         if (OnDayDblClick)
-            Safely([this] { OnDayDblClick(this, d->FSelectedDay); });
+            Safely([this] { OnDayDblClick(this, d->model.SelectedDay()); });
         return;
     }
     if (zaznamy.size() == 1) {
@@ -823,7 +770,7 @@ void TDiarPanel::OnMonthGridDblClick(QObject *Sender)
         const qint32 id = zaznam.ID_DIAR;
         connect(item, &QAction::triggered, this, [this, id] {
             // The entry as it is stored now; one deleted meanwhile opens nothing.
-            if (PDayRecord stored = FindStored(id)) {
+            if (PDayRecord stored = d->model.Find(id)) {
                 const TDayRecord copy = *stored;
                 OpenEntry(d->FMonthGrid, copy);
             }
@@ -839,7 +786,7 @@ void TDiarPanel::OnMonthGridKeyDown(QObject *Sender, Word &Key, TShiftState Shif
     if (Key == VK_INSERT) {
         Key = 0;
         if (!d->FReadOnly && OnDayInsertEvent)
-            Safely([this, Sender] { OnDayInsertEvent(Sender, d->FSelectedDay); });
+            Safely([this, Sender] { OnDayInsertEvent(Sender, d->model.SelectedDay()); });
     }
 }
 
@@ -856,7 +803,7 @@ void TDiarPanel::SelectBoxDay(TDayGroupBox *aBox)
     if (!d->FDayGroupBoxArray.contains(aBox))
         return;
     GotoDate(aBox->Date());
-    FireDayClick(d->FSelectedDay);
+    FireDayClick(d->model.SelectedDay());
 }
 
 void TDiarPanel::DayDeleteEvent(QObject *Sender, PDayRecord aData, bool &AllowDelete)
@@ -918,7 +865,7 @@ void TDiarPanel::ListSelectionChanged(TDayListView *aList, const QItemSelection 
 // day and month views (the month grid has a row per day). 0 for other keys.
 int TDiarPanel::DayStep(Word Key) const
 {
-    const bool weekView = d->FDiarSize == dsWorkWeek || d->FDiarSize == dsWeek;
+    const bool weekView = d->model.DiarSize() == dsWorkWeek || d->model.DiarSize() == dsWeek;
     switch (Key) {
     case VK_LEFT:
         return -1;
@@ -937,7 +884,7 @@ int TDiarPanel::DayStep(Word Key) const
 TDate TDiarPanel::StepDate(TDate aFrom, int aStep) const
 {
     TDate datum = DateOf(aFrom) + aStep;
-    if (d->FDiarSize == dsWorkWeek && IsWeekend(datum)) {
+    if (d->model.DiarSize() == dsWorkWeek && IsWeekend(datum)) {
         const int dow = DayOfTheWeek(datum);
         datum = aStep > 0 ? datum + (8 - dow) : datum - (dow - 5);
     }
@@ -947,7 +894,8 @@ TDate TDiarPanel::StepDate(TDate aFrom, int aStep) const
 void TDiarPanel::OnDayMove(QObject *Sender, Word &Key, TShiftState Shift)
 {
     auto *box = qobject_cast<TDayGroupBox *>(Sender);
-    const TDate from = box && d->FDayGroupBoxArray.contains(box) ? box->Date() : d->FSelectedDay;
+    const TDate from =
+        box && d->FDayGroupBoxArray.contains(box) ? box->Date() : d->model.SelectedDay();
     if (Key == VK_INSERT) {
         Key = 0;
         if (!d->FReadOnly && OnDayInsertEvent)
@@ -972,7 +920,7 @@ void TDiarPanel::OnDayMove(QObject *Sender, Word &Key, TShiftState Shift)
         return;
     }
     GotoDate(StepDate(from, step));
-    FireDayClick(d->FSelectedDay);
+    FireDayClick(d->model.SelectedDay());
     FocusActiveList();
 }
 
@@ -1019,7 +967,7 @@ void TDiarPanel::MoveEntryByKey(TDayGroupBox *aBox, int aStep)
     // The entry stays under the cursor: its new day becomes the selected one.
     GotoDate(target);
     SelectItem(zaznam.ID_DIAR);
-    FireDayClick(d->FSelectedDay);
+    FireDayClick(d->model.SelectedDay());
     FocusActiveList();
 }
 
@@ -1027,22 +975,22 @@ bool TDiarPanel::CanDropOn(TDayGroupBox *aBox) const
 {
     if (d->FReadOnly || !d->fDragID || !d->FDayGroupBoxArray.contains(aBox))
         return false;
-    PDayRecord zaznam = const_cast<TDiarPanel *>(this)->FindStored(*d->fDragID);
-    return zaznam && !SameDate(RecordDate(*zaznam), aBox->Date());
+    PDayRecord zaznam = d->model.Find(*d->fDragID);
+    return zaznam && !SameDate(TDiarModel::RecordDate(*zaznam), aBox->Date());
 }
 
 void TDiarPanel::DropOn(TDayGroupBox *aBox)
 {
     if (!CanDropOn(aBox))
         return;
-    const TDayRecord zaznam = *FindStored(*d->fDragID);
+    const TDayRecord zaznam = *d->model.Find(*d->fDragID);
     d->fDragID.reset();
     const TDate target = aBox->Date();
     if (!MoveEntry(zaznam, target, true))
         return;
     GotoDate(target);
     SelectItem(zaznam.ID_DIAR);
-    FireDayClick(d->FSelectedDay);
+    FireDayClick(d->model.SelectedDay());
 }
 
 // --- popup menu ----------------------------------------------------------------
@@ -1091,19 +1039,19 @@ void TDiarPanel::MoveSelectionByWheel(int aSteps)
     for (; aSteps != 0; aSteps += aSteps > 0 ? -1 : 1) {
         TDate target = 0;
         if (aSteps > 0) {
-            if (WholeDays(d->FSelectedDay) >= WholeDays(d->FVisibleDateMax))
+            if (WholeDays(d->model.SelectedDay()) >= WholeDays(d->model.VisibleDateMax()))
                 break;
-            target = StepDate(d->FSelectedDay, 1);
+            target = StepDate(d->model.SelectedDay(), 1);
         } else {
-            target = StepDate(d->FSelectedDay, -1);
-            if (d->FDay == 1 || !d->FMonthYear.Contains(target))
+            target = StepDate(d->model.SelectedDay(), -1);
+            if (d->model.Day() == 1 || !d->model.MonthYear().Contains(target))
                 break;
         }
         GotoDate(target);
         moved = true;
     }
     if (moved)
-        FireDayClick(d->FSelectedDay);
+        FireDayClick(d->model.SelectedDay());
 }
 
 void TDiarPanel::wheelEvent(QWheelEvent *event)

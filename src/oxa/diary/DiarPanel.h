@@ -235,15 +235,14 @@ private:
     int BoxCountFor(TDiarSize aSize) const;
     int MonthGridHeight() const;
     TDate FirstShownDate() const;
-    int SlotOfDate(TDate aDatum) const;
-    TDate RecordDate(const TDayRecord &aZaznam) const;
-    TDate MonthFirstDate() const;
     void FillBox(TDayGroupBox *aBox);
     void RefreshBoxes();
     void UpdateActiveBox();
     void ShowRecordChange(TDate aDatum);
-    bool RemoveFromStore(qint32 aID, TDate *aDatum);
-    PDayRecord FindStored(qint32 aID);
+    void ShowPeriod(bool aMonthChanged);
+    void ShowNewMonth();
+    void ShowEntryAdded(const TDayRecord &aZaznam, TDate aDatum);
+    void ShowEntryRemoved(qint32 aID, TDate aDatum);
 
     void SelectBoxDay(TDayGroupBox *aBox);
     void FireDayClick(TDate aDate);
@@ -263,6 +262,7 @@ private:
 
     void EnsureMonthGrid();
     void DiscardMonthGrid();
+    void UnhookMonthGrid(TMonthGrid *aGrid);
     void SyncMonthGrid();
 
     friend class TDiarPanelPrivate;

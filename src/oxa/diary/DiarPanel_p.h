@@ -2,6 +2,7 @@
 
 // Internals of the diary panel: not part of the installed API.
 
+#include "oxa/diary/DiarModel_p.h"
 #include "oxa/diary/DiarPanel.h"
 
 #include <QPointer>
@@ -14,20 +15,13 @@ namespace oxa {
 class TDiarPanelPrivate
 {
 public:
-    int FDay = 0;
-    TMesicRok FMonthYear;
-    TDiarSize FDiarSize = dsWeek;
-    std::unique_ptr<TMonthArray> fMonthRecords =
-        std::make_unique<TMonthArray>(TDiarPanel::DnuPred, TDiarPanel::DnuPo);
+    // The shown period and the entries; the boxes and the month grid observe it.
+    TDiarModel model{TDiarPanel::DnuPred, TDiarPanel::DnuPo};
     QList<TDayGroupBox *> FDayGroupBoxArray; // the boxes of the current view
     QList<TDayGroupBox *> fBoxPool;          // every box created, shown or not
     TDiarNastaveni FDiarNastaveni;
-    TDate FSelectedDay = 0;
-    TDate FVisibleDateMin = 0;
-    TDate FVisibleDateMax = 0;
     QPointer<QObject> FApplication;
     int FPopUpIndex = 0;
-    int fAddDayRecord = 0;
     QMenu *fPopUpMenu = nullptr;
     QAction *fMenuItemEdit = nullptr;
     QAction *fMenuItemPacient = nullptr;
@@ -41,7 +35,6 @@ public:
     int fWheelDelta = 0;           // wheel rotation not yet turned into days
     std::optional<qint32> fDragID; // the entry of the drag over a list
     bool fMonthGridDirty = true;   // the grid's cells lag behind the store
-    bool fFollowingGrid = false;   // the panel itself moves the grid's row
     TMonthGrid *FMonthGrid = nullptr;
     // The list last reported by dayListViewChanged.
     QPointer<TDayListView> fReportedList;

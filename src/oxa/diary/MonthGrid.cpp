@@ -647,6 +647,22 @@ void TMonthGrid::PrekresliUdaj(TTime CasOd, TTime CasDo)
     InvalidateRect(GridRect({SlotColumn(CasOd), row}, {SlotColumn(CasDo), row}));
 }
 
+bool TMonthGrid::SelectCell(int ACol, int ARow)
+{
+    const TDate oldDatum = d->FDatum;
+    const TDate datum = ARow >= FixedRows() ? DatumRadku(ARow) : oldDatum;
+    const bool newDay = !SameDate(datum, oldDatum);
+    if (newDay)
+        d->FDatum = datum;
+    if (!TDrawGrid::SelectCell(ACol, ARow)) {
+        d->FDatum = oldDatum;
+        return false;
+    }
+    if (newDay && SameDate(d->FDatum, datum))
+        Q_EMIT datumChanged(d->FDatum);
+    return true;
+}
+
 void TMonthGrid::SelectionMoved(const TGridRect &OldSel, TGridCoord OldCurrent)
 {
     TDrawGrid::SelectionMoved(OldSel, OldCurrent);

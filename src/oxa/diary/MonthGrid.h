@@ -122,6 +122,9 @@ protected:
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
     void MouseMove(TShiftState Shift, int X, int Y) override;
     void MouseLeave() override;
+    // The date follows the row the user picks before OnSelectCell is asked,
+    // so that a handler setting the same date changes nothing.
+    bool SelectCell(int ACol, int ARow) override;
     void SelectionMoved(const TGridRect &OldSel, TGridCoord OldCurrent) override;
     void paintEvent(QPaintEvent *event) override;
     void hideEvent(QHideEvent *event) override;
