@@ -1,54 +1,24 @@
-#include "oxa/diary/MonthGrid_p.h"
+#include "DiaryTestSupport.h"
 
 #include "support/TestSupport.h"
 
-#include <QImage>
 #include <QTest>
 
 using namespace oxa;
 
+using test::Cas;
+
 namespace {
 
-TTime Cas(int h, int n, int s = 0)
+// A day grid wide enough for all its slots.
+struct DayWindow : test::GridWindow<TDayGrid>
 {
-    return EncodeTime(h, n, s, 0);
-}
-TTime Cas(QTime t)
-{
-    return EncodeTime(t.hour(), t.minute(), t.second(), 0);
-}
-
-// A day grid over a store, shown in a window wide enough for all its slots.
-struct DayWindow
-{
-    QWidget window;
-    TDayGrid *grid;
-    TMonthArray zaznamy{0, 0};
-
-    explicit DayWindow(TDate datum)
-    {
-        grid = new TDayGrid(&window, 15);
-        grid->setGeometry(0, 0, 960, 60);
-        window.resize(980, 80);
-        grid->SetZaznamy(&zaznamy);
-        grid->SetDatum(datum);
-    }
+    explicit DayWindow(TDate datum) : GridWindow(datum, {960, 60}) { }
     void add(int den, TTime od, TTime doCasu, const char *popis, bool soukrome = false)
     {
-        TDayRecord z;
-        z.ID_DIAR = zaznamy.getZaznamyCount(den) + 1;
-        z.Den = qint16(den);
-        z.CasOd = od;
-        z.CasDo = doCasu;
-        z.Popis = popis;
+        TDayRecord z = test::Zaznam(den, od, doCasu, popis);
         z.Soukrome = soukrome;
-        zaznamy.AddDayRecord(z, zaznamy.SlotOfDay(den));
-    }
-    QPoint centre(int col) const { return grid->CellRect(col, 1).center(); }
-    QColor pixel(int col, int row = 1) const
-    {
-        const QImage image = grid->viewport()->grab().toImage();
-        return image.pixelColor(grid->CellRect(col, row).topLeft() + QPoint(6, row ? 3 : 1));
+        GridWindow::add(z);
     }
 };
 
@@ -154,7 +124,7 @@ void TestDayGrid::mouseDrawingAndHint()
     QCOMPARE(w.pixel(60), ColorToQColor(0xE0E0E0)); // no holiday colour: the weekday's own
     const QColor highlight = w.grid->palette().color(QPalette::Highlight);
     QCOMPARE(w.pixel(81), highlight);
-    QCOMPARE(w.pixel(81, 0), ColorToQColor(clWhite));
+    QCOMPARE(w.pixel(81, 0, {6, 1}), ColorToQColor(clWhite));
 
     // Selecting with the mouse repaints the chosen slots at once.
     QTest::mousePress(w.grid->viewport(), Qt::LeftButton, {}, w.centre(41));

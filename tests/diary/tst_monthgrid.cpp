@@ -1,24 +1,16 @@
-#include "oxa/diary/MonthGrid_p.h"
+#include "DiaryTestSupport.h"
 
 #include "support/TestSupport.h"
 
-#include <QImage>
 #include <QLabel>
 #include <QScreen>
 #include <QTest>
 
 using namespace oxa;
+using test::Cas;
+using test::Zaznam;
 
 namespace {
-
-TTime Cas(int h, int n, int s = 0)
-{
-    return EncodeTime(h, n, s, 0);
-}
-TTime Cas(QTime t)
-{
-    return EncodeTime(t.hour(), t.minute(), 0, 0);
-}
 
 // Easter Sunday by the anonymous Gregorian algorithm, independent of the grid's rule.
 QDate EasterSunday(int y)
@@ -50,39 +42,13 @@ TDovolena Dovolena(TDate od, TTime casOd, TDate doDne, TTime casDo, const char *
     return TDovolena{casOd, casDo, od, doDne, false, 0, poznamka};
 }
 
-TDayRecord Zaznam(int den, TTime od, TTime doCasu, const char *popis = "", const char *kontakt = "",
-                  const char *parafa = "")
+// A month grid large enough for a month of 15-minute slots.
+struct MonthWindow : test::GridWindow<TMonthGrid>
 {
-    static qint32 id = 0;
-    TDayRecord z;
-    z.ID_DIAR = ++id;
-    z.Den = qint16(den);
-    z.CasOd = od;
-    z.CasDo = doCasu;
-    z.Popis = popis;
-    z.KONTAKT = QString::fromUtf8(kontakt);
-    z.Parafa = parafa;
-    return z;
-}
-
-// A month grid over its store in a window large enough for a month of
-// 15-minute slots.
-struct MonthWindow
-{
-    QWidget window;
-    TMonthGrid *grid;
-    TMonthArray zaznamy{0, 0};
-
-    explicit MonthWindow(TDate datum)
+    explicit MonthWindow(TDate datum) : GridWindow(datum, {960, 460})
     {
-        grid = new TMonthGrid(&window, 15);
-        grid->setGeometry(0, 0, 960, 460);
-        window.resize(980, 480);
-        grid->SetZaznamy(&zaznamy);
         grid->SetDiarNastaveni(Nastaveni());
-        grid->SetDatum(datum);
     }
-    void add(const TDayRecord &z) { zaznamy.AddDayRecord(z, zaznamy.SlotOfDay(z.Den)); }
     void settings(const TDiarNastaveni &n)
     {
         grid->SetDiarNastaveni(n);
@@ -94,13 +60,6 @@ struct MonthWindow
             return false;
         grid->setFocus();
         return grid->hasFocus();
-    }
-    QPoint centre(int col, int row) const { return grid->CellRect(col, row).center(); }
-    // A pixel of the cell away from its lines and its diagonal.
-    QColor pixel(int col, int row, QPoint offset = {6, 3}) const
-    {
-        const QImage image = grid->viewport()->grab().toImage();
-        return image.pixelColor(grid->CellRect(col, row).topLeft() + offset);
     }
     const TMonthGridCell &cell(int row, int col) const { return grid->DataPaint(row, col); }
 };
