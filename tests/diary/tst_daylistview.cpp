@@ -54,6 +54,11 @@ void TestDayListView::packedMonths()
     QCOMPARE(DateToMesicRok(EncodeDate(2019, 4, 30) + Cas(23, 59)), qint16(11904));
     QCOMPARE(SpocitejDatum(1, 10001), EncodeDate(2000, 1, 1));
     QVERIFY_THROWS_EXCEPTION(EConvertError, SpocitejDatum(29, 11902));
+    // Months before 1900 pack below zero and unpack to themselves.
+    QCOMPARE(DateToMesicRok(EncodeDate(1899, 12, 31)), qint16(-88));
+    QCOMPARE(TMesicRok(-88).Year(), 1899);
+    QCOMPARE(SpocitejDatum(31, -88), EncodeDate(1899, 12, 31));
+    QCOMPARE(TMesicRok(11902).LastDay(), EncodeDate(2019, 2, 28));
     QCOMPARE(SpocitejHodiny(Cas(8, 0), Cas(8, 0)), QStringLiteral("08:00-08:00"));
 }
 
