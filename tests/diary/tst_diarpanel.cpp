@@ -1,4 +1,5 @@
 #include "oxa/diary/DiarPanel.h"
+#include "oxa/diary/EnhancedMonthCalendar.h"
 #include "oxa/diary/MonthGrid_p.h"
 
 #include "DiaryTestSupport.h"
@@ -7,6 +8,7 @@
 #include <QAction>
 #include <QDrag>
 #include <QMenu>
+#include <QMetaProperty>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -144,6 +146,8 @@ private Q_SLOTS:
     void dragAndDrop();
     void keyboardMoveDeleteAndInsert();
     void selectionEvents();
+    void propertiesNotify_data();
+    void propertiesNotify();
 };
 
 void TestDiarPanel::views_data()
@@ -565,6 +569,60 @@ void TestDiarPanel::selectionEvents()
     d.panel.GotoDate(Nov(18));
     QCOMPARE(events.size(), 3);
     QCOMPARE(d.panel.GetSelectedItemID(), -1);
+}
+
+// Each published property that changes at run time reports a change once,
+// and a write of the value it already has reports nothing.
+void TestDiarPanel::propertiesNotify_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("panel MonthYear") << "TDiarPanel" << QByteArray("MonthYear") << QVariant(12701);
+    QTest::newRow("panel ReadOnly") << "TDiarPanel" << QByteArray("ReadOnly") << QVariant(true);
+    QTest::newRow("grid Datum") << "TMonthGrid" << QByteArray("Datum") << QVariant(Nov(3));
+    QTest::newRow("grid CasOd") << "TMonthGrid" << QByteArray("CasOd") << QVariant(8);
+    QTest::newRow("day grid Datum") << "TDayGrid" << QByteArray("Datum") << QVariant(Nov(3));
+    QTest::newRow("box Date") << "TDayGroupBox" << QByteArray("Date") << QVariant(Nov(3));
+    QTest::newRow("box Active") << "TDayGroupBox" << QByteArray("Active") << QVariant(true);
+    QTest::newRow("list NoTime") << "TDayListView" << QByteArray("NoTime") << QVariant(true);
+    QTest::newRow("calendar Date")
+        << "TEnhancedMonthCalendar" << QByteArray("Date") << QVariant(Nov(3));
+    QTest::newRow("calendar MinDate")
+        << "TEnhancedMonthCalendar" << QByteArray("MinDate") << QVariant(Nov(3));
+    QTest::newRow("calendar MaxDate")
+        << "TEnhancedMonthCalendar" << QByteArray("MaxDate") << QVariant(Nov(3));
+    QTest::newRow("calendar WeekNumbers")
+        << "TEnhancedMonthCalendar" << QByteArray("WeekNumbers") << QVariant(true);
+}
+
+void TestDiarPanel::propertiesNotify()
+{
+    QFETCH(QString, type);
+    QFETCH(QByteArray, property);
+    QFETCH(QVariant, value);
+    std::unique_ptr<QObject> object;
+    if (type == QLatin1String("TDiarPanel"))
+        object = std::make_unique<TDiarPanel>();
+    else if (type == QLatin1String("TMonthGrid"))
+        object = std::make_unique<TMonthGrid>();
+    else if (type == QLatin1String("TDayGrid"))
+        object = std::make_unique<TDayGrid>();
+    else if (type == QLatin1String("TDayGroupBox"))
+        object = std::make_unique<TDayGroupBox>();
+    else if (type == QLatin1String("TDayListView"))
+        object = std::make_unique<TDayListView>();
+    else
+        object = std::make_unique<TEnhancedMonthCalendar>();
+    const QMetaObject *meta = object->metaObject();
+    const QMetaProperty p = meta->property(meta->indexOfProperty(property));
+    QVERIFY(p.hasNotifySignal());
+    QSignalSpy spy(object.get(), p.notifySignal());
+    QVERIFY(p.write(object.get(), value));
+    QCOMPARE(p.read(object.get()), value);
+    QCOMPARE(spy.count(), 1);
+    QVERIFY(p.write(object.get(), value));
+    QCOMPARE(spy.count(), 1);
 }
 
 QTEST_MAIN(TestDiarPanel)
