@@ -324,8 +324,10 @@ public:
     // month, otherwise the slot itself. A slot outside gives no entries.
     TDayRecordArray GetDayRecordArray(int aPozice, bool aDenMesice) const;
 
-    // The entries of day aDen of the month that meet the span (EntryMeetsSpan),
-    // in the slot's order.
+    // The entries of day aDen of the month that meet the span, in the slot's
+    // order. An entry's times are cut to whole minutes first; an entry that
+    // only touches an edge of the span does not meet it, and one of no
+    // length meets the span that contains it.
     QList<PDayRecord> FindDayRecord(int aDen, TTime aCasOd, TTime aCasDo);
     // The entry with the key in the slot chosen as in GetDayRecordArray, or null.
     PDayRecord FindDayRecord(int aPozice, bool aDenMesice, qint32 aID);
