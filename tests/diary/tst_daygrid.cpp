@@ -1,48 +1,24 @@
-#include "oxa/diary/MonthGrid.h"
+#include "DiaryTestSupport.h"
 
 #include "support/TestSupport.h"
 
-#include <QImage>
 #include <QTest>
 
 using namespace oxa;
 
+using test::Cas;
+
 namespace {
 
-TTime Cas(int h, int n, int s = 0) { return EncodeTime(h, n, s, 0); }
-TTime Cas(QTime t) { return EncodeTime(t.hour(), t.minute(), t.second(), 0); }
-
-// A day grid over a store, shown in a window wide enough for all its slots.
-struct DayWindow
+// A day grid wide enough for all its slots.
+struct DayWindow : test::GridWindow<TDayGrid>
 {
-    QWidget window;
-    TDayGrid *grid;
-    TMonthArray zaznamy{0, 0};
-
-    explicit DayWindow(TDate datum)
-    {
-        grid = new TDayGrid(&window, 15);
-        grid->setGeometry(0, 0, 960, 60);
-        window.resize(980, 80);
-        grid->SetZaznamy(&zaznamy);
-        grid->SetDatum(datum);
-    }
+    explicit DayWindow(TDate datum) : GridWindow(datum, {960, 60}) { }
     void add(int den, TTime od, TTime doCasu, const char *popis, bool soukrome = false)
     {
-        TDayRecord z;
-        z.ID_DIAR = zaznamy.getZaznamyCount(den) + 1;
-        z.Den = qint16(den);
-        z.CasOd = od;
-        z.CasDo = doCasu;
-        z.Popis = popis;
+        TDayRecord z = test::Zaznam(den, od, doCasu, popis);
         z.Soukrome = soukrome;
-        zaznamy.AddDayRecord(z, zaznamy.SlotOfDay(den));
-    }
-    QPoint centre(int col) const { return grid->CellRect(col, 1).center(); }
-    QColor pixel(int col, int row = 1) const
-    {
-        const QImage image = grid->viewport()->grab().toImage();
-        return image.pixelColor(grid->CellRect(col, row).topLeft() + QPoint(6, row ? 3 : 1));
+        GridWindow::add(z);
     }
 };
 
@@ -112,7 +88,7 @@ void TestDayGrid::selectionTimes()
     QFETCH(QTime, konec);
     QFETCH(int, to);
     TDayGrid grid(nullptr, minut);
-    grid.setSelection(left, 1, right, 1);
+    grid.SetSelection(TGridRect{left, 1, right, 1});
     QCOMPARE(grid.GetSelectionStartCell(), left - 1);
     QCOMPARE(grid.GetSelectionEndCell(), right);
     QCOMPARE(TruncToMinutes(grid.GetSelectionStartTime()), Cas(od));
@@ -130,14 +106,14 @@ void TestDayGrid::mouseDrawingAndHint()
     n.barvaSvatek = 0x00FF00;
     n.barvaPracDoba = 0xC0FFC0;
     n.pracDobaLichy[6] = n.pracDobaSudy[6] = {Cas(8, 0), Cas(12, 0), 0, 0};
-    n.dovolena = {TDovolena{Cas(8, 0), Cas(9, 0), EncodeDate(2023, 11, 5), EncodeDate(2023, 11, 5),
-                            false, 0, {}}};
+    n.dovolena = {TDovolena{
+        Cas(8, 0), Cas(9, 0), EncodeDate(2023, 11, 5), EncodeDate(2023, 11, 5), false, 0, {}}};
     w.grid->SetDiarNastaveni(n);
     w.add(28, Cas(10, 0), Cas(10, 30), "Kontrola");
     w.add(28, Cas(11, 0), Cas(11, 15), "Soukromé", true);
     w.add(1, Cas(9, 0), Cas(9, 15), "Jiný den");
     w.grid->Init();
-    w.grid->setSelection(80, 1, 82, 1);
+    w.grid->SetSelection(TGridRect{80, 1, 82, 1});
     int downs = 0;
     w.grid->OnMouseDown = [&](QObject *, TMouseButton, TShiftState, int, int) { ++downs; };
     QVERIFY(test::ShowAndActivate(&w.window));
@@ -148,7 +124,7 @@ void TestDayGrid::mouseDrawingAndHint()
     QCOMPARE(w.pixel(60), ColorToQColor(0xE0E0E0)); // no holiday colour: the weekday's own
     const QColor highlight = w.grid->palette().color(QPalette::Highlight);
     QCOMPARE(w.pixel(81), highlight);
-    QCOMPARE(w.pixel(81, 0), ColorToQColor(clWhite));
+    QCOMPARE(w.pixel(81, 0, {6, 1}), ColorToQColor(clWhite));
 
     // Selecting with the mouse repaints the chosen slots at once.
     QTest::mousePress(w.grid->viewport(), Qt::LeftButton, {}, w.centre(41));
@@ -170,7 +146,8 @@ void TestDayGrid::mouseDrawingAndHint()
     // The hint is that of the day's row in the month's cells.
     QTest::mouseMove(w.grid->viewport(), w.centre(37));
     QTRY_VERIFY(w.grid->HintActive());
-    QCOMPARE(w.grid->HintText(), QStringLiteral("(28.10.) Den vzniku samostatného československého státu"));
+    QCOMPARE(w.grid->HintText(),
+             QStringLiteral("(28.10.) Den vzniku samostatného československého státu"));
     QTest::mouseMove(w.grid->viewport(), w.centre(42));
     QTRY_COMPARE(w.grid->HintText(), QStringLiteral("10:00-10:30 Kontrola"));
 }

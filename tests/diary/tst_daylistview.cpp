@@ -1,14 +1,15 @@
 #include "oxa/diary/DayListView.h"
 
+#include "DiaryTestSupport.h"
 #include "support/TestSupport.h"
 
 #include <QTest>
 
 using namespace oxa;
+using test::Cas;
+using test::ItemCenter;
 
 namespace {
-
-TTime Cas(int h, int n) { return EncodeTime(h, n, 0, 0); }
 
 TDayRecord Zaznam(qint32 id, TTime od, TTime doCasu, const char *popis = "")
 {
@@ -26,11 +27,6 @@ QStringList Captions(const TDayListView &list)
     for (int i = 0; i < list.Count(); ++i)
         captions << list.topLevelItem(i)->text(0);
     return captions;
-}
-
-QPoint ItemCenter(const TDayListView *list, int index)
-{
-    return list->visualItemRect(list->topLevelItem(index)).center();
 }
 
 } // namespace
@@ -58,6 +54,11 @@ void TestDayListView::packedMonths()
     QCOMPARE(DateToMesicRok(EncodeDate(2019, 4, 30) + Cas(23, 59)), qint16(11904));
     QCOMPARE(SpocitejDatum(1, 10001), EncodeDate(2000, 1, 1));
     QVERIFY_THROWS_EXCEPTION(EConvertError, SpocitejDatum(29, 11902));
+    // Months before 1900 pack below zero and unpack to themselves.
+    QCOMPARE(DateToMesicRok(EncodeDate(1899, 12, 31)), qint16(-88));
+    QCOMPARE(TMesicRok(-88).Year(), 1899);
+    QCOMPARE(SpocitejDatum(31, -88), EncodeDate(1899, 12, 31));
+    QCOMPARE(TMesicRok(11902).LastDay(), EncodeDate(2019, 2, 28));
     QCOMPARE(SpocitejHodiny(Cas(8, 0), Cas(8, 0)), QStringLiteral("08:00-08:00"));
 }
 
@@ -70,10 +71,14 @@ void TestDayListView::visibleDates_data()
 
     const QDate wednesday(2019, 4, 17);
     QTest::newRow("day") << wednesday << int(dsDay) << wednesday << wednesday;
-    QTest::newRow("work week") << wednesday << int(dsWorkWeek) << QDate(2019, 4, 14) << QDate(2019, 4, 19);
-    QTest::newRow("week from Sunday") << QDate(2019, 4, 21) << int(dsWeek) << QDate(2019, 4, 14) << QDate(2019, 4, 21);
-    QTest::newRow("new year week") << QDate(2020, 1, 1) << int(dsWorkWeek) << QDate(2019, 12, 29) << QDate(2020, 1, 3);
-    QTest::newRow("leap March") << QDate(2020, 3, 1) << int(dsMonth) << QDate(2020, 2, 29) << QDate(2020, 3, 31);
+    QTest::newRow("work week") << wednesday << int(dsWorkWeek) << QDate(2019, 4, 14)
+                               << QDate(2019, 4, 19);
+    QTest::newRow("week from Sunday")
+        << QDate(2019, 4, 21) << int(dsWeek) << QDate(2019, 4, 14) << QDate(2019, 4, 21);
+    QTest::newRow("new year week")
+        << QDate(2020, 1, 1) << int(dsWorkWeek) << QDate(2019, 12, 29) << QDate(2020, 1, 3);
+    QTest::newRow("leap March") << QDate(2020, 3, 1) << int(dsMonth) << QDate(2020, 2, 29)
+                                << QDate(2020, 3, 31);
 }
 
 void TestDayListView::visibleDates()
@@ -95,8 +100,9 @@ void TestDayListView::itemsFollowTheirTimes()
     list.AddItem(Zaznam(4, Cas(8, 30), Cas(8, 45)));
     list.AddItem(Zaznam(5, Cas(11, 0), Cas(12, 0)));
     list.AddItem(Zaznam(6, Cas(11, 0), Cas(12, 0)));
-    QCOMPARE(Captions(list), (QStringList{"08:30-08:45", "08:30-09:00", "09:15-09:45", "10:00-10:30",
-                                          "11:00-12:00", "11:00-12:00"}));
+    QCOMPARE(Captions(list),
+             (QStringList{"08:30-08:45", "08:30-09:00", "09:15-09:45", "10:00-10:30", "11:00-12:00",
+                          "11:00-12:00"}));
     QCOMPARE(list.ItemRecord(5)->ID_DIAR, 6); // equal times keep their arrival order
 
     list.ChangeItem(Zaznam(1, Cas(7, 0), Cas(7, 15), "změna"));
@@ -214,7 +220,8 @@ void TestDayListView::boxWithoutPanel()
     QVERIFY(test::ShowAndActivate(&box));
 
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, ItemCenter(list, 1));
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, QPoint(10, list->viewport()->height() - 5));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                      QPoint(10, list->viewport()->height() - 5));
     QCOMPARE(selected, (QList<int>{1, -1}));
     // Without a diary panel above it the box opens nothing and deletes nothing.
     QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, ItemCenter(list, 0));

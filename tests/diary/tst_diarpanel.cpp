@@ -1,21 +1,31 @@
 #include "oxa/diary/DiarPanel.h"
-#include "oxa/diary/MonthGrid.h"
+#include "oxa/diary/EnhancedMonthCalendar.h"
+#include "oxa/diary/MonthGrid_p.h"
 
+#include "DiaryTestSupport.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
 #include <QDrag>
 #include <QMenu>
+#include <QMetaProperty>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace oxa;
+using test::Cas;
+using test::ItemCenter;
 
 namespace {
 
-TDate Den(int month, int day, int year = 2026) { return EncodeDate(year, month, day); }
-TDate Nov(int day) { return EncodeDate(2026, 11, day); }
-TTime Cas(int h, int n) { return EncodeTime(h, n, 0, 0); }
+TDate Den(int month, int day, int year = 2026)
+{
+    return EncodeDate(year, month, day);
+}
+TDate Nov(int day)
+{
+    return EncodeDate(2026, 11, day);
+}
 
 TDayRecord Zaznam(qint32 id, TDate datum, TTime od, TTime doCasu, const char *popis = "",
                   TZdrojKontaktu zdroj = zkNone)
@@ -41,12 +51,10 @@ QList<qint32> Ids(TDayGroupBox *box)
     return ids;
 }
 
-QPoint ItemCenter(TDayListView *list, int index)
+QPoint BelowItems(TDayListView *list)
 {
-    return list->visualItemRect(list->topLevelItem(index)).center();
+    return QPoint(10, list->viewport()->height() - 4);
 }
-
-QPoint BelowItems(TDayListView *list) { return QPoint(10, list->viewport()->height() - 4); }
 
 void Wheel(QWidget *target, int angle)
 {
@@ -105,7 +113,8 @@ struct Diar
         panel.OnDayItemMoveEvent = [this](QObject *, const TDayRecord &o, const TDayRecord &n) {
             dragMoves << std::pair(o, n);
         };
-        panel.OnDayItemBeforeMoveEvent = [this](QObject *, const TDayRecord &o, const TDayRecord &, bool &a) {
+        panel.OnDayItemBeforeMoveEvent = [this](QObject *, const TDayRecord &o, const TDayRecord &,
+                                                bool &a) {
             askedToMove << o.ID_DIAR;
             a = allow;
         };
@@ -137,6 +146,8 @@ private Q_SLOTS:
     void dragAndDrop();
     void keyboardMoveDeleteAndInsert();
     void selectionEvents();
+    void propertiesNotify_data();
+    void propertiesNotify();
 };
 
 void TestDiarPanel::views_data()
@@ -150,12 +161,14 @@ void TestDiarPanel::views_data()
 
     QTest::newRow("day") << int(dsDay) << Nov(18) << Nov(18) << Nov(18) << 1 << Nov(18);
     QTest::newRow("work week") << int(dsWorkWeek) << Nov(18) << Nov(18) << Nov(16) << 5 << Nov(20);
-    QTest::newRow("work week, Saturday") << int(dsWorkWeek) << Nov(21) << Nov(20) << Nov(16) << 5 << Nov(20);
-    QTest::newRow("work week, Sunday") << int(dsWorkWeek) << Nov(22) << Nov(20) << Nov(16) << 5 << Nov(20);
-    QTest::newRow("week across months") << int(dsWeek) << Den(10, 1) << Den(10, 1) << Den(9, 28) << 7
-                                        << Den(10, 4);
-    QTest::newRow("month") << int(dsMonth) << Den(2, 10, 2027) << Den(2, 10, 2027) << Den(2, 10, 2027)
-                           << 1 << Den(2, 28, 2027);
+    QTest::newRow("work week, Saturday")
+        << int(dsWorkWeek) << Nov(21) << Nov(20) << Nov(16) << 5 << Nov(20);
+    QTest::newRow("work week, Sunday")
+        << int(dsWorkWeek) << Nov(22) << Nov(20) << Nov(16) << 5 << Nov(20);
+    QTest::newRow("week across months")
+        << int(dsWeek) << Den(10, 1) << Den(10, 1) << Den(9, 28) << 7 << Den(10, 4);
+    QTest::newRow("month") << int(dsMonth) << Den(2, 10, 2027) << Den(2, 10, 2027)
+                           << Den(2, 10, 2027) << 1 << Den(2, 28, 2027);
 }
 
 void TestDiarPanel::views()
@@ -296,8 +309,10 @@ void TestDiarPanel::arrowKeys_data()
     QTest::newRow("day, down") << int(dsDay) << Nov(30) << int(Qt::Key_Down) << Den(12, 1);
     QTest::newRow("week, right") << int(dsWeek) << Nov(22) << int(Qt::Key_Right) << Nov(23);
     QTest::newRow("week, up") << int(dsWeek) << Nov(17) << int(Qt::Key_Up) << Nov(10);
-    QTest::newRow("work week, Friday right") << int(dsWorkWeek) << Nov(20) << int(Qt::Key_Right) << Nov(23);
-    QTest::newRow("work week, Monday left") << int(dsWorkWeek) << Nov(16) << int(Qt::Key_Left) << Nov(13);
+    QTest::newRow("work week, Friday right")
+        << int(dsWorkWeek) << Nov(20) << int(Qt::Key_Right) << Nov(23);
+    QTest::newRow("work week, Monday left")
+        << int(dsWorkWeek) << Nov(16) << int(Qt::Key_Left) << Nov(13);
     QTest::newRow("month, left") << int(dsMonth) << Nov(1) << int(Qt::Key_Left) << Den(10, 31);
 }
 
@@ -332,10 +347,13 @@ void TestDiarPanel::popupMenu()
         QApplication::sendEvent(list->viewport(), &event);
         QVERIFY(menu->isVisible());
     };
-    const struct { QPoint pos; bool edit, pacient; } cases[] = {
-        {ItemCenter(list, 1), true, true},  // the patient's entry
-        {ItemCenter(list, 0), true, false}, // a partner's
-        {BelowItems(list), false, false}};
+    const struct
+    {
+        QPoint pos;
+        bool edit, pacient;
+    } cases[] = {{ItemCenter(list, 1), true, true},  // the patient's entry
+                 {ItemCenter(list, 0), true, false}, // a partner's
+                 {BelowItems(list), false, false}};
     for (const auto &c : cases) {
         rightClick(c.pos);
         QCOMPARE(d.panel.MenuItemEdit()->isEnabled(), c.edit);
@@ -371,7 +389,9 @@ void TestDiarPanel::doubleClicks()
     QCOMPARE(d.pacient.size(), 1);
 
     QList<qint32> items;
-    d.panel.OnDoubleClickItemEvent = [&items](QObject *, const TDayRecord &z) { items << z.ID_DIAR; };
+    d.panel.OnDoubleClickItemEvent = [&items](QObject *, const TDayRecord &z) {
+        items << z.ID_DIAR;
+    };
     QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, patient);
     QCOMPARE(items, QList<qint32>{1});
     QCOMPARE(d.pacient.size(), 1);
@@ -409,8 +429,9 @@ void TestDiarPanel::monthGrid()
     QStringList captions, names;
     for (QAction *a : menu->actions())
         captions << a->text(), names << a->objectName();
-    QCOMPARE(captions, (QStringList{"08:00-09:00 Porada", "08:30-09:15 Převaz && kontrola",
-                                    "08:45-08:45 Telefon"}));
+    QCOMPARE(captions,
+             (QStringList{"08:00-09:00 Porada", "08:30-09:15 Převaz && kontrola",
+                          "08:45-08:45 Telefon"}));
     QCOMPARE(names, (QStringList{"MenuItem1", "MenuItem2", "MenuItem3"}));
     QCOMPARE(d.panel.getMonthGridSelectStartTime(), Cas(8, 45));
     QCOMPARE(d.panel.getMonthGridSelectEndTime(), Cas(9, 0));
@@ -430,7 +451,8 @@ void TestDiarPanel::monthGrid()
     QCOMPARE(d.edited.size(), 2);
 
     // A click on another row selects that day; keys move on from the grid.
-    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->CellRect(grid->LeftCol(), 19).center());
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {},
+                      grid->CellRect(grid->LeftCol(), 19).center());
     QCOMPARE(d.panel.SelectedDay(), Nov(19));
     QCOMPARE(Ids(d.panel.DayGroupBox(0)), QList<qint32>{3});
     QCOMPARE(d.clicks.last(), Nov(19));
@@ -486,7 +508,8 @@ void TestDiarPanel::dragAndDrop()
 
     // A failing handler refuses the move and is reported.
     test::MessageRecorder messages;
-    d.panel.OnDayItemBeforeMoveEvent = [](QObject *, const TDayRecord &, const TDayRecord &, bool &) {
+    d.panel.OnDayItemBeforeMoveEvent = [](QObject *, const TDayRecord &, const TDayRecord &,
+                                          bool &) {
         throw Exception(QStringLiteral("Databáze nedostupná"));
     };
     TTextDragObject back(thursday->topLevelItem(1));
@@ -546,6 +569,60 @@ void TestDiarPanel::selectionEvents()
     d.panel.GotoDate(Nov(18));
     QCOMPARE(events.size(), 3);
     QCOMPARE(d.panel.GetSelectedItemID(), -1);
+}
+
+// Each published property that changes at run time reports a change once,
+// and a write of the value it already has reports nothing.
+void TestDiarPanel::propertiesNotify_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QVariant>("value");
+    QTest::newRow("panel MonthYear") << "TDiarPanel" << QByteArray("MonthYear") << QVariant(12701);
+    QTest::newRow("panel ReadOnly") << "TDiarPanel" << QByteArray("ReadOnly") << QVariant(true);
+    QTest::newRow("grid Datum") << "TMonthGrid" << QByteArray("Datum") << QVariant(Nov(3));
+    QTest::newRow("grid CasOd") << "TMonthGrid" << QByteArray("CasOd") << QVariant(8);
+    QTest::newRow("day grid Datum") << "TDayGrid" << QByteArray("Datum") << QVariant(Nov(3));
+    QTest::newRow("box Date") << "TDayGroupBox" << QByteArray("Date") << QVariant(Nov(3));
+    QTest::newRow("box Active") << "TDayGroupBox" << QByteArray("Active") << QVariant(true);
+    QTest::newRow("list NoTime") << "TDayListView" << QByteArray("NoTime") << QVariant(true);
+    QTest::newRow("calendar Date")
+        << "TEnhancedMonthCalendar" << QByteArray("Date") << QVariant(Nov(3));
+    QTest::newRow("calendar MinDate")
+        << "TEnhancedMonthCalendar" << QByteArray("MinDate") << QVariant(Nov(3));
+    QTest::newRow("calendar MaxDate")
+        << "TEnhancedMonthCalendar" << QByteArray("MaxDate") << QVariant(Nov(3));
+    QTest::newRow("calendar WeekNumbers")
+        << "TEnhancedMonthCalendar" << QByteArray("WeekNumbers") << QVariant(true);
+}
+
+void TestDiarPanel::propertiesNotify()
+{
+    QFETCH(QString, type);
+    QFETCH(QByteArray, property);
+    QFETCH(QVariant, value);
+    std::unique_ptr<QObject> object;
+    if (type == QLatin1String("TDiarPanel"))
+        object = std::make_unique<TDiarPanel>();
+    else if (type == QLatin1String("TMonthGrid"))
+        object = std::make_unique<TMonthGrid>();
+    else if (type == QLatin1String("TDayGrid"))
+        object = std::make_unique<TDayGrid>();
+    else if (type == QLatin1String("TDayGroupBox"))
+        object = std::make_unique<TDayGroupBox>();
+    else if (type == QLatin1String("TDayListView"))
+        object = std::make_unique<TDayListView>();
+    else
+        object = std::make_unique<TEnhancedMonthCalendar>();
+    const QMetaObject *meta = object->metaObject();
+    const QMetaProperty p = meta->property(meta->indexOfProperty(property));
+    QVERIFY(p.hasNotifySignal());
+    QSignalSpy spy(object.get(), p.notifySignal());
+    QVERIFY(p.write(object.get(), value));
+    QCOMPARE(p.read(object.get()), value);
+    QCOMPARE(spy.count(), 1);
+    QVERIFY(p.write(object.get(), value));
+    QCOMPARE(spy.count(), 1);
 }
 
 QTEST_MAIN(TestDiarPanel)

@@ -6,7 +6,10 @@ using namespace oxa;
 
 namespace {
 
-TTime Cas(int h, int n, int s = 0) { return EncodeTime(h, n, s, 0); }
+TTime Cas(int h, int n, int s = 0)
+{
+    return EncodeTime(h, n, s, 0);
+}
 
 TDayRecord Zaznam(qint32 id, TTime od = 0, TTime doCasu = 0, const char *popis = "")
 {

@@ -20,7 +20,7 @@ struct Host
     void Attach(TEnhancedMonthCalendar &calendar)
     {
         calendar.OnEnhancedGetMonthInfoEvent = [this, &calendar](QObject *sender, quint32 month,
-                                                                  quint32 year, quint32 &info) {
+                                                                 quint32 year, quint32 &info) {
             QCOMPARE(sender, &calendar);
             QCOMPARE(info, 0u);
             asked << QStringLiteral("%1/%2").arg(month).arg(year);
@@ -76,7 +76,8 @@ void TestEnhancedMonthCalendar::boldDaysOfTheMonthsShown()
     host.bold = {{"1/2020", {15}}};
     QVERIFY(test::ShowAndActivate(&calendar));
     Click(calendar, "qt_calendar_nextmonth");
-    QCOMPARE(host.asked, (QStringList{"11/2019", "12/2019", "1/2020", "12/2019", "1/2020", "2/2020"}));
+    QCOMPARE(host.asked,
+             (QStringList{"11/2019", "12/2019", "1/2020", "12/2019", "1/2020", "2/2020"}));
     QCOMPARE(calendar.BoldDates(), QList<QDate>{QDate(2020, 1, 15)});
     QVERIFY(!IsBold(calendar, QDate(2019, 12, 24)));
     QCOMPARE(calendar.dateTextFormat(QDate(2019, 12, 24)).foreground().color(), QColor(Qt::red));

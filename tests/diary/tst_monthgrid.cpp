@@ -1,18 +1,16 @@
-#include "oxa/diary/MonthGrid.h"
+#include "DiaryTestSupport.h"
 
 #include "support/TestSupport.h"
 
-#include <QImage>
 #include <QLabel>
 #include <QScreen>
 #include <QTest>
 
 using namespace oxa;
+using test::Cas;
+using test::Zaznam;
 
 namespace {
-
-TTime Cas(int h, int n, int s = 0) { return EncodeTime(h, n, s, 0); }
-TTime Cas(QTime t) { return EncodeTime(t.hour(), t.minute(), 0, 0); }
 
 // Easter Sunday by the anonymous Gregorian algorithm, independent of the grid's rule.
 QDate EasterSunday(int y)
@@ -44,39 +42,13 @@ TDovolena Dovolena(TDate od, TTime casOd, TDate doDne, TTime casDo, const char *
     return TDovolena{casOd, casDo, od, doDne, false, 0, poznamka};
 }
 
-TDayRecord Zaznam(int den, TTime od, TTime doCasu, const char *popis = "",
-                  const char *kontakt = "", const char *parafa = "")
+// A month grid large enough for a month of 15-minute slots.
+struct MonthWindow : test::GridWindow<TMonthGrid>
 {
-    static qint32 id = 0;
-    TDayRecord z;
-    z.ID_DIAR = ++id;
-    z.Den = qint16(den);
-    z.CasOd = od;
-    z.CasDo = doCasu;
-    z.Popis = popis;
-    z.KONTAKT = QString::fromUtf8(kontakt);
-    z.Parafa = parafa;
-    return z;
-}
-
-// A month grid over its store in a window large enough for a month of
-// 15-minute slots.
-struct MonthWindow
-{
-    QWidget window;
-    TMonthGrid *grid;
-    TMonthArray zaznamy{0, 0};
-
-    explicit MonthWindow(TDate datum)
+    explicit MonthWindow(TDate datum) : GridWindow(datum, {960, 460})
     {
-        grid = new TMonthGrid(&window, 15);
-        grid->setGeometry(0, 0, 960, 460);
-        window.resize(980, 480);
-        grid->SetZaznamy(&zaznamy);
         grid->SetDiarNastaveni(Nastaveni());
-        grid->SetDatum(datum);
     }
-    void add(const TDayRecord &z) { zaznamy.AddDayRecord(z, zaznamy.SlotOfDay(z.Den)); }
     void settings(const TDiarNastaveni &n)
     {
         grid->SetDiarNastaveni(n);
@@ -88,13 +60,6 @@ struct MonthWindow
             return false;
         grid->setFocus();
         return grid->hasFocus();
-    }
-    QPoint centre(int col, int row) const { return grid->CellRect(col, row).center(); }
-    // A pixel of the cell away from its lines and its diagonal.
-    QColor pixel(int col, int row, QPoint offset = {6, 3}) const
-    {
-        const QImage image = grid->viewport()->grab().toImage();
-        return image.pixelColor(grid->CellRect(col, row).topLeft() + offset);
     }
     const TMonthGridCell &cell(int row, int col) const { return grid->DataPaint(row, col); }
 };
@@ -136,14 +101,21 @@ void TestMonthGrid::easterAgainstIndependentRule()
 
 void TestMonthGrid::holidayCells()
 {
-    const struct { int den, mesic; const char *text; } svatky[] = {
-        {1, 1, "(01.01.) Nový rok"}, {1, 5, "(01.05.) Svátek práce"}, {8, 5, "(08.05.) Den vítezství"},
+    const struct
+    {
+        int den, mesic;
+        const char *text;
+    } svatky[] = {
+        {1, 1, "(01.01.) Nový rok"},
+        {1, 5, "(01.05.) Svátek práce"},
+        {8, 5, "(08.05.) Den vítezství"},
         {5, 7, "(05.07.) Den slovanských věrozvěstů Cyrila a Metoděje"},
         {6, 7, "(06.07.) Den upálení mistra Jana Husa"},
         {28, 9, "(28.09.) Den české státnosti"},
         {28, 10, "(28.10.) Den vzniku samostatného československého státu"},
         {17, 11, "(17.11.) Den boje za svobodu a demokracii"},
-        {24, 12, "(24.12.) Štedrý den"}, {25, 12, "(25.12.) 1. svátek vánocní"},
+        {24, 12, "(24.12.) Štedrý den"},
+        {25, 12, "(25.12.) 1. svátek vánocní"},
         {26, 12, "(26.12.) 2. svátek vánocní"},
     };
     // In 2024 Good Friday (29 March) and Easter Monday (1 April) fall in two months.
@@ -154,8 +126,9 @@ void TestMonthGrid::holidayCells()
         w.grid->Init();
         for (int den = 1; den <= DaysInAMonth(2024, mesic); ++den) {
             const QDate datum(2024, mesic, den);
-            QString text = datum == pondeli ? QStringLiteral("Velikonoce")
-                         : datum == pondeli.addDays(-3) ? QStringLiteral("Velký pátek") : QString();
+            QString text = datum == pondeli    ? QStringLiteral("Velikonoce")
+                : datum == pondeli.addDays(-3) ? QStringLiteral("Velký pátek")
+                                               : QString();
             for (const auto &s : svatky)
                 text = s.den == den && s.mesic == mesic ? QString::fromUtf8(s.text) : text;
             for (int c = 1; c <= 96; c += 19) {
@@ -216,9 +189,9 @@ void TestMonthGrid::entriesMarkTheSlotsTheyMeet()
     prvni.SPLNENO = 100;
     TDayRecord druhy = Zaznam(3, Cas(10, 15), Cas(11, 0));
     druhy.Soukrome = true;
-    for (const TDayRecord &z : {prvni, druhy, Zaznam(4, Cas(9, 0), Cas(9, 0)),
-                                Zaznam(4, Cas(23, 50), Cas(23, 59)),
-                                Zaznam(4, -Cas(1, 0), Cas(2, 0)), Zaznam(4, Cas(12, 0), Cas(11, 0))})
+    for (const TDayRecord &z :
+         {prvni, druhy, Zaznam(4, Cas(9, 0), Cas(9, 0)), Zaznam(4, Cas(23, 50), Cas(23, 59)),
+          Zaznam(4, -Cas(1, 0), Cas(2, 0)), Zaznam(4, Cas(12, 0), Cas(11, 0))})
         w.add(z);
     w.grid->Init();
 
@@ -289,12 +262,13 @@ void TestMonthGrid::leave()
 {
     MonthWindow w(EncodeDate(2024, 1, 1));
     TDiarNastaveni n = Nastaveni();
-    TDovolena vlastni = Dovolena(EncodeDate(2024, 1, 20), Cas(8, 0), EncodeDate(2024, 1, 20), Cas(9, 0));
+    TDovolena vlastni =
+        Dovolena(EncodeDate(2024, 1, 20), Cas(8, 0), EncodeDate(2024, 1, 20), Cas(9, 0));
     vlastni.BarvaIsSet = true;
     vlastni.Barva = kVlastni;
-    n.dovolena = {Dovolena(EncodeDate(2024, 1, 10), Cas(12, 0), EncodeDate(2024, 1, 12), Cas(10, 0), "hory"),
-                  vlastni,
-                  Dovolena(EncodeDate(2023, 12, 30), Cas(12, 0), EncodeDate(2024, 1, 2), Cas(8, 0))};
+    n.dovolena = {
+        Dovolena(EncodeDate(2024, 1, 10), Cas(12, 0), EncodeDate(2024, 1, 12), Cas(10, 0), "hory"),
+        vlastni, Dovolena(EncodeDate(2023, 12, 30), Cas(12, 0), EncodeDate(2024, 1, 2), Cas(8, 0))};
     w.add(Zaznam(11, Cas(9, 0), Cas(9, 15), "Kontrola"));
     w.settings(n);
 
@@ -325,16 +299,17 @@ void TestMonthGrid::konfigAndZaznamQuestions()
     QVERIFY(!grid.ExistujeKonfigZaznam(1, 40, barva));
     QCOMPARE(barva, TColor(0x123456));
 
-    n.dovolena = {Dovolena(EncodeDate(2024, 1, 3), Cas(23, 50), EncodeDate(2024, 1, 5), Cas(0, 10))};
+    n.dovolena = {
+        Dovolena(EncodeDate(2024, 1, 3), Cas(23, 50), EncodeDate(2024, 1, 5), Cas(0, 10))};
     grid.SetDiarNastaveni(n);
     const auto konfig = [&](int den, int col) {
         TColor c = 0x123456;
         return grid.ExistujeKonfigZaznam(den, col, c) ? c : (c == clWhite ? clNone : c);
     };
     const QList<std::tuple<int, int, TColor>> cases = {
-        {1, 33, kPracDoba}, {1, 48, kPracDoba}, {1, 32, clNone}, {1, 49, clNone},
-        {1, 55, clNone},    // only the first interval counts
-        {8, 40, clNone},    // an even week has no hours
+        {1, 33, kPracDoba}, {1, 48, kPracDoba}, {1, 32, clNone},
+        {1, 49, clNone},    {1, 55, clNone},    // only the first interval counts
+        {8, 40, clNone},                        // an even week has no hours
         {3, 95, clNone},    {3, 96, kDovolena}, // the last slot ends at 23:59
         {4, 1, kDovolena},  {5, 1, kDovolena},  {5, 2, clNone}};
     for (const auto &[den, col, expected] : cases)
@@ -428,8 +403,10 @@ void TestMonthGrid::hintAfterMouseRests()
     QTest::mouseMove(viewport, w.centre(42, 28));
     QVERIFY(!w.grid->HintActive());
     QTRY_VERIFY(w.grid->HintActive() && w.grid->HintWindow()->isVisible());
-    QCOMPARE(w.grid->HintText(), QStringLiteral("MD  10:00-10:30 Novák Jan: Kontrola\r\n  10:15-10:45 Dvořák"));
-    QCOMPARE(w.grid->HintWindow()->text(), QStringLiteral("MD  10:00-10:30 Novák Jan: Kontrola\n  10:15-10:45 Dvořák"));
+    QCOMPARE(w.grid->HintText(),
+             QStringLiteral("MD  10:00-10:30 Novák Jan: Kontrola\r\n  10:15-10:45 Dvořák"));
+    QCOMPARE(w.grid->HintWindow()->text(),
+             QStringLiteral("MD  10:00-10:30 Novák Jan: Kontrola\n  10:15-10:45 Dvořák"));
 
     // Another cell hides it at once and shows its own; it goes after a while.
     QTest::mouseMove(viewport, w.centre(43, 28));
@@ -437,7 +414,8 @@ void TestMonthGrid::hintAfterMouseRests()
     QTRY_COMPARE(w.grid->HintText(), QStringLiteral("10:15-10:45 Dvořák"));
     QTRY_VERIFY_WITH_TIMEOUT(!w.grid->HintActive() && !w.grid->HintWindow()->isVisible(), 6000);
     QTest::mouseMove(viewport, w.centre(45, 28));
-    QTRY_COMPARE(w.grid->HintText(), QStringLiteral("(28.10.) Den vzniku samostatného československého státu"));
+    QTRY_COMPARE(w.grid->HintText(),
+                 QStringLiteral("(28.10.) Den vzniku samostatného československého státu"));
 
     // A cell without a hint shows none.
     QTest::mouseMove(viewport, w.centre(45, 27));

@@ -24,17 +24,12 @@ const TFixedArray<QString, zkNone, zkPartner> ContactSourceTables{
 
 TDate SpocitejDatum(int aDen, qint16 aMonthYear)
 {
-    return EncodeDate(aMonthYear / 100 + 1900, aMonthYear % 100, aDen);
+    return TMesicRok(aMonthYear).Date(aDen);
 }
 
 qint16 DateToMesicRok(TDate aDate)
 {
-    int year = 0, month = 0, day = 0;
-    DecodeDate(aDate, year, month, day);
-    const int packed = (year - 1900) * 100 + month;
-    if (packed < std::numeric_limits<qint16>::min() || packed > std::numeric_limits<qint16>::max())
-        throw EConvertError(QStringLiteral("Měsíc %1/%2 mimo rozsah diáře").arg(month).arg(year));
-    return qint16(packed);
+    return TMesicRok::FromDate(aDate).Packed();
 }
 
 QString SpocitejHodiny(TTime start, TTime end)
@@ -131,10 +126,7 @@ public:
     }
 
     // The list's order: by the time text, so by start and then by end.
-    bool operator<(const QTreeWidgetItem &other) const override
-    {
-        return text(0) < other.text(0);
-    }
+    bool operator<(const QTreeWidgetItem &other) const override { return text(0) < other.text(0); }
 
 private:
     // Only the styles are set, the list's own font supplies the rest.
@@ -195,7 +187,8 @@ QString TDayListView::FormatPopis(const QString &aPopis, const QString &aKontakt
     QString podrobnosti = aPodrobnosti;
     // One line in the list: the details' line breaks become spaces.
     podrobnosti.replace(QLatin1String("\r\n"), QLatin1String(" "));
-    podrobnosti.replace(QLatin1Char('\n'), QLatin1Char(' ')).replace(QLatin1Char('\r'), QLatin1Char(' '));
+    podrobnosti.replace(QLatin1Char('\n'), QLatin1Char(' '))
+        .replace(QLatin1Char('\r'), QLatin1Char(' '));
 
     QStringList dalsi;
     for (const QString &part : {aKontakt.trimmed(), podrobnosti.trimmed()}) {
@@ -270,9 +263,18 @@ const TDayRecord *TDayListView::SelectedRecord() const
 
 void TDayListView::SetNoTime(bool Value)
 {
+    const bool changed = Value != FNoTime;
     FNoTime = Value;
     setColumnHidden(0, Value);
     Resize();
+    if (changed)
+        Q_EMIT noTimeChanged(Value);
+}
+
+void TDayListView::SetItemListImages(const QList<QIcon> &Value)
+{
+    FItemListImages = Value;
+    Q_EMIT itemListImagesChanged(Value);
 }
 
 void TDayListView::SetDenMesicRok(int aDen, qint16 aMesicRok)
@@ -324,8 +326,8 @@ void TDayListView::mousePressEvent(QMouseEvent *event)
 void TDayListView::mouseReleaseEvent(QMouseEvent *event)
 {
     TWinControl<QTreeWidget>::mouseReleaseEvent(event);
-    const bool click = FPressedInside && event->button() == Qt::LeftButton
-                       && viewport()->rect().contains(event->position().toPoint());
+    const bool click = FPressedInside && event->button() == Qt::LeftButton &&
+        viewport()->rect().contains(event->position().toPoint());
     FPressedInside = false;
     if (click && OnClick)
         Safely([this] { OnClick(this); });
@@ -425,6 +427,7 @@ TDayGroupBox::~TDayGroupBox()
 
 void TDayGroupBox::SetDate(TDate aDate)
 {
+    const bool changed = !FDateSet || aDate != FDate;
     FDate = aDate;
     FDateSet = true;
     int year = 0, month = 0, day = 0;
@@ -433,6 +436,8 @@ void TDayGroupBox::SetDate(TDate aDate)
     UpdateCaption();
     if (!FActive)
         SetColor(DaysColor[DayOfTheWeek(aDate)]);
+    if (changed)
+        Q_EMIT dateChanged(aDate);
 }
 
 void TDayGroupBox::SetDayMonthYear(int aDay, qint16 aMonthYear)
@@ -442,8 +447,11 @@ void TDayGroupBox::SetDayMonthYear(int aDay, qint16 aMonthYear)
 
 void TDayGroupBox::SetActive(bool Value)
 {
+    const bool changed = Value != FActive;
     FActive = Value;
     ApplyColors();
+    if (changed)
+        Q_EMIT activeChanged(Value);
 }
 
 void TDayGroupBox::Clear()
@@ -503,7 +511,8 @@ void TDayGroupBox::OnDayListViewClick(QObject *Sender)
     if (!OnSelectDayItem)
         return;
     const QList<QTreeWidgetItem *> selected = FDayListView->selectedItems();
-    OnSelectDayItem(this, selected.isEmpty() ? -1 : FDayListView->indexOfTopLevelItem(selected.first()));
+    OnSelectDayItem(this,
+                    selected.isEmpty() ? -1 : FDayListView->indexOfTopLevelItem(selected.first()));
 }
 
 void TDayGroupBox::OnDayResize(QObject *Sender)
@@ -559,7 +568,7 @@ QString TTextDragObject::NothingSelectedText()
     return QStringLiteral("- nevybráno -");
 }
 
-TTextDragObject::TTextDragObject(QTreeWidgetItem *aDataItem) : DataItem(aDataItem) {}
+TTextDragObject::TTextDragObject(QTreeWidgetItem *aDataItem) : DataItem(aDataItem) { }
 
 QString TTextDragObject::DragText() const
 {
@@ -618,7 +627,7 @@ bool TTextDragObject::DraggedID(const QMimeData *Data, qint32 &aID)
 
 namespace {
 
-template <class T>
+template<class T>
 TComponentEntry DiarEntry(const char *className,
                           const char *includeFile = "oxa/diary/DayListView.h")
 {

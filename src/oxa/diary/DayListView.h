@@ -52,7 +52,8 @@ using TOnDayEditEvent = std::function<void(QObject *Sender, const TDayRecord &aD
 // Index is the selected item of the day's list, or -1.
 using TSelectDayItemEvent = std::function<void(QObject *Sender, int Index)>;
 // A drag of an entry is about to start; Allow = false cancels it.
-using TStartDragEvent = std::function<void(QObject *Sender, TTextDragObject &DragObject, bool &Allow)>;
+using TStartDragEvent =
+    std::function<void(QObject *Sender, TTextDragObject &DragObject, bool &Allow)>;
 // An entry dragged from Source is over the list at Pos (viewport coordinates).
 using TDragOverEvent =
     std::function<void(QObject *Sender, QObject *Source, const QPoint &Pos, bool &Accept)>;
@@ -65,8 +66,9 @@ using TDragDropEvent = std::function<void(QObject *Sender, QObject *Source, cons
 class OXA_EXPORT TDayListView : public TWinControl<QTreeWidget>
 {
     Q_OBJECT
-    Q_PROPERTY(QList<QIcon> ItemListImages READ ItemListImages WRITE SetItemListImages)
-    Q_PROPERTY(bool NoTime READ NoTime WRITE SetNoTime)
+    Q_PROPERTY(QList<QIcon> ItemListImages READ ItemListImages WRITE SetItemListImages NOTIFY
+                   itemListImagesChanged)
+    Q_PROPERTY(bool NoTime READ NoTime WRITE SetNoTime NOTIFY noTimeChanged)
 
 public:
     explicit TDayListView(QWidget *aOwner = nullptr);
@@ -96,7 +98,7 @@ public:
 
     // Images the host offers for the items; the list keeps them for it.
     QList<QIcon> ItemListImages() const { return FItemListImages; }
-    void SetItemListImages(const QList<QIcon> &Value) { FItemListImages = Value; }
+    void SetItemListImages(const QList<QIcon> &Value);
     // Hides the time column; the items keep their order by time.
     bool NoTime() const { return FNoTime; }
     void SetNoTime(bool Value);
@@ -117,6 +119,10 @@ public:
     // Without OnDragOver the list accepts no drop.
     TDragOverEvent OnDragOver;
     TDragDropEvent OnDragDrop;
+
+Q_SIGNALS:
+    void itemListImagesChanged(const QList<QIcon> &ItemListImages);
+    void noTimeChanged(bool NoTime);
 
 protected:
     // Column 0 keeps 65 pixels, column 1 takes the rest of the client width.
@@ -172,8 +178,8 @@ class OXA_EXPORT TDayGroupBox : public QGroupBox
 {
     Q_OBJECT
     Q_PROPERTY(oxa::TDayListView *DayListView READ DayListView CONSTANT)
-    Q_PROPERTY(double Date READ Date WRITE SetDate)
-    Q_PROPERTY(bool Active READ Active WRITE SetActive)
+    Q_PROPERTY(double Date READ Date WRITE SetDate NOTIFY dateChanged)
+    Q_PROPERTY(bool Active READ Active WRITE SetActive NOTIFY activeChanged)
 
 public:
     explicit TDayGroupBox(QWidget *aOwner = nullptr);
@@ -199,6 +205,10 @@ public:
 
     TSelectDayItemEvent OnSelectDayItem;
     TOnDayEditEvent OnDoubleClickDayItem;
+
+Q_SIGNALS:
+    void dateChanged(double Date);
+    void activeChanged(bool Active);
 
 protected:
     void resizeEvent(QResizeEvent *event) override;

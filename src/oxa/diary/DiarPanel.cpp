@@ -1,5 +1,6 @@
-#include "oxa/diary/DiarPanel.h"
+#include "oxa/diary/DiarPanel_p.h"
 
+#include "oxa/diary/DiarModel_p.h"
 #include "oxa/diary/MonthGrid.h"
 #include "oxa/toolkit/Exceptions.h"
 
@@ -9,7 +10,6 @@
 #include <QItemSelectionModel>
 #include <QMenu>
 #include <QMouseEvent>
-#include <QScopedValueRollback>
 #include <QStyle>
 #include <QWheelEvent>
 
@@ -35,21 +35,14 @@ bool IsWeekend(TDate aDatum)
     return DayOfTheWeek(aDatum) >= 6;
 }
 
-// A working day of the same ISO week: Saturday and Sunday become its Friday.
-TDate WorkingDayOf(TDate aDatum)
-{
-    const int dow = DayOfTheWeek(aDatum);
-    return dow >= 6 ? aDatum - (dow - 5) : aDatum;
-}
-
 // The caption of an entry in the month grid's menu: "08:30-09:15 Popis".
 // An ampersand of the description is shown, not taken for a mnemonic.
 QString MenuCaption(const TDayRecord &aZaznam)
 {
     QString popis = aZaznam.Popis.Text();
     popis.replace(QLatin1Char('&'), QLatin1String("&&"));
-    return FormatDateTime(QStringLiteral("hh:mm"), aZaznam.CasOd)
-           + FormatDateTime(QStringLiteral("\"-\"hh:mm\" \""), aZaznam.CasDo) + popis;
+    return FormatDateTime(QStringLiteral("hh:mm"), aZaznam.CasOd) +
+        FormatDateTime(QStringLiteral("\"-\"hh:mm\" \""), aZaznam.CasDo) + popis;
 }
 
 } // namespace
@@ -57,45 +50,139 @@ QString MenuCaption(const TDayRecord &aZaznam)
 // --- construction --------------------------------------------------------------
 
 TDiarPanel::TDiarPanel(QWidget *AOwner)
-    : TWinControl<QFrame>(AOwner),
-      fMonthRecords(std::make_unique<TMonthArray>(DnuPred, DnuPo))
+    : TWinControl<QFrame>(AOwner), d(std::make_unique<TDiarPanelPrivate>())
 {
     setMinimumSize(120, 80);
 
-    fPopUpMenu = new QMenu(this);
-    fPopUpMenu->setObjectName(QStringLiteral("PopupMenu"));
-    fMenuItemEdit = fPopUpMenu->addAction(QStringLiteral("Editovat"));
-    fMenuItemEdit->setObjectName(QStringLiteral("MenuItemEdit"));
-    fMenuItemPacient = fPopUpMenu->addAction(QStringLiteral("Přejít na pacienta"));
-    fMenuItemPacient->setObjectName(QStringLiteral("MenuItemPacient"));
-    connect(fMenuItemEdit, &QAction::triggered, this, [this] { MenuItemEventEditovat(); });
-    connect(fMenuItemPacient, &QAction::triggered, this, [this] { MenuItemEventPacient(); });
-    connect(fPopUpMenu, &QMenu::aboutToShow, this, [this] { fPopUpMenuOnPopUp(); });
+    d->fPopUpMenu = new QMenu(this);
+    d->fPopUpMenu->setObjectName(QStringLiteral("PopupMenu"));
+    d->fMenuItemEdit = d->fPopUpMenu->addAction(QStringLiteral("Editovat"));
+    d->fMenuItemEdit->setObjectName(QStringLiteral("MenuItemEdit"));
+    d->fMenuItemPacient = d->fPopUpMenu->addAction(QStringLiteral("Přejít na pacienta"));
+    d->fMenuItemPacient->setObjectName(QStringLiteral("MenuItemPacient"));
+    connect(d->fMenuItemEdit, &QAction::triggered, this, [this] { MenuItemEventEditovat(); });
+    connect(d->fMenuItemPacient, &QAction::triggered, this, [this] { MenuItemEventPacient(); });
+    connect(d->fPopUpMenu, &QMenu::aboutToShow, this, [this] { fPopUpMenuOnPopUp(); });
 
-    fMonthGridMenu = new QMenu(this);
-    fMonthGridMenu->setObjectName(QStringLiteral("MonthGridMenu"));
+    d->fMonthGridMenu = new QMenu(this);
+    d->fMonthGridMenu->setObjectName(QStringLiteral("MonthGridMenu"));
+
+    connect(&d->model, &TDiarModel::periodChanged, this,
+            [this](bool aMonthChanged) { ShowPeriod(aMonthChanged); });
+    connect(&d->model, &TDiarModel::monthChanged, this, [this] { ShowNewMonth(); });
+    connect(&d->model, &TDiarModel::entryAdded, this,
+            [this](const TDayRecord &aZaznam, double aDatum) { ShowEntryAdded(aZaznam, aDatum); });
+    connect(&d->model, &TDiarModel::entryRemoved, this,
+            [this](qint32 aID, double aDatum) { ShowEntryRemoved(aID, aDatum); });
+    connect(&d->model, &TDiarModel::entriesReset, this, [this] { RefreshBoxes(); });
 
     GenerujBunky();
     GotoDate(Date());
-    fcanCallReanrangeDay = true;
+    d->fcanCallReanrangeDay = true;
     RearangeDays();
 }
 
 TDiarPanel::~TDiarPanel()
 {
     // The boxes are freed with the panel's children, after this part of it.
-    for (TDayGroupBox *box : std::as_const(fBoxPool)) {
+    for (TDayGroupBox *box : std::as_const(d->fBoxPool)) {
         box->removeEventFilter(this);
         box->DayListView()->viewport()->removeEventFilter(this);
         box->DayListView()->selectionModel()->disconnect(this);
     }
-    if (FMonthGrid) {
-        FMonthGrid->SetZaznamy(nullptr);
-        FMonthGrid->OnSelectCell = nullptr;
-        FMonthGrid->OnClick = nullptr;
-        FMonthGrid->OnDblClick = nullptr;
-        FMonthGrid->OnKeyDown = nullptr;
-    }
+    // The grid is freed with the children too, when the model has gone.
+    if (d->FMonthGrid)
+        UnhookMonthGrid(d->FMonthGrid);
+}
+
+// --- accessors -----------------------------------------------------------------
+
+TDiarSize TDiarPanel::DiarSize() const
+{
+    return d->model.DiarSize();
+}
+int TDiarPanel::Day() const
+{
+    return d->model.Day();
+}
+qint16 TDiarPanel::MonthYear() const
+{
+    return d->model.MonthYear().Packed();
+}
+TDate TDiarPanel::SelectedDay() const
+{
+    return d->model.SelectedDay();
+}
+TDate TDiarPanel::VisibleDateMin() const
+{
+    return d->model.VisibleDateMin();
+}
+TDate TDiarPanel::VisibleDateMax() const
+{
+    return d->model.VisibleDateMax();
+}
+int TDiarPanel::DayGroupBoxCount() const
+{
+    return int(d->FDayGroupBoxArray.size());
+}
+bool TDiarPanel::IsUpdating() const
+{
+    return d->model.IsUpdating();
+}
+const TMonthArray &TDiarPanel::Records() const
+{
+    return d->model.Records();
+}
+QMenu *TDiarPanel::MonthGridMenu() const
+{
+    return d->fMonthGridMenu;
+}
+const TDiarNastaveni &TDiarPanel::DiarNastaveni() const
+{
+    return d->FDiarNastaveni;
+}
+int TDiarPanel::DilekMinut() const
+{
+    return d->fDilekMinut;
+}
+bool TDiarPanel::ReadOnly() const
+{
+    return d->FReadOnly;
+}
+void TDiarPanel::SetReadOnly(bool Value)
+{
+    if (Value == d->FReadOnly)
+        return;
+    d->FReadOnly = Value;
+    Q_EMIT readOnlyChanged(Value);
+}
+QObject *TDiarPanel::Application() const
+{
+    return d->FApplication;
+}
+void TDiarPanel::SetApplication(QObject *Application)
+{
+    d->FApplication = Application;
+}
+int TDiarPanel::PopUpIndex() const
+{
+    return d->FPopUpIndex;
+}
+void TDiarPanel::SetPopUpIndex(int Value)
+{
+    d->FPopUpIndex = Value;
+}
+QMenu *TDiarPanel::PopupMenu() const
+{
+    return d->fPopUpMenu;
+}
+QAction *TDiarPanel::MenuItemEdit() const
+{
+    return d->fMenuItemEdit;
+}
+QAction *TDiarPanel::MenuItemPacient() const
+{
+    return d->fMenuItemPacient;
 }
 
 TDayGroupBox *TDiarPanel::CreateDayGroupBox()
@@ -118,13 +205,13 @@ TDayGroupBox *TDiarPanel::CreateDayGroupBox()
             });
 
     list->OnStartDrag = [this](QObject *, TTextDragObject &DragObject, bool &Allow) {
-        Allow = !FReadOnly && TDayListView::ItemRecord(DragObject.DataItem);
+        Allow = !d->FReadOnly && TDayListView::ItemRecord(DragObject.DataItem);
     };
     list->OnDragOver = [this, box](QObject *, QObject *, const QPoint &, bool &Accept) {
         Accept = CanDropOn(box);
     };
     list->OnDragDrop = [this, box](QObject *, QObject *, const QPoint &) { DropOn(box); };
-    fBoxPool.append(box);
+    d->fBoxPool.append(box);
     return box;
 }
 
@@ -146,98 +233,84 @@ int TDiarPanel::BoxCountFor(TDiarSize aSize) const
 
 void TDiarPanel::SetDiarSize(TDiarSize Value)
 {
-    if (Value == FDiarSize)
+    if (Value == d->model.DiarSize())
         return;
-    FDiarSize = Value;
+    d->model.SetDiarSize(Value);
     GenerujBunky();
-    if (FDiarSize == dsMonth) {
+    if (Value == dsMonth) {
         EnsureMonthGrid();
-        FMonthGrid->show();
-    } else if (FMonthGrid) {
-        FMonthGrid->hide();
+        d->FMonthGrid->show();
+    } else if (d->FMonthGrid) {
+        d->FMonthGrid->hide();
     }
-    GotoDate(FSelectedDay);
+    GotoDate(d->model.SelectedDay());
     RearangeDays();
-}
-
-TDate TDiarPanel::MonthFirstDate() const
-{
-    return SpocitejDatum(1, FMonthYear);
+    Q_EMIT diarSizeChanged(Value);
 }
 
 TDate TDiarPanel::DataDateMin() const
 {
-    return MonthFirstDate() - DnuPred;
+    return d->model.DataDateMin();
 }
 
 TDate TDiarPanel::DataDateMax() const
 {
-    const TDate first = MonthFirstDate();
-    return first + DaysInAMonth(FMonthYear / 100 + 1900, FMonthYear % 100) - 1 + DnuPo;
+    return d->model.DataDateMax();
 }
 
 void TDiarPanel::GotoDate(TDate aValue)
 {
-    int year = 0, month = 0, day = 0;
-    DecodeDate(aValue, year, month, day);
-    GotoDate(day, DateToMesicRok(aValue));
+    d->model.GotoDate(DateOf(aValue));
 }
 
 void TDiarPanel::GotoDate(int aDay, qint16 aMonthYear)
 {
-    TDate datum = SpocitejDatum(aDay, aMonthYear);
-    if (FDiarSize == dsWorkWeek)
-        datum = WorkingDayOf(datum);
-    int year = 0, month = 0, day = 0;
-    DecodeDate(datum, year, month, day);
-    const qint16 monthYear = DateToMesicRok(datum);
-    const bool monthChanged = monthYear != FMonthYear;
+    d->model.GotoDate(TMesicRok(aMonthYear).Date(aDay));
+}
 
-    FDay = day;
-    FMonthYear = monthYear;
-    FSelectedDay = datum;
-    FVisibleDateMin = FirstVisibleDate(datum, FDiarSize);
-    FVisibleDateMax = LastVisibleDate(datum, FDiarSize);
-    if (monthChanged) {
-        // The store's slots count from the month: the entries of the old
-        // month are no longer where they belong.
-        fMonthRecords->Clear();
-        fBoxesStale = true;
-        fMonthGridDirty = true;
-    }
+// The model moved: the boxes show the new period; the month grid follows
+// through its own connections.
+void TDiarPanel::ShowPeriod(bool aMonthChanged)
+{
+    if (aMonthChanged)
+        d->fBoxesStale = true;
     InitDays();
-    SyncMonthGrid();
-    if (monthChanged) {
-        // Months differ in length, and so does the month grid.
-        if (FDiarSize == dsMonth)
-            RearangeDays();
-        Q_EMIT monthYearChanged(FMonthYear);
-    }
+}
+
+// Reported once every view shows the new month: the host loads its entries.
+void TDiarPanel::ShowNewMonth()
+{
+    // Months differ in length, and so does the month grid.
+    if (d->model.DiarSize() == dsMonth)
+        RearangeDays();
+    Q_EMIT monthYearChanged(d->model.MonthYear().Packed());
 }
 
 void TDiarPanel::GotoMonth(int aMonth, int aYear)
 {
     if (aMonth < 1 || aMonth > 12)
         throw EConvertError(QStringLiteral("Neplatný měsíc %1").arg(aMonth));
-    const int day = std::min(std::max(FDay, 1), DaysInAMonth(aYear, aMonth));
-    GotoDate(day, qint16((aYear - 1900) * 100 + aMonth));
+    const int day = std::min(std::max(d->model.Day(), 1), DaysInAMonth(aYear, aMonth));
+    GotoDate(day, TMesicRok::FromYearMonth(aYear, aMonth).Packed());
 }
 
 void TDiarPanel::GotoMonth(qint16 aMonthYear)
 {
-    GotoMonth(aMonthYear % 100, aMonthYear / 100 + 1900);
+    const TMesicRok mesic(aMonthYear);
+    GotoMonth(mesic.Month(), mesic.Year());
 }
 
 // --- the day boxes -------------------------------------------------------------
 
 TDayGroupBox *TDiarPanel::DayGroupBox(int Index) const
 {
-    return Index >= 0 && Index < FDayGroupBoxArray.size() ? FDayGroupBoxArray.at(Index) : nullptr;
+    return Index >= 0 && Index < d->FDayGroupBoxArray.size() ? d->FDayGroupBoxArray.at(Index)
+                                                             : nullptr;
 }
 
 TDayGroupBox *TDiarPanel::GetDayGroupBox(TDate aDatum) const
 {
-    for (TDayGroupBox *box : FDayGroupBoxArray) {
+    for (TDayGroupBox *box : d->FDayGroupBoxArray) {
         if (SameDate(box->Date(), aDatum))
             return box;
     }
@@ -247,14 +320,14 @@ TDayGroupBox *TDiarPanel::GetDayGroupBox(TDate aDatum) const
 TDayGroupBox *TDiarPanel::GetDayGroupBox(int aDay, qint16 aMonthYear) const
 {
     TDate datum = 0;
-    if (!TryEncodeDate(aMonthYear / 100 + 1900, aMonthYear % 100, aDay, datum))
+    if (!TMesicRok(aMonthYear).TryDate(aDay, datum))
         return nullptr;
     return GetDayGroupBox(datum);
 }
 
 TDayGroupBox *TDiarPanel::ActiveDayGroupBox() const
 {
-    return GetDayGroupBox(FSelectedDay);
+    return GetDayGroupBox(d->model.SelectedDay());
 }
 
 TDayListView *TDiarPanel::DayListView() const
@@ -265,45 +338,45 @@ TDayListView *TDiarPanel::DayListView() const
 
 void TDiarPanel::GenerujBunky()
 {
-    const int count = BoxCountFor(FDiarSize);
-    while (fBoxPool.size() < count)
+    const int count = BoxCountFor(d->model.DiarSize());
+    while (d->fBoxPool.size() < count)
         CreateDayGroupBox();
-    FDayGroupBoxArray = fBoxPool.mid(0, count);
+    d->FDayGroupBoxArray = d->fBoxPool.mid(0, count);
     // Boxes the view does not need wait hidden and empty for another view.
-    for (int i = 0; i < fBoxPool.size(); ++i) {
-        TDayGroupBox *box = fBoxPool.at(i);
+    for (int i = 0; i < d->fBoxPool.size(); ++i) {
+        TDayGroupBox *box = d->fBoxPool.at(i);
         box->setVisible(i < count);
         if (i >= count && box->DayListView()->Count() > 0) {
-            ++fSilentSelection;
+            ++d->fSilentSelection;
             box->Clear();
-            --fSilentSelection;
+            --d->fSilentSelection;
         }
     }
-    fBoxesStale = true;
+    d->fBoxesStale = true;
 }
 
 TDate TDiarPanel::FirstShownDate() const
 {
-    switch (FDiarSize) {
+    switch (d->model.DiarSize()) {
     case dsWorkWeek:
     case dsWeek:
-        return FVisibleDateMin + 1; // the Monday
+        return d->model.VisibleDateMin() + 1; // the Monday
     case dsDay:
     case dsMonth:
         break;
     }
-    return FSelectedDay;
+    return d->model.SelectedDay();
 }
 
 void TDiarPanel::InitDays()
 {
     const TDate first = FirstShownDate();
-    for (int i = 0; i < FDayGroupBoxArray.size(); ++i) {
+    for (int i = 0; i < d->FDayGroupBoxArray.size(); ++i) {
         const TDate datum = first + i;
-        if (fBoxesStale || !SameDate(FDayGroupBoxArray.at(i)->Date(), datum))
+        if (d->fBoxesStale || !SameDate(d->FDayGroupBoxArray.at(i)->Date(), datum))
             SetDayGroupBox(i, datum);
     }
-    fBoxesStale = false;
+    d->fBoxesStale = false;
     UpdateActiveBox();
 }
 
@@ -314,36 +387,41 @@ void TDiarPanel::SetDayGroupBox(int Index, TDate aDatum)
         throw EInvalidOperation(QStringLiteral("Den %1 panel nezobrazuje").arg(Index));
     box->SetDate(DateOf(aDatum));
     FillBox(box);
-    box->SetActive(SameDate(aDatum, FSelectedDay));
+    box->SetActive(SameDate(aDatum, d->model.SelectedDay()));
 }
 
 void TDiarPanel::UpdateActiveBox()
 {
-    for (TDayGroupBox *box : std::as_const(FDayGroupBoxArray)) {
-        const bool active = SameDate(box->Date(), FSelectedDay);
+    for (TDayGroupBox *box : std::as_const(d->FDayGroupBoxArray)) {
+        const bool active = SameDate(box->Date(), d->model.SelectedDay());
         if (box->Active() != active)
             box->SetActive(active);
+    }
+    TDayListView *list = DayListView();
+    if (list != d->fReportedList) {
+        d->fReportedList = list;
+        Q_EMIT dayListViewChanged(list);
     }
 }
 
 void TDiarPanel::RearangeDays()
 {
-    if (!fcanCallReanrangeDay)
+    if (!d->fcanCallReanrangeDay)
         return;
     QRect area = contentsRect();
-    if (FDiarSize == dsMonth && FMonthGrid) {
+    if (d->model.DiarSize() == dsMonth && d->FMonthGrid) {
         int gridHeight = MonthGridHeight();
         if (area.height() - gridHeight < MinBoxHeight)
             gridHeight = std::max(area.height() * 2 / 3, area.height() - MinBoxHeight);
-        FMonthGrid->setGeometry(area.left(), area.top(), area.width(), gridHeight);
+        d->FMonthGrid->setGeometry(area.left(), area.top(), area.width(), gridHeight);
         area.setTop(area.top() + gridHeight);
     }
     // The days side by side, the width shared out evenly.
-    const int count = int(FDayGroupBoxArray.size());
+    const int count = int(d->FDayGroupBoxArray.size());
     int left = area.left();
     for (int i = 0; i < count; ++i) {
         const int width = area.width() / count + (i < area.width() % count ? 1 : 0);
-        FDayGroupBoxArray.at(i)->setGeometry(left, area.top(), width, area.height());
+        d->FDayGroupBoxArray.at(i)->setGeometry(left, area.top(), width, area.height());
         left += width;
     }
 }
@@ -351,11 +429,11 @@ void TDiarPanel::RearangeDays()
 // The height that shows every day of the month without a vertical scroll bar.
 int TDiarPanel::MonthGridHeight() const
 {
-    const int line = FMonthGrid->GridLineWidth();
-    int height = 2 * FMonthGrid->frameWidth()
-                 + style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, FMonthGrid);
-    for (int row = 0; row < FMonthGrid->RowCount(); ++row)
-        height += FMonthGrid->RowHeights(row) + line;
+    const int line = d->FMonthGrid->GridLineWidth();
+    int height = 2 * d->FMonthGrid->frameWidth() +
+        style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, d->FMonthGrid);
+    for (int row = 0; row < d->FMonthGrid->RowCount(); ++row)
+        height += d->FMonthGrid->RowHeights(row) + line;
     return height;
 }
 
@@ -367,56 +445,17 @@ void TDiarPanel::resizeEvent(QResizeEvent *event)
 
 // --- the store -----------------------------------------------------------------
 
-TDate TDiarPanel::RecordDate(const TDayRecord &aZaznam) const
-{
-    return SpocitejDatum(aZaznam.Den, aZaznam.RokMesic);
-}
-
-// Slots before the month count back from its first day, slots after it from
-// the 32nd slot (the month always has 31 of them).
-int TDiarPanel::SlotOfDate(TDate aDatum) const
-{
-    const int first = WholeDays(MonthFirstDate());
-    const int last = first + DaysInAMonth(FMonthYear / 100 + 1900, FMonthYear % 100) - 1;
-    const int day = WholeDays(aDatum);
-    if (day < first)
-        return DnuPred - (first - day);
-    if (day <= last)
-        return DnuPred + (day - first);
-    return DnuPred + 31 + (day - last - 1);
-}
-
-PDayRecord TDiarPanel::FindStored(qint32 aID)
-{
-    for (int slot = 0; slot < fMonthRecords->SlotCount(); ++slot) {
-        if (PDayRecord zaznam = fMonthRecords->FindDayRecord(slot, false, aID))
-            return zaznam;
-    }
-    return nullptr;
-}
-
-bool TDiarPanel::RemoveFromStore(qint32 aID, TDate *aDatum)
-{
-    for (int slot = 0; slot < fMonthRecords->SlotCount(); ++slot) {
-        if (PDayRecord zaznam = fMonthRecords->FindDayRecord(slot, false, aID)) {
-            *aDatum = RecordDate(*zaznam);
-            fMonthRecords->RemoveDayRecord(slot, aID);
-            return true;
-        }
-    }
-    return false;
-}
-
 void TDiarPanel::FillBox(TDayGroupBox *aBox)
 {
     TDayListView *list = aBox->DayListView();
     const TDayRecord *selected = list->SelectedRecord();
     const qint32 selectedID = selected ? selected->ID_DIAR : -1;
-    ++fSilentSelection;
+    ++d->fSilentSelection;
     list->setUpdatesEnabled(false);
     list->Clear();
-    if (!fAddDayRecord) {
-        for (const TDayRecord &zaznam : fMonthRecords->GetDayRecordArray(SlotOfDate(aBox->Date()), false))
+    if (!d->model.IsUpdating()) {
+        for (const TDayRecord &zaznam :
+             d->model.Records().GetDayRecordArray(d->model.SlotOfDate(aBox->Date()), false))
             list->AddItem(zaznam);
         if (selectedID >= 0) {
             if (QTreeWidgetItem *item = list->topLevelItem(list->VratIndexPrvku(selectedID)))
@@ -424,73 +463,65 @@ void TDiarPanel::FillBox(TDayGroupBox *aBox)
         }
     }
     list->setUpdatesEnabled(true);
-    --fSilentSelection;
+    --d->fSilentSelection;
 }
 
 void TDiarPanel::RefreshBoxes()
 {
-    for (TDayGroupBox *box : std::as_const(FDayGroupBoxArray))
+    for (TDayGroupBox *box : std::as_const(d->FDayGroupBoxArray))
         FillBox(box);
-    fMonthGridDirty = true;
-    SyncMonthGrid();
 }
 
 void TDiarPanel::ShowRecordChange(TDate aDatum)
 {
-    if (DateToMesicRok(aDatum) != FMonthYear)
+    if (!d->model.MonthYear().Contains(aDatum))
         return;
     if (!MonthGridShowing()) {
-        fMonthGridDirty = true;
+        d->fMonthGridDirty = true;
         return;
     }
     int year = 0, month = 0, day = 0;
     DecodeDate(aDatum, year, month, day);
-    FMonthGrid->InitVykreslovani(day);
-    FMonthGrid->InvalidateRow(day);
+    d->FMonthGrid->InitVykreslovani(day);
+    d->FMonthGrid->InvalidateRow(day);
+}
+
+void TDiarPanel::ShowEntryAdded(const TDayRecord &aZaznam, TDate aDatum)
+{
+    if (TDayGroupBox *box = GetDayGroupBox(aDatum)) {
+        ++d->fSilentSelection;
+        box->DayListView()->AddItem(aZaznam);
+        --d->fSilentSelection;
+    }
+}
+
+void TDiarPanel::ShowEntryRemoved(qint32 aID, TDate aDatum)
+{
+    if (TDayGroupBox *box = GetDayGroupBox(aDatum)) {
+        ++d->fSilentSelection;
+        box->DayListView()->RemoveItem(aID);
+        --d->fSilentSelection;
+    }
 }
 
 void TDiarPanel::AddDayRecord(const TDayRecord &aZaznam)
 {
-    const TDate datum = RecordDate(aZaznam);
-    const int slot = SlotOfDate(datum);
-    if (slot < 0 || slot >= fMonthRecords->SlotCount())
-        return;
-    fMonthRecords->AddDayRecord(aZaznam, slot);
-    if (fAddDayRecord)
-        return;
-    if (TDayGroupBox *box = GetDayGroupBox(datum)) {
-        ++fSilentSelection;
-        box->DayListView()->AddItem(aZaznam);
-        --fSilentSelection;
-    }
-    ShowRecordChange(datum);
+    d->model.Add(aZaznam);
 }
 
 void TDiarPanel::AddDayRecord_BeginUpdate()
 {
-    ++fAddDayRecord;
+    d->model.BeginUpdate();
 }
 
 void TDiarPanel::AddDayRecord_EndUpdate()
 {
-    if (fAddDayRecord == 0 || --fAddDayRecord > 0)
-        return;
-    RefreshBoxes();
+    d->model.EndUpdate();
 }
 
 void TDiarPanel::RemoveDayRecord(const TDayRecord &aZaznam)
 {
-    TDate datum = 0;
-    if (!RemoveFromStore(aZaznam.ID_DIAR, &datum))
-        return;
-    if (fAddDayRecord)
-        return;
-    if (TDayGroupBox *box = GetDayGroupBox(datum)) {
-        ++fSilentSelection;
-        box->DayListView()->RemoveItem(aZaznam.ID_DIAR);
-        --fSilentSelection;
-    }
-    ShowRecordChange(datum);
+    d->model.Remove(aZaznam.ID_DIAR);
 }
 
 void TDiarPanel::ChangeDayRecord(const TDayRecord &aZaznam)
@@ -504,17 +535,12 @@ void TDiarPanel::ChangeDayRecord(const TDayRecord &aZaznam)
 
 bool TDiarPanel::RemoveRecords(QStringList &aList)
 {
-    const bool removed = fMonthRecords->RemoveRecords(aList);
-    if (removed && !fAddDayRecord)
-        RefreshBoxes();
-    return removed;
+    return d->model.RemoveRecords(aList);
 }
 
 void TDiarPanel::Clear()
 {
-    fMonthRecords->Clear();
-    if (!fAddDayRecord)
-        RefreshBoxes();
+    d->model.Clear();
 }
 
 const TDayRecord *TDiarPanel::GetSelectedItem() const
@@ -535,52 +561,52 @@ bool TDiarPanel::SelectItem(qint32 aID)
     QTreeWidgetItem *item = list ? list->topLevelItem(list->VratIndexPrvku(aID)) : nullptr;
     if (!item)
         return false;
-    ++fSilentSelection;
+    ++d->fSilentSelection;
     list->setCurrentItem(item);
-    --fSilentSelection;
+    --d->fSilentSelection;
     return true;
 }
 
 bool TDiarPanel::IsDayEmpty(TDate aDatum) const
 {
-    return fMonthRecords->IsDayEmpty(SlotOfDate(aDatum));
+    return d->model.Records().IsDayEmpty(d->model.SlotOfDate(aDatum));
 }
 
 void TDiarPanel::getAktualniPocty(TCalDaysArray &aktMesic) const
 {
-    fMonthRecords->getAktualniPocty(aktMesic);
+    d->model.Records().getAktualniPocty(aktMesic);
 }
 
 int TDiarPanel::getZaznamyCount(int aDen) const
 {
-    return fMonthRecords->getZaznamyCount(aDen);
+    return d->model.Records().getZaznamyCount(aDen);
 }
 
 QList<PDayRecord> TDiarPanel::returnRecords(TTime casOd, TTime casDo)
 {
-    return fMonthRecords->FindDayRecord(FDay, casOd, casDo);
+    return d->model.Records().FindDayRecord(d->model.Day(), casOd, casDo);
 }
 
 // --- settings ------------------------------------------------------------------
 
 void TDiarPanel::SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni)
 {
-    FDiarNastaveni = aDiarNastaveni;
+    d->FDiarNastaveni = aDiarNastaveni;
     const int minut = aDiarNastaveni.minutDilek;
     const int dilek = minut > 0 && minut <= 60 && 60 % minut == 0 ? minut : 15;
-    if (dilek != fDilekMinut) {
-        fDilekMinut = dilek;
+    if (dilek != d->fDilekMinut) {
+        d->fDilekMinut = dilek;
         // The grid's columns are fixed by its slot length: a new grid.
         DiscardMonthGrid();
-        if (FDiarSize == dsMonth) {
+        if (d->model.DiarSize() == dsMonth) {
             EnsureMonthGrid();
-            FMonthGrid->show();
+            d->FMonthGrid->show();
             RearangeDays();
         }
     }
-    if (FMonthGrid) {
-        FMonthGrid->SetDiarNastaveni(FDiarNastaveni);
-        fMonthGridDirty = true;
+    if (d->FMonthGrid) {
+        d->FMonthGrid->SetDiarNastaveni(d->FDiarNastaveni);
+        d->fMonthGridDirty = true;
         SyncMonthGrid();
     }
 }
@@ -589,101 +615,120 @@ void TDiarPanel::SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni)
 
 TMonthGrid *TDiarPanel::MonthGrid() const
 {
-    return FMonthGrid;
+    return d->FMonthGrid;
 }
 
 void TDiarPanel::EnsureMonthGrid()
 {
-    if (FMonthGrid)
+    if (d->FMonthGrid)
         return;
-    FMonthGrid = new TMonthGrid(this, fDilekMinut);
-    FMonthGrid->setObjectName(QStringLiteral("MonthGrid"));
-    FMonthGrid->SetDiarNastaveni(FDiarNastaveni);
-    FMonthGrid->SetZaznamy(fMonthRecords.get());
-    FMonthGrid->OnSelectCell = [this](QObject *Sender, int ACol, int ARow, bool &CanSelect) {
+    auto *grid = new TMonthGrid(this, d->fDilekMinut);
+    d->FMonthGrid = grid;
+    grid->setObjectName(QStringLiteral("MonthGrid"));
+    grid->SetDiarNastaveni(d->FDiarNastaveni);
+    grid->SetZaznamy(&d->model.Records());
+    grid->OnSelectCell = [this](QObject *Sender, int ACol, int ARow, bool &CanSelect) {
         OnMonthGridSelectCell(Sender, ACol, ARow, CanSelect);
     };
-    FMonthGrid->OnClick = [this](QObject *Sender) {
-        if (!fFollowingGrid && Sender == FMonthGrid)
-            FireDayClick(FSelectedDay);
+    grid->OnClick = [this](QObject *Sender) {
+        if (Sender == d->FMonthGrid)
+            FireDayClick(d->model.SelectedDay());
     };
-    FMonthGrid->OnDblClick = [this](QObject *Sender) { OnMonthGridDblClick(Sender); };
-    FMonthGrid->OnKeyDown = [this](QObject *Sender, Word &Key, TShiftState Shift) {
+    grid->OnDblClick = [this](QObject *Sender) { OnMonthGridDblClick(Sender); };
+    grid->OnKeyDown = [this](QObject *Sender, Word &Key, TShiftState Shift) {
         OnMonthGridKeyDown(Sender, Key, Shift);
     };
-    fMonthGridDirty = true;
+    // The grid observes the model on its own; these end with the grid.
+    connect(&d->model, &TDiarModel::periodChanged, grid, [this](bool aMonthChanged) {
+        if (aMonthChanged)
+            d->fMonthGridDirty = true;
+        SyncMonthGrid();
+    });
+    connect(&d->model, &TDiarModel::entryAdded, grid,
+            [this](const TDayRecord &, double aDatum) { ShowRecordChange(aDatum); });
+    connect(&d->model, &TDiarModel::entryRemoved, grid,
+            [this](qint32, double aDatum) { ShowRecordChange(aDatum); });
+    connect(&d->model, &TDiarModel::entriesReset, grid, [this] {
+        d->fMonthGridDirty = true;
+        SyncMonthGrid();
+    });
+    d->fMonthGridDirty = true;
     SyncMonthGrid();
 }
 
 void TDiarPanel::DiscardMonthGrid()
 {
-    if (!FMonthGrid)
+    if (!d->FMonthGrid)
         return;
-    TMonthGrid *grid = FMonthGrid;
-    FMonthGrid = nullptr;
+    TMonthGrid *grid = d->FMonthGrid;
+    d->FMonthGrid = nullptr;
     grid->hide();
-    grid->SetZaznamy(nullptr);
-    grid->OnSelectCell = nullptr;
-    grid->OnClick = nullptr;
-    grid->OnDblClick = nullptr;
-    grid->OnKeyDown = nullptr;
+    UnhookMonthGrid(grid);
     // It may be the grid whose handler got here.
     grid->deleteLater();
+}
+
+// Cuts the grid off the panel and its model.
+void TDiarPanel::UnhookMonthGrid(TMonthGrid *aGrid)
+{
+    d->model.disconnect(aGrid);
+    aGrid->SetZaznamy(nullptr);
+    aGrid->OnSelectCell = nullptr;
+    aGrid->OnClick = nullptr;
+    aGrid->OnDblClick = nullptr;
+    aGrid->OnKeyDown = nullptr;
 }
 
 // Brings the grid to the selected day and, when the store changed, rebuilds
 // its cells. A grid that is not shown waits until it is.
 void TDiarPanel::SyncMonthGrid()
 {
-    if (!FMonthGrid || FDiarSize != dsMonth)
+    if (!d->FMonthGrid || d->model.DiarSize() != dsMonth)
         return;
-    if (!fFollowingGrid) {
-        fFollowingGrid = true;
-        FMonthGrid->SetDatum(FSelectedDay);
-        fFollowingGrid = false;
-    }
-    if (fMonthGridDirty && !fAddDayRecord) {
-        fMonthGridDirty = false;
-        FMonthGrid->Init();
-        FMonthGrid->InvalidateGrid();
+    // A date the grid already shows (its own row) changes nothing.
+    d->FMonthGrid->SetDatum(d->model.SelectedDay());
+    if (d->fMonthGridDirty && !d->model.IsUpdating()) {
+        d->fMonthGridDirty = false;
+        d->FMonthGrid->Init();
+        d->FMonthGrid->InvalidateGrid();
     }
 }
 
 TTime TDiarPanel::getMonthGridSelectStartTime() const
 {
-    if (!FMonthGrid)
+    if (!d->FMonthGrid)
         throw Exception(QStringLiteral("MonthGrid je nil"));
-    return FMonthGrid->GetSelCellStartTime();
+    return d->FMonthGrid->GetSelCellStartTime();
 }
 
 TTime TDiarPanel::getMonthGridSelectEndTime() const
 {
-    if (!FMonthGrid)
+    if (!d->FMonthGrid)
         throw Exception(QStringLiteral("MonthGrid je nil"));
-    return FMonthGrid->GetSelCellEndTime();
+    return d->FMonthGrid->GetSelCellEndTime();
 }
 
 void TDiarPanel::PrekresliUdajMesice(TTime CasOd, TTime CasDo)
 {
-    if (FMonthGrid)
-        FMonthGrid->PrekresliUdaj(CasOd, CasDo);
+    if (d->FMonthGrid)
+        d->FMonthGrid->PrekresliUdaj(CasOd, CasDo);
 }
 
 void TDiarPanel::MonthGridInvalidate()
 {
-    if (FMonthGrid)
-        FMonthGrid->prekresliGrid();
+    if (d->FMonthGrid)
+        d->FMonthGrid->prekresliGrid();
 }
 
 bool TDiarPanel::MonthGridShowing() const
 {
-    return FMonthGrid && FDiarSize == dsMonth && !FMonthGrid->isHidden();
+    return d->FMonthGrid && d->model.DiarSize() == dsMonth && !d->FMonthGrid->isHidden();
 }
 
 void TDiarPanel::AktivujCasMesice(TTime aCas)
 {
-    if (FMonthGrid)
-        FMonthGrid->AktivujCas(aCas);
+    if (d->FMonthGrid)
+        d->FMonthGrid->AktivujCas(aCas);
 }
 
 // The grid's row is the selected day: a row chosen by the user, with the
@@ -692,18 +737,17 @@ void TDiarPanel::OnMonthGridSelectCell(QObject *Sender, int ACol, int ARow, bool
 {
     Q_UNUSED(ACol);
     Q_UNUSED(CanSelect);
-    if (fFollowingGrid || Sender != FMonthGrid || ARow < 1 || ARow == FDay)
+    if (Sender != d->FMonthGrid || ARow < 1 || ARow == d->model.Day())
         return;
-    const QScopedValueRollback following(fFollowingGrid, true);
-    GotoDate(ARow, FMonthYear);
+    GotoDate(ARow, d->model.MonthYear().Packed());
 }
 
 void TDiarPanel::OnMonthGridDblClick(QObject *Sender)
 {
     Q_UNUSED(Sender);
-    if (FReadOnly || !FMonthGrid)
+    if (d->FReadOnly || !d->FMonthGrid)
         return;
-    fMonthGridMenu->clear();
+    d->fMonthGridMenu->clear();
     TDayRecordArray zaznamy;
     for (PDayRecord zaznam :
          returnRecords(getMonthGridSelectStartTime(), getMonthGridSelectEndTime()))
@@ -711,28 +755,28 @@ void TDiarPanel::OnMonthGridDblClick(QObject *Sender)
 
     if (zaznamy.empty()) {
         if (OnDayDblClick)
-            Safely([this] { OnDayDblClick(this, FSelectedDay); });
+            Safely([this] { OnDayDblClick(this, d->model.SelectedDay()); });
         return;
     }
     if (zaznamy.size() == 1) {
-        OpenEntry(FMonthGrid, zaznamy.front());
+        OpenEntry(d->FMonthGrid, zaznamy.front());
         return;
     }
     int number = 0;
     for (const TDayRecord &zaznam : zaznamy) {
-        QAction *item = fMonthGridMenu->addAction(MenuCaption(zaznam));
+        QAction *item = d->fMonthGridMenu->addAction(MenuCaption(zaznam));
         item->setObjectName(QStringLiteral("MenuItem%1").arg(++number));
         item->setData(zaznam.ID_DIAR);
         const qint32 id = zaznam.ID_DIAR;
         connect(item, &QAction::triggered, this, [this, id] {
             // The entry as it is stored now; one deleted meanwhile opens nothing.
-            if (PDayRecord stored = FindStored(id)) {
+            if (PDayRecord stored = d->model.Find(id)) {
                 const TDayRecord copy = *stored;
-                OpenEntry(FMonthGrid, copy);
+                OpenEntry(d->FMonthGrid, copy);
             }
         });
     }
-    fMonthGridMenu->popup(QCursor::pos());
+    d->fMonthGridMenu->popup(QCursor::pos());
 }
 
 void TDiarPanel::OnMonthGridKeyDown(QObject *Sender, Word &Key, TShiftState Shift)
@@ -741,8 +785,8 @@ void TDiarPanel::OnMonthGridKeyDown(QObject *Sender, Word &Key, TShiftState Shif
     // The grid moves its row and slot itself; the panel only adds Insert.
     if (Key == VK_INSERT) {
         Key = 0;
-        if (!FReadOnly && OnDayInsertEvent)
-            Safely([this, Sender] { OnDayInsertEvent(Sender, FSelectedDay); });
+        if (!d->FReadOnly && OnDayInsertEvent)
+            Safely([this, Sender] { OnDayInsertEvent(Sender, d->model.SelectedDay()); });
     }
 }
 
@@ -756,10 +800,10 @@ void TDiarPanel::FireDayClick(TDate aDate)
 
 void TDiarPanel::SelectBoxDay(TDayGroupBox *aBox)
 {
-    if (!FDayGroupBoxArray.contains(aBox))
+    if (!d->FDayGroupBoxArray.contains(aBox))
         return;
     GotoDate(aBox->Date());
-    FireDayClick(FSelectedDay);
+    FireDayClick(d->model.SelectedDay());
 }
 
 void TDiarPanel::DayDeleteEvent(QObject *Sender, PDayRecord aData, bool &AllowDelete)
@@ -778,19 +822,19 @@ void TDiarPanel::OnDayResize(QObject *Sender)
 void TDiarPanel::DoubleClickDayEvent(QObject *Sender, const TDayRecord &aZaznam)
 {
     // The box opens its selected entry; below the entries the user meant the day.
-    if (!fDblClickOnItem)
+    if (!d->fDblClickOnItem)
         return;
     OpenEntry(Sender, aZaznam);
 }
 
 void TDiarPanel::OpenEntry(QObject *Sender, const TDayRecord &aZaznam)
 {
-    if (FReadOnly)
+    if (d->FReadOnly)
         return;
     if (OnDoubleClickItemEvent) {
         Safely([&] { OnDoubleClickItemEvent(Sender, aZaznam); });
-    } else if (FDiarNastaveni.dblklikSchuzkaChangePac && aZaznam.TABULKA_REFERENCE == zkPacient
-               && OnChangePacient) {
+    } else if (d->FDiarNastaveni.dblklikSchuzkaChangePac &&
+               aZaznam.TABULKA_REFERENCE == zkPacient && OnChangePacient) {
         Safely([&] { OnChangePacient(this, aZaznam); });
     } else if (OnDayEditEvent) {
         Safely([&] { OnDayEditEvent(this, aZaznam); });
@@ -800,7 +844,7 @@ void TDiarPanel::OpenEntry(QObject *Sender, const TDayRecord &aZaznam)
 void TDiarPanel::ListSelectionChanged(TDayListView *aList, const QItemSelection &aSelected,
                                       const QItemSelection &aDeselected)
 {
-    if (fSilentSelection || !OnDaySelectItemEvent)
+    if (d->fSilentSelection || !OnDaySelectItemEvent)
         return;
     const auto report = [this, aList](const QItemSelection &selection, bool selected) {
         for (const QModelIndex &index : selection.indexes()) {
@@ -821,7 +865,7 @@ void TDiarPanel::ListSelectionChanged(TDayListView *aList, const QItemSelection 
 // day and month views (the month grid has a row per day). 0 for other keys.
 int TDiarPanel::DayStep(Word Key) const
 {
-    const bool weekView = FDiarSize == dsWorkWeek || FDiarSize == dsWeek;
+    const bool weekView = d->model.DiarSize() == dsWorkWeek || d->model.DiarSize() == dsWeek;
     switch (Key) {
     case VK_LEFT:
         return -1;
@@ -840,7 +884,7 @@ int TDiarPanel::DayStep(Word Key) const
 TDate TDiarPanel::StepDate(TDate aFrom, int aStep) const
 {
     TDate datum = DateOf(aFrom) + aStep;
-    if (FDiarSize == dsWorkWeek && IsWeekend(datum)) {
+    if (d->model.DiarSize() == dsWorkWeek && IsWeekend(datum)) {
         const int dow = DayOfTheWeek(datum);
         datum = aStep > 0 ? datum + (8 - dow) : datum - (dow - 5);
     }
@@ -850,10 +894,11 @@ TDate TDiarPanel::StepDate(TDate aFrom, int aStep) const
 void TDiarPanel::OnDayMove(QObject *Sender, Word &Key, TShiftState Shift)
 {
     auto *box = qobject_cast<TDayGroupBox *>(Sender);
-    const TDate from = box && FDayGroupBoxArray.contains(box) ? box->Date() : FSelectedDay;
+    const TDate from =
+        box && d->FDayGroupBoxArray.contains(box) ? box->Date() : d->model.SelectedDay();
     if (Key == VK_INSERT) {
         Key = 0;
-        if (!FReadOnly && OnDayInsertEvent)
+        if (!d->FReadOnly && OnDayInsertEvent)
             Safely([&] { OnDayInsertEvent(this, from); });
         return;
     }
@@ -875,7 +920,7 @@ void TDiarPanel::OnDayMove(QObject *Sender, Word &Key, TShiftState Shift)
         return;
     }
     GotoDate(StepDate(from, step));
-    FireDayClick(FSelectedDay);
+    FireDayClick(d->model.SelectedDay());
     FocusActiveList();
 }
 
@@ -895,7 +940,7 @@ bool TDiarPanel::MoveEntry(const TDayRecord &aZaznam, TDate aTarget, bool aByDra
     DecodeDate(aTarget, year, month, day);
     TDayRecord nove = aZaznam;
     nove.Den = qint16(day);
-    nove.RokMesic = DateToMesicRok(aTarget);
+    nove.RokMesic = TMesicRok::FromDate(aTarget).Packed();
 
     bool allow = true;
     if (OnDayItemBeforeMoveEvent)
@@ -913,7 +958,7 @@ bool TDiarPanel::MoveEntry(const TDayRecord &aZaznam, TDate aTarget, bool aByDra
 void TDiarPanel::MoveEntryByKey(TDayGroupBox *aBox, int aStep)
 {
     const TDayRecord *selected = aBox->DayListView()->SelectedRecord();
-    if (FReadOnly || !selected)
+    if (d->FReadOnly || !selected)
         return;
     const TDayRecord zaznam = *selected;
     const TDate target = StepDate(aBox->Date(), aStep);
@@ -922,48 +967,48 @@ void TDiarPanel::MoveEntryByKey(TDayGroupBox *aBox, int aStep)
     // The entry stays under the cursor: its new day becomes the selected one.
     GotoDate(target);
     SelectItem(zaznam.ID_DIAR);
-    FireDayClick(FSelectedDay);
+    FireDayClick(d->model.SelectedDay());
     FocusActiveList();
 }
 
 bool TDiarPanel::CanDropOn(TDayGroupBox *aBox) const
 {
-    if (FReadOnly || !fDragID || !FDayGroupBoxArray.contains(aBox))
+    if (d->FReadOnly || !d->fDragID || !d->FDayGroupBoxArray.contains(aBox))
         return false;
-    PDayRecord zaznam = const_cast<TDiarPanel *>(this)->FindStored(*fDragID);
-    return zaznam && !SameDate(RecordDate(*zaznam), aBox->Date());
+    PDayRecord zaznam = d->model.Find(*d->fDragID);
+    return zaznam && !SameDate(TDiarModel::RecordDate(*zaznam), aBox->Date());
 }
 
 void TDiarPanel::DropOn(TDayGroupBox *aBox)
 {
     if (!CanDropOn(aBox))
         return;
-    const TDayRecord zaznam = *FindStored(*fDragID);
-    fDragID.reset();
+    const TDayRecord zaznam = *d->model.Find(*d->fDragID);
+    d->fDragID.reset();
     const TDate target = aBox->Date();
     if (!MoveEntry(zaznam, target, true))
         return;
     GotoDate(target);
     SelectItem(zaznam.ID_DIAR);
-    FireDayClick(FSelectedDay);
+    FireDayClick(d->model.SelectedDay());
 }
 
 // --- popup menu ----------------------------------------------------------------
 
 void TDiarPanel::ShowEntryMenu(TDayGroupBox *aBox, const QPoint &aViewportPos)
 {
-    if (!FDayGroupBoxArray.contains(aBox))
+    if (!d->FDayGroupBoxArray.contains(aBox))
         return;
     if (!aBox->Active())
         SelectBoxDay(aBox);
-    fPopUpMenu->popup(aBox->DayListView()->viewport()->mapToGlobal(aViewportPos));
+    d->fPopUpMenu->popup(aBox->DayListView()->viewport()->mapToGlobal(aViewportPos));
 }
 
 void TDiarPanel::fPopUpMenuOnPopUp()
 {
     const TDayRecord *selected = GetSelectedItem();
-    fMenuItemEdit->setEnabled(selected != nullptr);
-    fMenuItemPacient->setEnabled(selected && selected->TABULKA_REFERENCE == zkPacient);
+    d->fMenuItemEdit->setEnabled(selected != nullptr);
+    d->fMenuItemPacient->setEnabled(selected && selected->TABULKA_REFERENCE == zkPacient);
 }
 
 void TDiarPanel::MenuItemEventEditovat()
@@ -994,26 +1039,26 @@ void TDiarPanel::MoveSelectionByWheel(int aSteps)
     for (; aSteps != 0; aSteps += aSteps > 0 ? -1 : 1) {
         TDate target = 0;
         if (aSteps > 0) {
-            if (WholeDays(FSelectedDay) >= WholeDays(FVisibleDateMax))
+            if (WholeDays(d->model.SelectedDay()) >= WholeDays(d->model.VisibleDateMax()))
                 break;
-            target = StepDate(FSelectedDay, 1);
+            target = StepDate(d->model.SelectedDay(), 1);
         } else {
-            target = StepDate(FSelectedDay, -1);
-            if (FDay == 1 || DateToMesicRok(target) != FMonthYear)
+            target = StepDate(d->model.SelectedDay(), -1);
+            if (d->model.Day() == 1 || !d->model.MonthYear().Contains(target))
                 break;
         }
         GotoDate(target);
         moved = true;
     }
     if (moved)
-        FireDayClick(FSelectedDay);
+        FireDayClick(d->model.SelectedDay());
 }
 
 void TDiarPanel::wheelEvent(QWheelEvent *event)
 {
-    fWheelDelta += event->angleDelta().y();
-    const int steps = fWheelDelta / WheelStep;
-    fWheelDelta -= steps * WheelStep;
+    d->fWheelDelta += event->angleDelta().y();
+    const int steps = d->fWheelDelta / WheelStep;
+    d->fWheelDelta -= steps * WheelStep;
     // Rolling the wheel towards the user (a negative delta) goes later.
     MoveSelectionByWheel(-steps);
     event->accept();
@@ -1027,7 +1072,7 @@ bool TDiarPanel::eventFilter(QObject *watched, QEvent *event)
         list = qobject_cast<TDayListView *>(watched->parent());
         box = list ? list->DayGroupBox() : nullptr;
     }
-    if (!box || !FDayGroupBoxArray.contains(box))
+    if (!box || !d->FDayGroupBoxArray.contains(box))
         return TWinControl<QFrame>::eventFilter(watched, event);
 
     switch (event->type()) {
@@ -1040,9 +1085,9 @@ bool TDiarPanel::eventFilter(QObject *watched, QEvent *event)
         // The list asks the panel about the drop; the entry is in the data.
         qint32 id = 0;
         if (TTextDragObject::DraggedID(static_cast<QDropEvent *>(event)->mimeData(), id))
-            fDragID = id;
+            d->fDragID = id;
         else
-            fDragID.reset();
+            d->fDragID.reset();
         break;
     }
     case QEvent::MouseButtonRelease:
@@ -1054,8 +1099,8 @@ bool TDiarPanel::eventFilter(QObject *watched, QEvent *event)
     case QEvent::MouseButtonDblClick: {
         const auto *mouse = static_cast<QMouseEvent *>(event);
         const bool onItem = list && list->itemAt(mouse->position().toPoint());
-        fDblClickOnItem = onItem;
-        if (mouse->button() == Qt::LeftButton && !onItem && !FReadOnly && OnDayDblClick) {
+        d->fDblClickOnItem = onItem;
+        if (mouse->button() == Qt::LeftButton && !onItem && !d->FReadOnly && OnDayDblClick) {
             const TDate datum = box->Date();
             Safely([this, datum] { OnDayDblClick(this, datum); });
         }

@@ -8,11 +8,9 @@
 
 #include <QFrame>
 #include <QList>
-#include <QPointer>
 
 #include <functional>
 #include <memory>
-#include <optional>
 
 class QAction;
 class QItemSelection;
@@ -21,6 +19,7 @@ class QTreeWidgetItem;
 
 namespace oxa {
 
+class TDiarPanelPrivate;
 class TMonthGrid;
 
 // The events of the diary panel. Sender is the panel or the control of the
@@ -35,7 +34,8 @@ using TOnDayMoveEvent = std::function<void(QObject *Sender, const TDayRecord &Ol
 // Allow comes in as true; false keeps the entry where it is.
 using TOnDayBeforeMoveEvent = std::function<void(QObject *Sender, const TDayRecord &OldDayRecord,
                                                  const TDayRecord &NewDayRecord, bool &Allow)>;
-using TOnDaySelectItemEvent = std::function<void(QObject *Sender, QTreeWidgetItem *Item, bool Selected)>;
+using TOnDaySelectItemEvent =
+    std::function<void(QObject *Sender, QTreeWidgetItem *Item, bool Selected)>;
 
 // The diary control: the entries of a day, a work week, a week or a month,
 // shown as day boxes (TDayGroupBox) and, in the month view, as the month
@@ -55,10 +55,10 @@ using TOnDaySelectItemEvent = std::function<void(QObject *Sender, QTreeWidgetIte
 class OXA_EXPORT TDiarPanel : public TWinControl<QFrame>, public TDayGroupBoxHost
 {
     Q_OBJECT
-    Q_PROPERTY(oxa::TDayListView *DayListView READ DayListView)
-    Q_PROPERTY(oxa::TDiarSize DiarSize READ DiarSize WRITE SetDiarSize)
-    Q_PROPERTY(int MonthYear READ MonthYear WRITE SetMonthYear)
-    Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE SetReadOnly)
+    Q_PROPERTY(oxa::TDayListView *DayListView READ DayListView NOTIFY dayListViewChanged)
+    Q_PROPERTY(oxa::TDiarSize DiarSize READ DiarSize WRITE SetDiarSize NOTIFY diarSizeChanged)
+    Q_PROPERTY(int MonthYear READ MonthYear WRITE SetMonthYear NOTIFY monthYearChanged)
+    Q_PROPERTY(bool ReadOnly READ ReadOnly WRITE SetReadOnly NOTIFY readOnlyChanged)
 
 public:
     // Days the store keeps before and after the month.
@@ -69,18 +69,18 @@ public:
     ~TDiarPanel() override;
 
     // --- the shown period -------------------------------------------------
-    TDiarSize DiarSize() const { return FDiarSize; }
+    TDiarSize DiarSize() const;
     void SetDiarSize(TDiarSize Value);
 
     // The selected day: its day of the month and its packed month.
-    int Day() const { return FDay; }
-    qint16 MonthYear() const { return FMonthYear; }
+    int Day() const;
+    qint16 MonthYear() const;
     void SetMonthYear(int Value) { GotoMonth(qint16(Value)); }
-    TDate SelectedDay() const { return FSelectedDay; }
+    TDate SelectedDay() const;
     // The day before the first day shown and the last day shown
     // (FirstVisibleDate, LastVisibleDate).
-    TDate VisibleDateMin() const { return FVisibleDateMin; }
-    TDate VisibleDateMax() const { return FVisibleDateMax; }
+    TDate VisibleDateMin() const;
+    TDate VisibleDateMax() const;
     // The days whose entries the store keeps.
     TDate DataDateMin() const;
     TDate DataDateMax() const;
@@ -95,7 +95,7 @@ public:
     void GotoMonth(qint16 aMonthYear);
 
     // --- the day boxes ----------------------------------------------------
-    int DayGroupBoxCount() const { return int(FDayGroupBoxArray.size()); }
+    int DayGroupBoxCount() const;
     TDayGroupBox *DayGroupBox(int Index) const;
     // The box showing the date (the time of day is ignored), or null.
     TDayGroupBox *GetDayGroupBox(TDate aDatum) const;
@@ -122,7 +122,7 @@ public:
     // Between these two, AddDayRecord only stores; EndUpdate shows all.
     void AddDayRecord_BeginUpdate();
     void AddDayRecord_EndUpdate();
-    bool IsUpdating() const { return fAddDayRecord > 0; }
+    bool IsUpdating() const;
     // Removes the entry with the record's key from the store and its box.
     void RemoveDayRecord(const TDayRecord &aZaznam) override;
     // Puts the record in place of the stored entry with its key (also on
@@ -145,7 +145,7 @@ public:
     void getAktualniPocty(TCalDaysArray &aktMesic) const;
     int getZaznamyCount(int aDen) const;
     QList<PDayRecord> returnRecords(TTime casOd, TTime casDo);
-    const TMonthArray &Records() const { return *fMonthRecords; }
+    const TMonthArray &Records() const;
 
     // --- the month grid ---------------------------------------------------
     // The month grid; null until the month view is first shown.
@@ -158,27 +158,27 @@ public:
     bool MonthGridShowing() const;
     void AktivujCasMesice(TTime aCas);
     // The menu of the entries under the last double click on the month grid.
-    QMenu *MonthGridMenu() const { return fMonthGridMenu; }
+    QMenu *MonthGridMenu() const;
 
     // --- settings ---------------------------------------------------------
-    const TDiarNastaveni &DiarNastaveni() const { return FDiarNastaveni; }
+    const TDiarNastaveni &DiarNastaveni() const;
     void SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni);
     // Minutes per slot of the month grid: the settings' minutDilek when it
     // divides an hour, else 15.
-    int DilekMinut() const { return fDilekMinut; }
+    int DilekMinut() const;
 
-    bool ReadOnly() const override { return FReadOnly; }
-    void SetReadOnly(bool Value) { FReadOnly = Value; }
+    bool ReadOnly() const override;
+    void SetReadOnly(bool Value);
 
-    QObject *Application() const { return FApplication; }
-    void SetApplication(QObject *Application) { FApplication = Application; }
-    int PopUpIndex() const { return FPopUpIndex; }
-    void SetPopUpIndex(int Value) { FPopUpIndex = Value; }
+    QObject *Application() const;
+    void SetApplication(QObject *Application);
+    int PopUpIndex() const;
+    void SetPopUpIndex(int Value);
 
     // The entries' popup menu and its two items.
-    QMenu *PopupMenu() const { return fPopUpMenu; }
-    QAction *MenuItemEdit() const { return fMenuItemEdit; }
-    QAction *MenuItemPacient() const { return fMenuItemPacient; }
+    QMenu *PopupMenu() const;
+    QAction *MenuItemEdit() const;
+    QAction *MenuItemPacient() const;
 
     // --- TDayGroupBoxHost -------------------------------------------------
     void DayDeleteEvent(QObject *Sender, PDayRecord aData, bool &AllowDelete) override;
@@ -209,6 +209,11 @@ Q_SIGNALS:
     // The selected day moved into another month and the store was emptied:
     // load the entries of DataDateMin..DataDateMax.
     void monthYearChanged(int MonthYear);
+    // The view changed (DiarSize).
+    void diarSizeChanged(oxa::TDiarSize DiarSize);
+    // The active box, and with it the list of DayListView, changed.
+    void dayListViewChanged(oxa::TDayListView *DayListView);
+    void readOnlyChanged(bool ReadOnly);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -230,15 +235,14 @@ private:
     int BoxCountFor(TDiarSize aSize) const;
     int MonthGridHeight() const;
     TDate FirstShownDate() const;
-    int SlotOfDate(TDate aDatum) const;
-    TDate RecordDate(const TDayRecord &aZaznam) const;
-    TDate MonthFirstDate() const;
     void FillBox(TDayGroupBox *aBox);
     void RefreshBoxes();
     void UpdateActiveBox();
     void ShowRecordChange(TDate aDatum);
-    bool RemoveFromStore(qint32 aID, TDate *aDatum);
-    PDayRecord FindStored(qint32 aID);
+    void ShowPeriod(bool aMonthChanged);
+    void ShowNewMonth();
+    void ShowEntryAdded(const TDayRecord &aZaznam, TDate aDatum);
+    void ShowEntryRemoved(qint32 aID, TDate aDatum);
 
     void SelectBoxDay(TDayGroupBox *aBox);
     void FireDayClick(TDate aDate);
@@ -258,37 +262,11 @@ private:
 
     void EnsureMonthGrid();
     void DiscardMonthGrid();
+    void UnhookMonthGrid(TMonthGrid *aGrid);
     void SyncMonthGrid();
 
-
-    int FDay = 0;
-    qint16 FMonthYear = 0;
-    TDiarSize FDiarSize = dsWeek;
-    std::unique_ptr<TMonthArray> fMonthRecords;
-    QList<TDayGroupBox *> FDayGroupBoxArray; // the boxes of the current view
-    QList<TDayGroupBox *> fBoxPool;          // every box created, shown or not
-    TDiarNastaveni FDiarNastaveni;
-    TDate FSelectedDay = 0;
-    TDate FVisibleDateMin = 0;
-    TDate FVisibleDateMax = 0;
-    QPointer<QObject> FApplication;
-    int FPopUpIndex = 0;
-    int fAddDayRecord = 0;
-    QMenu *fPopUpMenu = nullptr;
-    QAction *fMenuItemEdit = nullptr;
-    QAction *fMenuItemPacient = nullptr;
-    QMenu *fMonthGridMenu = nullptr;
-    bool FReadOnly = false;
-    int fDilekMinut = 15;
-    bool fcanCallReanrangeDay = false;
-    bool fDblClickOnItem = true;  // the last double click in a list hit an entry
-    bool fBoxesStale = true;      // every box needs its date and entries anew
-    int fSilentSelection = 0;     // selection changes made by the panel itself
-    int fWheelDelta = 0;          // wheel rotation not yet turned into days
-    std::optional<qint32> fDragID; // the entry of the drag over a list
-    bool fMonthGridDirty = true;  // the grid's cells lag behind the store
-    bool fFollowingGrid = false;  // the panel itself moves the grid's row
-    TMonthGrid *FMonthGrid = nullptr;
+    friend class TDiarPanelPrivate;
+    std::unique_ptr<TDiarPanelPrivate> const d;
 };
 
 } // namespace oxa

@@ -1,8 +1,41 @@
-#include "oxa/diary/DiarShared.h"
+#include "oxa/diary/DiarShared_p.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace oxa {
+
+// --- TMesicRok -----------------------------------------------------------------
+
+TMesicRok TMesicRok::FromYearMonth(int aYear, int aMonth)
+{
+    const int packed = (aYear - 1900) * 100 + aMonth;
+    if (packed < std::numeric_limits<qint16>::min() || packed > std::numeric_limits<qint16>::max())
+        throw EConvertError(QStringLiteral("Měsíc %1/%2 mimo rozsah diáře").arg(aMonth).arg(aYear));
+    return TMesicRok(qint16(packed));
+}
+
+TMesicRok TMesicRok::FromDate(TDate aDate)
+{
+    int year = 0, month = 0, day = 0;
+    DecodeDate(aDate, year, month, day);
+    return FromYearMonth(year, month);
+}
+
+int TMesicRok::DaysInMonth() const
+{
+    return DaysInAMonth(Year(), Month());
+}
+
+TDate TMesicRok::Date(int aDen) const
+{
+    return EncodeDate(Year(), Month(), aDen);
+}
+
+bool TMesicRok::TryDate(int aDen, TDate &aDatum) const
+{
+    return TryEncodeDate(Year(), Month(), aDen, aDatum);
+}
 
 QString IndexOutOfBoundsMessage(long long index)
 {
@@ -83,8 +116,7 @@ bool EntryMeetsSpan(const TDayRecord &aZaznam, TTime aCasOd, TTime aCasDo)
 
 TMonthArray::TMonthArray(quint16 aDnuPred, quint16 aDnuPo)
     : fMonthRecordArray(std::size_t(aDnuPred) + 31 + aDnuPo), fDnuPred(aDnuPred), fDnuPo(aDnuPo)
-{
-}
+{ }
 
 void TMonthArray::Clear()
 {

@@ -27,7 +27,7 @@ OXA_EXPORT QString IndexOutOfBoundsMessage(long long index);
 
 // A string of at most MaxLength characters, the records' short strings. A
 // longer text is cut to the limit when it is assigned.
-template <int MaxLength>
+template<int MaxLength>
 class TShortString
 {
     static_assert(MaxLength > 0 && MaxLength <= 255, "a short string holds 1 to 255 characters");
@@ -36,8 +36,8 @@ public:
     static constexpr int Capacity = MaxLength;
 
     TShortString() = default;
-    TShortString(const QString &text) : m_text(Cut(text)) {}
-    TShortString(const char *utf8) : m_text(Cut(QString::fromUtf8(utf8))) {}
+    TShortString(const QString &text) : m_text(Cut(text)) { }
+    TShortString(const char *utf8) : m_text(Cut(QString::fromUtf8(utf8))) { }
 
     TShortString &operator=(const QString &text)
     {
@@ -77,7 +77,7 @@ private:
 // A fixed array indexed from Low to High: weekdays 1..7, days 1..31, the
 // values of an enumeration or false..true. An index outside throws
 // oxa::Exception.
-template <class T, auto Low, auto High>
+template<class T, auto Low, auto High>
 struct TFixedArray
 {
     using Index = decltype(Low);
@@ -114,6 +114,38 @@ enum TZdrojKontaktu { zkNone, zkPacient, zkPartner };
 // The unit of a reminder's lead time.
 enum TJednotkaUpozorneni { juMinuta, juHodina, juDen };
 
+// A month of a year in the diary's packed form, (year - 1900) * 100 +
+// month, as TDayRecord::RokMesic and the diary panel's MonthYear hold it:
+// January 2000 is 10001. Months before 1900 pack to negative numbers.
+class OXA_EXPORT TMesicRok
+{
+public:
+    constexpr TMesicRok() = default;
+    constexpr explicit TMesicRok(qint16 aPacked) : m_packed(aPacked) { }
+    // Throws EConvertError when the month does not fit the packed form.
+    static TMesicRok FromYearMonth(int aYear, int aMonth);
+    static TMesicRok FromDate(TDate aDate);
+
+    constexpr qint16 Packed() const { return m_packed; }
+    constexpr int Year() const { return 1900 + FloorDiv(m_packed - 1, 100); }
+    constexpr int Month() const { return m_packed - (Year() - 1900) * 100; }
+    int DaysInMonth() const;
+    // The date of day aDen of the month; EConvertError for a day the month
+    // does not have.
+    TDate Date(int aDen) const;
+    bool TryDate(int aDen, TDate &aDatum) const;
+    TDate FirstDay() const { return Date(1); }
+    TDate LastDay() const { return Date(DaysInMonth()); }
+    bool Contains(TDate aDatum) const { return FromDate(aDatum) == *this; }
+
+    friend constexpr bool operator==(TMesicRok, TMesicRok) = default;
+
+private:
+    static constexpr int FloorDiv(int a, int b) { return a >= 0 ? a / b : -((-a + b - 1) / b); }
+
+    qint16 m_packed = 0;
+};
+
 // One diary entry (an appointment), copied by value between the store and
 // the controls.
 struct OXA_EXPORT TDayRecord
@@ -123,7 +155,7 @@ struct OXA_EXPORT TDayRecord
     TShortString<255> Parafa;
     bool Soukrome = false;
     qint16 Den = 0;
-    qint16 RokMesic = 0; // (year - 1900) * 100 + month, see DateToMesicRok
+    qint16 RokMesic = 0; // the packed month, TMesicRok
     TTime CasOd = 0;
     TTime CasDo = 0;
     TShortString<33> Popis;
@@ -269,26 +301,6 @@ private:
     std::vector<std::unique_ptr<TDiarKonfig>> m_items;
 };
 
-// A time of day with its seconds and milliseconds dropped.
-OXA_EXPORT TTime TruncToMinutes(TTime aCas);
-
-// Whether an entry lies in the span aCasOd to aCasDo: its start and end, cut
-// to whole minutes, are a and b. Entries with a negative time never do. An
-// entry with b > a meets the span when a < aCasDo and aCasOd < b, so one that
-// only touches an edge of the span does not; an entry with b = a meets the
-// span that contains it (aCasOd <= a < aCasDo). The store, the grids and the
-// panel all use this rule.
-OXA_EXPORT bool EntryMeetsSpan(const TDayRecord &aZaznam, TTime aCasOd, TTime aCasDo);
-// The same rule for a start a and an end b already cut to whole minutes.
-inline bool MinutesMeetSpan(TTime a, TTime b, TTime aCasOd, TTime aCasDo)
-{
-    if (a < 0 || b < 0)
-        return false;
-    if (b > a)
-        return a < aCasDo && aCasOd < b;
-    return b == a && aCasOd <= a && a < aCasDo;
-}
-
 // The store of the entries of a displayed period: one slot per day. Slots 0
 // to DnuPred - 1 are the days shown before the month, slot DnuPred + d - 1 is
 // day d of the month (always 31 of them), the last DnuPo slots follow it.
@@ -312,8 +324,10 @@ public:
     // month, otherwise the slot itself. A slot outside gives no entries.
     TDayRecordArray GetDayRecordArray(int aPozice, bool aDenMesice) const;
 
-    // The entries of day aDen of the month that meet the span (EntryMeetsSpan),
-    // in the slot's order.
+    // The entries of day aDen of the month that meet the span, in the slot's
+    // order. An entry's times are cut to whole minutes first; an entry that
+    // only touches an edge of the span does not meet it, and one of no
+    // length meets the span that contains it.
     QList<PDayRecord> FindDayRecord(int aDen, TTime aCasOd, TTime aCasDo);
     // The entry with the key in the slot chosen as in GetDayRecordArray, or null.
     PDayRecord FindDayRecord(int aPozice, bool aDenMesice, qint32 aID);

@@ -25,6 +25,7 @@ TEnhancedMonthCalendar::TEnhancedMonthCalendar(QWidget *aOwner)
     setFirstDayOfWeek(Qt::Monday);
     setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
     connect(this, &QCalendarWidget::currentPageChanged, this, [this] { UpdateBoldDays(); });
+    connect(this, &QCalendarWidget::selectionChanged, this, [this] { Q_EMIT dateChanged(Date()); });
 }
 
 TDate TEnhancedMonthCalendar::Date() const
@@ -44,7 +45,9 @@ TDate TEnhancedMonthCalendar::MinDate() const
 
 void TEnhancedMonthCalendar::SetMinDate(TDate Value)
 {
+    const QDate oldMin = minimumDate(), oldMax = maximumDate();
     setMinimumDate(DateTimeToQDate(Value));
+    ReportRange(oldMin, oldMax);
 }
 
 TDate TEnhancedMonthCalendar::MaxDate() const
@@ -54,7 +57,18 @@ TDate TEnhancedMonthCalendar::MaxDate() const
 
 void TEnhancedMonthCalendar::SetMaxDate(TDate Value)
 {
+    const QDate oldMin = minimumDate(), oldMax = maximumDate();
     setMaximumDate(DateTimeToQDate(Value));
+    ReportRange(oldMin, oldMax);
+}
+
+// Either bound may move the other one.
+void TEnhancedMonthCalendar::ReportRange(const QDate &aOldMin, const QDate &aOldMax)
+{
+    if (minimumDate() != aOldMin)
+        Q_EMIT minDateChanged(MinDate());
+    if (maximumDate() != aOldMax)
+        Q_EMIT maxDateChanged(MaxDate());
 }
 
 bool TEnhancedMonthCalendar::WeekNumbers() const
@@ -64,8 +78,11 @@ bool TEnhancedMonthCalendar::WeekNumbers() const
 
 void TEnhancedMonthCalendar::SetWeekNumbers(bool Value)
 {
+    if (Value == WeekNumbers())
+        return;
     setVerticalHeaderFormat(Value ? QCalendarWidget::ISOWeekNumbers
                                   : QCalendarWidget::NoVerticalHeader);
+    Q_EMIT weekNumbersChanged(Value);
 }
 
 void TEnhancedMonthCalendar::UpdateBoldDays()
@@ -143,7 +160,8 @@ void RegisterEnhancedMonthCalendar()
 {
     Catalogue::Instance().RegisterComponents({WidgetEntry<TEnhancedMonthCalendar>(
         QStringLiteral("Oxa Diar"), QStringLiteral("TEnhancedMonthCalendar"),
-        QStringLiteral("EnhancedMonthCalendar"), QStringLiteral("oxa/diary/EnhancedMonthCalendar.h"))});
+        QStringLiteral("EnhancedMonthCalendar"),
+        QStringLiteral("oxa/diary/EnhancedMonthCalendar.h"))});
 }
 
 } // namespace oxa

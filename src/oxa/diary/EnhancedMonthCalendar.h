@@ -19,7 +19,8 @@ namespace oxa {
 using TOnEnhancedGetMonthInfoEvent =
     std::function<void(QObject *Sender, quint32 Month, quint32 Year, quint32 &MonthBoldInfo)>;
 // The base calendar's question for the month in focus only.
-using TOnGetMonthInfoEvent = std::function<void(QObject *Sender, quint32 Month, quint32 &MonthBoldInfo)>;
+using TOnGetMonthInfoEvent =
+    std::function<void(QObject *Sender, quint32 Month, quint32 &MonthBoldInfo)>;
 
 // A month calendar whose host marks days in bold in every month it shows:
 // the previous, the shown and the next month, whose days fill the first and
@@ -28,10 +29,10 @@ using TOnGetMonthInfoEvent = std::function<void(QObject *Sender, quint32 Month, 
 class OXA_EXPORT TEnhancedMonthCalendar : public TWinControl<QCalendarWidget>
 {
     Q_OBJECT
-    Q_PROPERTY(double Date READ Date WRITE SetDate)
-    Q_PROPERTY(double MinDate READ MinDate WRITE SetMinDate)
-    Q_PROPERTY(double MaxDate READ MaxDate WRITE SetMaxDate)
-    Q_PROPERTY(bool WeekNumbers READ WeekNumbers WRITE SetWeekNumbers)
+    Q_PROPERTY(double Date READ Date WRITE SetDate NOTIFY dateChanged USER true)
+    Q_PROPERTY(double MinDate READ MinDate WRITE SetMinDate NOTIFY minDateChanged)
+    Q_PROPERTY(double MaxDate READ MaxDate WRITE SetMaxDate NOTIFY maxDateChanged)
+    Q_PROPERTY(bool WeekNumbers READ WeekNumbers WRITE SetWeekNumbers NOTIFY weekNumbersChanged)
 
 public:
     explicit TEnhancedMonthCalendar(QWidget *aOwner = nullptr);
@@ -55,6 +56,12 @@ public:
     // OnEnhancedGetMonthInfoEvent, so on its own it bolds nothing.
     TOnGetMonthInfoEvent OnGetMonthInfo;
 
+Q_SIGNALS:
+    void dateChanged(double Date);
+    void minDateChanged(double MinDate);
+    void maxDateChanged(double MaxDate);
+    void weekNumbersChanged(bool WeekNumbers);
+
 protected:
     // Fills one bold-day mask per month, starting with aMonth of aYear: all
     // cleared, then each answered by OnEnhancedGetMonthInfoEvent when assigned.
@@ -63,6 +70,7 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
+    void ReportRange(const QDate &aOldMin, const QDate &aOldMax);
     void ApplyBoldDays(int aMonth, int aYear, const QList<quint32> &aDayState);
 
     QSet<QDate> FBoldDates;

@@ -1,4 +1,4 @@
-#include "oxa/diary/MonthGrid.h"
+#include "oxa/diary/MonthGrid_p.h"
 
 #include <QCursor>
 #include <QFont>
@@ -15,8 +15,7 @@ namespace oxa {
 
 namespace {
 
-// One header row and up to 31 days.
-constexpr int kRowCount = 32;
+constexpr int kRowCount = TMonthGridPrivate::kRowCount;
 constexpr int kHintDelayMs = 250;
 constexpr int kHintLifeMs = 4000;
 // Working hours are stored as fractions of a day; an hour boundary may come
@@ -162,18 +161,20 @@ QString NazevSvatku(TDate aDatum)
 
 // --- TMonthGrid ----------------------------------------------------------------
 
-TMonthGrid::TMonthGrid(QWidget *AOwner, int aDilekMinut)
-    : TDrawGrid(AOwner),
-      fDILKY_MINUTA(CheckedSlotMinutes(aDilekMinut)),
-      fDILKY_HODINY(60 / aDilekMinut),
+TMonthGridPrivate::TMonthGridPrivate(TMonthGrid *q, int aDilekMinut)
+    : q(q), fDILKY_MINUTA(CheckedSlotMinutes(aDilekMinut)), fDILKY_HODINY(60 / aDilekMinut),
       fDILKY_HODINY_DEN(fDILKY_HODINY * 24)
+{ }
+
+TMonthGrid::TMonthGrid(QWidget *AOwner, int aDilekMinut)
+    : TDrawGrid(AOwner), d(std::make_unique<TMonthGridPrivate>(this, aDilekMinut))
 {
     // The cells draw their own lines.
     SetOptions(TGridOptions(goRangeSelect | goThumbTracking));
     SetGridLineWidth(0);
     SetDefaultDrawing(false);
     SetRowCount(kRowCount);
-    SetColCount(fDILKY_HODINY_DEN + 1);
+    SetColCount(d->fDILKY_HODINY_DEN + 1);
     SetFixedRows(1);
     SetFixedCols(1);
     SetDefaultColWidth(ColumnWidthFor(aDilekMinut));
@@ -182,21 +183,109 @@ TMonthGrid::TMonthGrid(QWidget *AOwner, int aDilekMinut)
     SetRowHeights(0, 14);
     setFont(QFont(QStringLiteral("Arial"), 8));
 
-    fCellCols = ColCount();
-    fDataPaint.resize(std::size_t(kRowCount * fCellCols));
+    d->fCellCols = ColCount();
+    d->fDataPaint.resize(std::size_t(kRowCount * d->fCellCols));
 
-    FHintTimer = new QTimer(this);
-    FHintTimer->setSingleShot(true);
-    connect(FHintTimer, &QTimer::timeout, this, [this] { OnHintTimer(); });
+    d->FHintTimer = new QTimer(this);
+    d->FHintTimer->setSingleShot(true);
+    connect(d->FHintTimer, &QTimer::timeout, this, [this] { OnHintTimer(); });
 }
 
 TMonthGrid::~TMonthGrid() = default;
 
+TDate TMonthGrid::Datum() const
+{
+    return d->FDatum;
+}
+
+void TMonthGrid::StoreDatum(TDate Value)
+{
+    d->FDatum = Value;
+}
+
+int TMonthGrid::CasOd() const
+{
+    return d->FCasOd;
+}
+
+TMonthArray *TMonthGrid::Zaznamy() const
+{
+    return d->FZaznamy;
+}
+
+void TMonthGrid::SetZaznamy(TMonthArray *Value)
+{
+    if (Value == d->FZaznamy)
+        return;
+    d->FZaznamy = Value;
+    Q_EMIT zaznamyChanged(Value);
+}
+
+int TMonthGrid::dilkyMinuta() const
+{
+    return d->fDILKY_MINUTA;
+}
+
+int TMonthGrid::dilkyHodiny() const
+{
+    return d->fDILKY_HODINY;
+}
+
+int TMonthGrid::dilkyHodinyDen() const
+{
+    return d->fDILKY_HODINY_DEN;
+}
+
+const TDiarNastaveni &TMonthGrid::DiarNastaveni() const
+{
+    return d->fDiarNastaveni;
+}
+
+TTime TMonthGrid::SlotStartTime(int ACol) const
+{
+    return double(ACol - 1) / d->fDILKY_HODINY_DEN;
+}
+
+TTime TMonthGrid::SlotEndTime(int ACol) const
+{
+    return double(ACol) / d->fDILKY_HODINY_DEN;
+}
+
+TDate TMonthGrid::MouseDownDatum() const
+{
+    return d->FMouseDownDatum;
+}
+
+bool TMonthGrid::HintActive() const
+{
+    return d->FHintActive;
+}
+
+QLabel *TMonthGrid::HintWindow() const
+{
+    return d->FHintWindow;
+}
+
+int TMonthGrid::MouseRow() const
+{
+    return d->FMouseRow;
+}
+
+int TMonthGrid::MouseCol() const
+{
+    return d->FMouseCol;
+}
+
+const TMonthGridStyle &TMonthGrid::Style() const
+{
+    return d->FStyle;
+}
+
 void TMonthGrid::SetDatum(TDate Value)
 {
-    if (Value == FDatum)
+    if (Value == d->FDatum)
         return;
-    FDatum = Value;
+    d->FDatum = Value;
     const TMonthInfo month = MonthOf(Value);
     SetRowCount(month.dnu + 1);
     // Moved without SelectCell and Click: the host set the date itself.
@@ -204,50 +293,54 @@ void TMonthGrid::SetDatum(TDate Value)
     SetSelection(TGridRect{col, month.den, col, month.den});
     ClampInView(col, month.den);
     InvalidateGrid();
+    Q_EMIT datumChanged(Value);
 }
 
 void TMonthGrid::SetCasOd(int Value)
 {
-    FCasOd = Value;
-    const int col = std::clamp(Value * fDILKY_HODINY + 1, FixedCols(), ColCount() - 1);
+    const bool changed = Value != d->FCasOd;
+    d->FCasOd = Value;
+    const int col = std::clamp(Value * d->fDILKY_HODINY + 1, FixedCols(), ColCount() - 1);
     SetLeftCol(col);
     const int row = Row();
     SetSelection(TGridRect{col, row, col, row});
+    if (changed)
+        Q_EMIT casOdChanged(Value);
 }
 
 void TMonthGrid::SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni)
 {
-    fDiarNastaveni = aDiarNastaveni;
+    d->fDiarNastaveni = aDiarNastaveni;
 }
 
 const TMonthGridCell &TMonthGrid::DataPaint(int ARow, int ACol) const
 {
-    if (ARow < 0 || ARow >= kRowCount || ACol < 0 || ACol >= fCellCols)
+    if (ARow < 0 || ARow >= kRowCount || ACol < 0 || ACol >= d->fCellCols)
         throw EInvalidGridOperation(
             QStringLiteral("Buňka (%1, %2) mimo mřížku").arg(ACol).arg(ARow));
-    return fDataPaint[std::size_t(ARow * fCellCols + ACol)];
+    return d->fDataPaint[std::size_t(ARow * d->fCellCols + ACol)];
 }
 
 int TMonthGrid::SlotColumn(TTime aCas) const
 {
     int hour = 0, minute = 0, second = 0, msec = 0;
     DecodeTime(aCas, hour, minute, second, msec);
-    const int col = (hour * 60 + minute) * fDILKY_HODINY / 60 + 1;
-    return std::clamp(col, 1, fDILKY_HODINY_DEN);
+    const int col = (hour * 60 + minute) * d->fDILKY_HODINY / 60 + 1;
+    return std::clamp(col, 1, d->fDILKY_HODINY_DEN);
 }
 
 TDate TMonthGrid::DatumRadku(int ARow) const
 {
     int rok = 0, mesic = 0, den = 0;
-    DecodeDate(FDatum, rok, mesic, den);
-    return DateOf(FDatum) + (ARow - den);
+    DecodeDate(d->FDatum, rok, mesic, den);
+    return DateOf(d->FDatum) + (ARow - den);
 }
 
 // --- preparing the cells -------------------------------------------------------
 
 void TMonthGrid::InitVykreslovani(int aDen)
 {
-    const TMonthInfo month = MonthOf(FDatum);
+    const TMonthInfo month = MonthOf(d->FDatum);
     const int lastRow = std::min(month.dnu, kRowCount - 1);
     int first = 1;
     int last = lastRow;
@@ -257,7 +350,7 @@ void TMonthGrid::InitVykreslovani(int aDen)
     } else {
         // Rows past the month's end are not shown; they keep nothing.
         for (int r = lastRow + 1; r < kRowCount; ++r)
-            ClearRow(r, QString(), false);
+            d->ClearRow(r, QString(), false);
     }
     if (first < 1 || first > last)
         return;
@@ -266,25 +359,25 @@ void TMonthGrid::InitVykreslovani(int aDen)
     for (int r = first; r <= last; ++r) {
         const TDate datum = month.prvni + (r - 1);
         const int tyden = DayOfTheWeek(datum);
-        ClearRow(r, HolidayName(r, month.mesic, velikonoce), tyden >= 6);
-        MarkEntries(r);
-        const TPracDoba &pracDoba =
-            WeekOf(datum) % 2 == 1 ? fDiarNastaveni.pracDobaLichy : fDiarNastaveni.pracDobaSudy;
-        MarkHours(r, pracDoba[tyden], fDiarNastaveni.barvaPracDoba);
+        d->ClearRow(r, HolidayName(r, month.mesic, velikonoce), tyden >= 6);
+        d->MarkEntries(r);
+        const TPracDoba &pracDoba = WeekOf(datum) % 2 == 1 ? d->fDiarNastaveni.pracDobaLichy
+                                                           : d->fDiarNastaveni.pracDobaSudy;
+        d->MarkHours(r, pracDoba[tyden], d->fDiarNastaveni.barvaPracDoba);
         // Booking hours come after the working hours and take their place.
-        for (const TPracDobaCas &interval : fDiarNastaveni.objednaniKLekari[tyden])
-            MarkHours(r, interval, fDiarNastaveni.barvaObjednaniKLekari);
+        for (const TPracDobaCas &interval : d->fDiarNastaveni.objednaniKLekari[tyden])
+            d->MarkHours(r, interval, d->fDiarNastaveni.barvaObjednaniKLekari);
     }
 
-    for (const TDovolena &dovolena : fDiarNastaveni.dovolena)
-        MarkLeave(dovolena, first, last);
+    for (const TDovolena &dovolena : d->fDiarNastaveni.dovolena)
+        d->MarkLeave(dovolena, first, last);
 }
 
 // Leave covers its days in this month: from its start time on its first day
 // and up to its end time on its last day; a leave that began in an earlier
 // month (or ends in a later one) covers the first (last) day of this one
 // whole. Each covered cell gains the leave's note as a hint line.
-void TMonthGrid::MarkLeave(const TDovolena &aDovolena, int aFirst, int aLast)
+void TMonthGridPrivate::MarkLeave(const TDovolena &aDovolena, int aFirst, int aLast)
 {
     const TMonthInfo month = MonthOf(FDatum);
     const TDate konecMesice = month.prvni + (month.dnu - 1);
@@ -300,8 +393,8 @@ void TMonthGrid::MarkLeave(const TDovolena &aDovolena, int aFirst, int aLast)
     const int lastCol = konciVMesici ? std::min(SlotsBefore(aDovolena.CasDo), fDILKY_HODINY_DEN)
                                      : fDILKY_HODINY_DEN;
     const QString line = aDovolena.Poznamka.IsEmpty()
-                             ? QString()
-                             : QStringLiteral("Dovolená: ") + aDovolena.Poznamka.Text();
+        ? QString()
+        : QStringLiteral("Dovolená: ") + aDovolena.Poznamka.Text();
     const QString lineAlone = line.trimmed();
     const TColor barva = aDovolena.BarvaIsSet ? aDovolena.Barva : fDiarNastaveni.barvaDovol;
     for (int r = std::max(aFirst, prvniDen); r <= std::min(aLast, posledniDen); ++r) {
@@ -321,7 +414,7 @@ void TMonthGrid::MarkLeave(const TDovolena &aDovolena, int aFirst, int aLast)
     }
 }
 
-void TMonthGrid::ClearRow(int ARow, const QString &aSvatek, bool aVikend)
+void TMonthGridPrivate::ClearRow(int ARow, const QString &aSvatek, bool aVikend)
 {
     for (int c = 0; c < fCellCols; ++c) {
         TMonthGridCell &cell = Cell(ARow, c);
@@ -336,7 +429,7 @@ void TMonthGrid::ClearRow(int ARow, const QString &aSvatek, bool aVikend)
 // first one found gives a slot its privacy and completion, each one adds its
 // hint line. Only the columns around the entry's span are tested, and each
 // hint is built in one piece once all its lines are known.
-void TMonthGrid::MarkEntries(int ARow)
+void TMonthGridPrivate::MarkEntries(int ARow)
 {
     if (!FZaznamy)
         return;
@@ -357,7 +450,7 @@ void TMonthGrid::MarkEntries(int ARow)
         const int to = std::min(fDILKY_HODINY_DEN, int(std::ceil(b * n)) + 1);
         bool met = false;
         for (int c = from; c <= to; ++c) {
-            if (!MinutesMeetSpan(a, b, SlotStartTime(c), SlotEndTime(c)))
+            if (!MinutesMeetSpan(a, b, q->SlotStartTime(c), q->SlotEndTime(c)))
                 continue;
             if (!met) {
                 met = true;
@@ -370,8 +463,8 @@ void TMonthGrid::MarkEntries(int ARow)
 
     std::vector<QString> trimmed(lines.size());
     for (auto it = fHits.begin(); it != fHits.end();) {
-        const auto groupEnd = std::find_if(
-            it, fHits.end(), [c = it->col](const THit &h) { return h.col != c; });
+        const auto groupEnd =
+            std::find_if(it, fHits.end(), [c = it->col](const THit &h) { return h.col != c; });
         TMonthGridCell &cell = Cell(ARow, it->col);
         cell.zaznam = true;
         cell.soukrom = it->zaznam->Soukrome;
@@ -390,7 +483,7 @@ void TMonthGrid::MarkEntries(int ARow)
 
 // Orders the hits by column, keeping the day's order within a column (a
 // counting sort on buffers that are kept between days).
-void TMonthGrid::SortHitsByColumn()
+void TMonthGridPrivate::SortHitsByColumn()
 {
     fColumnStarts.assign(std::size_t(fCellCols) + 1, 0);
     for (const THit &hit : fHits)
@@ -406,9 +499,9 @@ void TMonthGrid::SortHitsByColumn()
 // The lines joined by line breaks and trimmed as a whole, in one allocation.
 // Every line holds its times, so trimming never reaches past the first or
 // the last line.
-QString TMonthGrid::JoinTrimmed(const std::vector<QString> &lines,
-                                std::vector<THit>::const_iterator from,
-                                std::vector<THit>::const_iterator to)
+QString TMonthGridPrivate::JoinTrimmed(const std::vector<QString> &lines,
+                                       std::vector<THit>::const_iterator from,
+                                       std::vector<THit>::const_iterator to)
 {
     qsizetype length = 0;
     for (auto it = from; it != to; ++it)
@@ -434,12 +527,12 @@ QString TMonthGrid::JoinTrimmed(const std::vector<QString> &lines,
 
 // The whole slots that fit before a configured time: trunc(slots per day x
 // time), kept from coming out one short by the time's rounding.
-int TMonthGrid::SlotsBefore(TTime aCas) const
+int TMonthGridPrivate::SlotsBefore(TTime aCas) const
 {
     return int(std::floor(aCas * fDILKY_HODINY_DEN + kSlotEpsilon));
 }
 
-void TMonthGrid::MarkHours(int ARow, const TPracDobaCas &aCas, TColor aBarva)
+void TMonthGridPrivate::MarkHours(int ARow, const TPracDobaCas &aCas, TColor aBarva)
 {
     const auto mark = [this, ARow, aBarva](TTime od, TTime doCasu) {
         if (!(od < doCasu))
@@ -460,10 +553,10 @@ void TMonthGrid::MarkHours(int ARow, const TPracDobaCas &aCas, TColor aBarva)
 
 bool TMonthGrid::ExistujeZaznam(int ARow, int ACol, TColor &Color, int &Splneno) const
 {
-    if (!FZaznamy)
+    if (!d->FZaznamy)
         return false;
     const QList<PDayRecord> found =
-        FZaznamy->FindDayRecord(ARow, SlotStartTime(ACol), SlotEndTime(ACol));
+        d->FZaznamy->FindDayRecord(ARow, SlotStartTime(ACol), SlotEndTime(ACol));
     if (found.isEmpty())
         return false;
     Color = BarvaSchuzkyMonth[found.first()->Soukrome];
@@ -472,7 +565,7 @@ bool TMonthGrid::ExistujeZaznam(int ARow, int ACol, TColor &Color, int &Splneno)
 }
 
 // A slot boundary cut to whole minutes; as an end, midnight is 23:59.
-TTime TMonthGrid::CutSlotTime(double aSlot) const
+TTime TMonthGridPrivate::CutSlotTime(double aSlot) const
 {
     TTime t = TimeOf(TruncToMinutes(aSlot / fDILKY_HODINY_DEN));
     if (aSlot > 0 && t == 0)
@@ -483,15 +576,15 @@ TTime TMonthGrid::CutSlotTime(double aSlot) const
 bool TMonthGrid::ExistujeKonfigZaznam(int ARow, int ACol, TColor &Color) const
 {
     // Without leave nothing is reported, not even the working hours.
-    if (fDiarNastaveni.dovolena.isEmpty())
+    if (d->fDiarNastaveni.dovolena.isEmpty())
         return false;
-    const TTime s = CutSlotTime(ACol - 1);
-    const TTime e = CutSlotTime(ACol);
-    const TMonthInfo month = MonthOf(FDatum);
+    const TTime s = d->CutSlotTime(ACol - 1);
+    const TTime e = d->CutSlotTime(ACol);
+    const TMonthInfo month = MonthOf(d->FDatum);
     const TDate D = month.prvni + (ARow - 1);
     const TTime konecDne = EncodeTime(23, 59, 0);
 
-    for (const TDovolena &dovolena : fDiarNastaveni.dovolena) {
+    for (const TDovolena &dovolena : d->fDiarNastaveni.dovolena) {
         const TDate F = DateOf(dovolena.DatumOd);
         const TDate T = DateOf(dovolena.DatumDo);
         bool leave = false;
@@ -504,16 +597,16 @@ bool TMonthGrid::ExistujeKonfigZaznam(int ARow, int ACol, TColor &Color) const
         else if (F == D && T == D)
             leave = dovolena.CasOd < e && dovolena.CasDo > s;
         if (leave) {
-            Color = fDiarNastaveni.barvaDovol;
+            Color = d->fDiarNastaveni.barvaDovol;
             return true;
         }
     }
 
     const TPracDoba &pracDoba =
-        WeekOf(D) % 2 == 1 ? fDiarNastaveni.pracDobaLichy : fDiarNastaveni.pracDobaSudy;
+        WeekOf(D) % 2 == 1 ? d->fDiarNastaveni.pracDobaLichy : d->fDiarNastaveni.pracDobaSudy;
     const TPracDobaCas &hodiny = pracDoba[DayOfTheWeek(D)];
     if (hodiny.CasOd < e && hodiny.CasDo > s) {
-        Color = fDiarNastaveni.barvaPracDoba;
+        Color = d->fDiarNastaveni.barvaPracDoba;
         return true;
     }
     Color = clWhite;
@@ -524,12 +617,12 @@ bool TMonthGrid::ExistujeKonfigZaznam(int ARow, int ACol, TColor &Color) const
 
 TTime TMonthGrid::GetSelCellStartTime() const
 {
-    return CutSlotTime(Selection().Left - 1);
+    return d->CutSlotTime(Selection().Left - 1);
 }
 
 TTime TMonthGrid::GetSelCellEndTime() const
 {
-    return CutSlotTime(Selection().Right);
+    return d->CutSlotTime(Selection().Right);
 }
 
 void TMonthGrid::setSelectedCell(int startCol, int stopCol)
@@ -554,6 +647,22 @@ void TMonthGrid::PrekresliUdaj(TTime CasOd, TTime CasDo)
     InvalidateRect(GridRect({SlotColumn(CasOd), row}, {SlotColumn(CasDo), row}));
 }
 
+bool TMonthGrid::SelectCell(int ACol, int ARow)
+{
+    const TDate oldDatum = d->FDatum;
+    const TDate datum = ARow >= FixedRows() ? DatumRadku(ARow) : oldDatum;
+    const bool newDay = !SameDate(datum, oldDatum);
+    if (newDay)
+        d->FDatum = datum;
+    if (!TDrawGrid::SelectCell(ACol, ARow)) {
+        d->FDatum = oldDatum;
+        return false;
+    }
+    if (newDay && SameDate(d->FDatum, datum))
+        Q_EMIT datumChanged(d->FDatum);
+    return true;
+}
+
 void TMonthGrid::SelectionMoved(const TGridRect &OldSel, TGridCoord OldCurrent)
 {
     TDrawGrid::SelectionMoved(OldSel, OldCurrent);
@@ -571,7 +680,7 @@ bool TMonthGrid::IsMouseOk() const
     const QPoint p = viewport()->mapFromGlobal(QCursor::pos());
     int col = -1, row = -1, mouseCol = -1, mouseRow = -1;
     MouseToCell(p.x(), p.y(), col, row);
-    MouseToCell(FMouseX, FMouseY, mouseCol, mouseRow);
+    MouseToCell(d->FMouseX, d->FMouseY, mouseCol, mouseRow);
     return col >= 0 && row >= 0 && col == mouseCol && row == mouseRow;
 }
 
@@ -581,24 +690,24 @@ void TMonthGrid::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y)
     int col = -1, row = -1;
     MouseToCell(X, Y, col, row);
     if (row >= FixedRows())
-        FMouseDownDatum = DatumRadku(row);
+        d->FMouseDownDatum = DatumRadku(row);
     TDrawGrid::MouseDown(Button, Shift, X, Y);
 }
 
 void TMonthGrid::MouseMove(TShiftState Shift, int X, int Y)
 {
-    FMouseX = X;
-    FMouseY = Y;
+    d->FMouseX = X;
+    d->FMouseY = Y;
     int col = -1, row = -1;
     MouseToCell(X, Y, col, row);
     if (row >= FixedRows())
         row = DataRowOf(row);
-    if (col != FMouseCol || row != FMouseRow) {
+    if (col != d->FMouseCol || row != d->FMouseRow) {
         HideHint();
-        FMouseCol = col;
-        FMouseRow = row;
+        d->FMouseCol = col;
+        d->FMouseRow = row;
         if (col >= 0 && row >= 0)
-            FHintTimer->start(kHintDelayMs);
+            d->FHintTimer->start(kHintDelayMs);
     }
     TDrawGrid::MouseMove(Shift, X, Y);
 }
@@ -606,8 +715,8 @@ void TMonthGrid::MouseMove(TShiftState Shift, int X, int Y)
 void TMonthGrid::MouseLeave()
 {
     HideHint();
-    FMouseCol = -1;
-    FMouseRow = -1;
+    d->FMouseCol = -1;
+    d->FMouseRow = -1;
     TDrawGrid::MouseLeave();
 }
 
@@ -619,61 +728,62 @@ void TMonthGrid::hideEvent(QHideEvent *event)
 
 void TMonthGrid::OnHintTimer()
 {
-    if (FHintActive) {
+    if (d->FHintActive) {
         HideHint();
         return;
     }
-    if (FMouseRow < 1 || FMouseRow >= kRowCount || FMouseCol < 0 || FMouseCol >= fCellCols)
+    if (d->FMouseRow < 1 || d->FMouseRow >= kRowCount || d->FMouseCol < 0 ||
+        d->FMouseCol >= d->fCellCols)
         return;
-    const QString &hint = Cell(FMouseRow, FMouseCol).hint;
+    const QString &hint = d->Cell(d->FMouseRow, d->FMouseCol).hint;
     if (hint.isEmpty())
         return;
-    FHintText = hint;
+    d->FHintText = hint;
     ShowHint();
-    FHintActive = true;
-    FHintTimer->start(kHintLifeMs);
+    d->FHintActive = true;
+    d->FHintTimer->start(kHintLifeMs);
 }
 
 void TMonthGrid::ShowHint()
 {
-    if (!FHintWindow) {
-        FHintWindow = new QLabel(this, Qt::ToolTip);
-        FHintWindow->setTextFormat(Qt::PlainText);
-        FHintWindow->setFrameStyle(QFrame::Box | QFrame::Plain);
-        FHintWindow->setMargin(2);
-        FHintWindow->setAutoFillBackground(true);
-        QPalette palette = FHintWindow->palette();
+    if (!d->FHintWindow) {
+        d->FHintWindow = new QLabel(this, Qt::ToolTip);
+        d->FHintWindow->setTextFormat(Qt::PlainText);
+        d->FHintWindow->setFrameStyle(QFrame::Box | QFrame::Plain);
+        d->FHintWindow->setMargin(2);
+        d->FHintWindow->setAutoFillBackground(true);
+        QPalette palette = d->FHintWindow->palette();
         palette.setColor(QPalette::Window, ColorToQColor(clInfoBk, this));
         palette.setColor(QPalette::WindowText, ColorToQColor(clInfoText, this));
-        FHintWindow->setPalette(palette);
+        d->FHintWindow->setPalette(palette);
     }
-    FHintWindow->setText(QString(FHintText).replace(kLineBreak, QStringLiteral("\n")));
-    FHintWindow->adjustSize();
+    d->FHintWindow->setText(QString(d->FHintText).replace(kLineBreak, QStringLiteral("\n")));
+    d->FHintWindow->adjustSize();
 
     // Below the mouse pointer, moved left where it would leave the screen;
     // placed once shown, when the window frame is known.
-    FHintWindow->show();
-    QPoint pos = viewport()->mapToGlobal(QPoint(FMouseX, FMouseY + 18));
+    d->FHintWindow->show();
+    QPoint pos = viewport()->mapToGlobal(QPoint(d->FMouseX, d->FMouseY + 18));
     if (const QScreen *scr = screen()) {
         const QRect area = scr->availableGeometry();
-        const int width = FHintWindow->frameGeometry().width();
+        const int width = d->FHintWindow->frameGeometry().width();
         pos.setX(std::max(area.left(), std::min(pos.x(), area.right() + 1 - width)));
     }
-    FHintWindow->move(pos);
+    d->FHintWindow->move(pos);
 }
 
 void TMonthGrid::HideHint()
 {
-    FHintTimer->stop();
-    if (FHintWindow)
-        FHintWindow->hide();
-    FHintActive = false;
-    FHintText.clear();
+    d->FHintTimer->stop();
+    if (d->FHintWindow)
+        d->FHintWindow->hide();
+    d->FHintActive = false;
+    d->FHintText.clear();
 }
 
 QString TMonthGrid::HintText() const
 {
-    return FHintText;
+    return d->FHintText;
 }
 
 // --- drawing -------------------------------------------------------------------
@@ -685,37 +795,37 @@ QColor TMonthGrid::SettingsColor(TColor Color) const
 
 void TMonthGrid::paintEvent(QPaintEvent *event)
 {
-    FStyle.white = QColor(0xFF, 0xFF, 0xFF);
-    FStyle.highlight = ColorToQColor(clHighlight, this);
-    FStyle.silver = QColor(0xC0, 0xC0, 0xC0);
-    FStyle.black = QColor(0, 0, 0);
-    FStyle.rowOutline = ColorToQColor(0x1389CD);
-    FStyle.dotted = QPen(QColor(0x80, 0x80, 0x80), 0, Qt::DotLine);
-    FStyle.hourTextWidth = QFontMetrics(font()).horizontalAdvance(QStringLiteral(" 00:00")) + 2;
+    d->FStyle.white = QColor(0xFF, 0xFF, 0xFF);
+    d->FStyle.highlight = ColorToQColor(clHighlight, this);
+    d->FStyle.silver = QColor(0xC0, 0xC0, 0xC0);
+    d->FStyle.black = QColor(0, 0, 0);
+    d->FStyle.rowOutline = ColorToQColor(0x1389CD);
+    d->FStyle.dotted = QPen(QColor(0x80, 0x80, 0x80), 0, Qt::DotLine);
+    d->FStyle.hourTextWidth = QFontMetrics(font()).horizontalAdvance(QStringLiteral(" 00:00")) + 2;
     TDrawGrid::paintEvent(event);
 }
 
 QColor TMonthGrid::CellBackground(int ACol, int ARow) const
 {
     if (ARow == 0)
-        return FStyle.white;
+        return d->FStyle.white;
     const TGridRect sel = Selection();
     if (sel.Top == sel.Bottom && sel.Top == ARow && ACol >= sel.Left && ACol <= sel.Right)
-        return FStyle.highlight;
-    if (ARow >= kRowCount || ACol >= fCellCols)
-        return FStyle.white;
-    const TMonthGridCell &cell = fDataPaint[std::size_t(ARow * fCellCols + ACol)];
+        return d->FStyle.highlight;
+    if (ARow >= kRowCount || ACol >= d->fCellCols)
+        return d->FStyle.white;
+    const TMonthGridCell &cell = d->fDataPaint[std::size_t(ARow * d->fCellCols + ACol)];
     if (ACol >= FixedCols()) {
         if (cell.zaznam)
             return SettingsColor(BarvaSchuzkyMonth[cell.soukrom]);
         if (cell.svatek)
-            return SettingsColor(fDiarNastaveni.barvaSvatek);
+            return SettingsColor(d->fDiarNastaveni.barvaSvatek);
         if (cell.dovolena || cell.pracDoba)
             return SettingsColor(cell.barva);
     }
     if (cell.vikend)
-        return SettingsColor(fDiarNastaveni.barvaSoNe);
-    return FStyle.white;
+        return SettingsColor(d->fDiarNastaveni.barvaSoNe);
+    return d->FStyle.white;
 }
 
 void TMonthGrid::FillCell(const QRect &Rect, const QColor &Background)
@@ -729,10 +839,10 @@ void TMonthGrid::DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState 
     Q_UNUSED(State);
     FillCell(Rect, CellBackground(ACol, ARow));
     if (ARow == 0 || ACol == 0) {
-        DrawCellTexts(ACol, ARow, Rect, ARow > 0 ? DatumRadku(ARow) : FDatum);
+        DrawCellTexts(ACol, ARow, Rect, ARow > 0 ? DatumRadku(ARow) : d->FDatum);
     } else {
-        const bool splneno = ARow < kRowCount && ACol < fCellCols
-                             && fDataPaint[std::size_t(ARow * fCellCols + ACol)].splneno == 100;
+        const bool splneno = ARow < kRowCount && ACol < d->fCellCols &&
+            d->fDataPaint[std::size_t(ARow * d->fCellCols + ACol)].splneno == 100;
         DrawDataLines(ACol, Rect, splneno);
     }
     DrawEdges(ACol, ARow, Rect);
@@ -741,10 +851,10 @@ void TMonthGrid::DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState 
 void TMonthGrid::DrawCellTexts(int ACol, int ARow, const QRect &Rect, TDate aDen)
 {
     QPainter *canvas = Canvas();
-    canvas->setPen(FStyle.black);
+    canvas->setPen(d->FStyle.black);
     if (ARow == 0 && ACol == 0) {
         canvas->drawText(Rect.adjusted(1, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
-                         FormatDateTime(QStringLiteral("mmm\"/\"yy"), FDatum));
+                         FormatDateTime(QStringLiteral("mmm\"/\"yy"), d->FDatum));
         return;
     }
     if (ACol == 0) {
@@ -753,41 +863,41 @@ void TMonthGrid::DrawCellTexts(int ACol, int ARow, const QRect &Rect, TDate aDen
         canvas->drawText(Rect, Qt::AlignLeft | Qt::AlignVCenter, ShortDayName(DayOfWeek(aDen)));
         canvas->drawText(Rect, Qt::AlignRight | Qt::AlignVCenter | Qt::TextIncludeTrailingSpaces,
                          QString::number(den) + QLatin1String(". "));
-        canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, FStyle.silver);
+        canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, d->FStyle.silver);
         return;
     }
     // The hour's label spans all of its slots; each slot shows its part.
-    const int slot = (ACol - 1) % fDILKY_HODINY;
+    const int slot = (ACol - 1) % d->fDILKY_HODINY;
     const int width = Rect.width();
-    if (slot * width < FStyle.hourTextWidth) {
-        const QRect hour(Rect.left() - slot * width, Rect.top(), fDILKY_HODINY * width,
+    if (slot * width < d->FStyle.hourTextWidth) {
+        const QRect hour(Rect.left() - slot * width, Rect.top(), d->fDILKY_HODINY * width,
                          Rect.height());
         canvas->setClipRect(Rect);
         canvas->drawText(hour, Qt::AlignLeft | Qt::AlignVCenter,
-                         QLatin1Char(' ') + QString::number((ACol - 1) / fDILKY_HODINY)
-                             + QLatin1String(":00"));
+                         QLatin1Char(' ') + QString::number((ACol - 1) / d->fDILKY_HODINY) +
+                             QLatin1String(":00"));
         canvas->setClipping(false);
     }
-    canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, FStyle.black);
+    canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, d->FStyle.black);
 }
 
 void TMonthGrid::DrawDataLines(int ACol, const QRect &Rect, bool Splneno)
 {
     QPainter *canvas = Canvas();
     if (Splneno) {
-        canvas->setPen(FStyle.black);
+        canvas->setPen(d->FStyle.black);
         canvas->drawLine(Rect.topLeft(), Rect.bottomRight());
     }
-    canvas->fillRect(Rect.left(), Rect.top(), Rect.width(), 1, FStyle.silver);
-    const int halfHour = fDILKY_HODINY / 2;
-    if ((ACol - 1) % fDILKY_HODINY == 0) {
-        canvas->fillRect(Rect.left(), Rect.top(), 1, Rect.height(), FStyle.black);
+    canvas->fillRect(Rect.left(), Rect.top(), Rect.width(), 1, d->FStyle.silver);
+    const int halfHour = d->fDILKY_HODINY / 2;
+    if ((ACol - 1) % d->fDILKY_HODINY == 0) {
+        canvas->fillRect(Rect.left(), Rect.top(), 1, Rect.height(), d->FStyle.black);
     } else if (halfHour > 0 && (ACol - 1) % halfHour == 0) {
-        canvas->fillRect(Rect.left(), Rect.top(), 1, Rect.height(), FStyle.silver);
-        canvas->setPen(FStyle.dotted);
+        canvas->fillRect(Rect.left(), Rect.top(), 1, Rect.height(), d->FStyle.silver);
+        canvas->setPen(d->FStyle.dotted);
         canvas->drawLine(Rect.left(), Rect.top(), Rect.left(), Rect.bottom());
     } else {
-        canvas->fillRect(Rect.left(), Rect.top(), 1, Rect.height(), FStyle.silver);
+        canvas->fillRect(Rect.left(), Rect.top(), 1, Rect.height(), d->FStyle.silver);
     }
 }
 
@@ -795,22 +905,35 @@ void TMonthGrid::DrawEdges(int ACol, int ARow, const QRect &Rect)
 {
     QPainter *canvas = Canvas();
     if (ARow == RowCount() - 1)
-        canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, FStyle.silver);
+        canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, d->FStyle.silver);
     if (ACol == ColCount() - 1)
-        canvas->fillRect(Rect.right(), Rect.top(), 1, Rect.height(), FStyle.silver);
+        canvas->fillRect(Rect.right(), Rect.top(), 1, Rect.height(), d->FStyle.silver);
     if (ARow == Row()) {
-        canvas->fillRect(Rect.left(), Rect.top(), Rect.width(), 1, FStyle.rowOutline);
-        canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, FStyle.rowOutline);
+        canvas->fillRect(Rect.left(), Rect.top(), Rect.width(), 1, d->FStyle.rowOutline);
+        canvas->fillRect(Rect.left(), Rect.bottom(), Rect.width(), 1, d->FStyle.rowOutline);
     }
 }
 
 // --- TDayGrid --------------------------------------------------------------------
 
-TDayGrid::TDayGrid(QWidget *AOwner, int aDilekMinut) : TMonthGrid(AOwner, aDilekMinut)
+TDayGrid::TDayGrid(QWidget *AOwner, int aDilekMinut)
+    : TMonthGrid(AOwner, aDilekMinut), d(std::make_unique<TDayGridPrivate>())
 {
     SetRowCount(2);
     const int col = Col();
     SetSelection(TGridRect{col, 1, col, 1});
+}
+
+TDayGrid::~TDayGrid() = default;
+
+int TDayGrid::SelColFrom() const
+{
+    return d->FSelColFrom;
+}
+
+int TDayGrid::SelColTo() const
+{
+    return d->FSelColTo;
 }
 
 void TDayGrid::SetDatum(TDate Value)
@@ -819,6 +942,7 @@ void TDayGrid::SetDatum(TDate Value)
         return;
     StoreDatum(Value);
     InvalidateGrid();
+    Q_EMIT datumChanged(Value);
 }
 
 TDate TDayGrid::DatumRadku(int ARow) const
@@ -833,11 +957,6 @@ int TDayGrid::DataRowOf(int ARow) const
     int rok = 0, mesic = 0, den = 0;
     DecodeDate(Datum(), rok, mesic, den);
     return den;
-}
-
-void TDayGrid::setSelection(int left, int top, int right, int bottom)
-{
-    SetSelection(TGridRect{left, top, right, bottom});
 }
 
 int TDayGrid::GetSelectionStartCell() const
@@ -869,8 +988,8 @@ void TDayGrid::setSelectionStartTime(TTime startTime, TTime stopTime)
 {
     // std::rint rounds halves to the even neighbour. The end uses the slots
     // per hour, not per day: kept as the diary has always computed it.
-    FSelColFrom = int(std::rint(dilkyHodinyDen() * startTime)) + 1;
-    FSelColTo = int(std::rint(dilkyHodiny() * stopTime));
+    d->FSelColFrom = int(std::rint(dilkyHodinyDen() * startTime)) + 1;
+    d->FSelColTo = int(std::rint(dilkyHodiny() * stopTime));
 }
 
 void TDayGrid::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y)

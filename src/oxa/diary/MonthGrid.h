@@ -6,11 +6,9 @@
 #include "oxa/toolkit/Grid.h"
 
 #include <QColor>
-#include <QPen>
 #include <QString>
 
-#include <array>
-#include <vector>
+#include <memory>
 
 class QLabel;
 class QTimer;
@@ -22,38 +20,10 @@ inline constexpr TFixedArray<TColor, false, true> BarvaSchuzkyMonth{{0x0000FF, 0
 // Colours of configured surgery-hours records.
 inline constexpr TFixedArray<TColor, false, true> BarvaKonfigZaznamu{{0x79FFF1, 0x79FFBE}};
 
-// A public holiday on a fixed date.
-struct OXA_EXPORT TSvatek
-{
-    int Den;
-    int Mesic;
-    const char *Text; // UTF-8
-};
-
-// The public holidays on fixed dates, with the texts shown in the cell hints.
-OXA_EXPORT extern const std::array<TSvatek, 11> Svatky;
-
-// Easter Monday of the year by the Gauss rule with the constants of the
-// Gregorian years 1900 to 2099, used for every year.
-OXA_EXPORT TDate VelikonocniPondeli(int aRok);
-// The name of the public holiday on a date: the fixed table first, then
-// "Velikonoce" (Easter Monday) and "Velký pátek" (Good Friday); empty on
-// other days.
-OXA_EXPORT QString NazevSvatku(TDate aDatum);
-
-// What one cell of the month grid shows, prepared by InitVykreslovani.
-struct OXA_EXPORT TMonthGridCell
-{
-    bool dovolena = false; // leave covers the slot
-    bool svatek = false;   // the day is a public holiday
-    bool pracDoba = false; // working or booking hours cover the slot
-    bool zaznam = false;   // at least one entry meets the slot
-    qint32 splneno = 0;    // completion of the first entry found
-    bool soukrom = false;  // that entry is private
-    TColor barva = 0;      // colour of the leave or of the hours
-    QString hint;          // text of the cell's hint
-    bool vikend = false;   // Saturday or Sunday
-};
+struct TMonthGridCell;
+struct TMonthGridStyle;
+class TMonthGridPrivate;
+class TDayGridPrivate;
 
 // One calendar month as a grid: a row per day (row r is day r), a column per
 // time slot (column c covers (c - 1) / dilkyHodinyDen to c / dilkyHodinyDen
@@ -66,11 +36,11 @@ struct OXA_EXPORT TMonthGridCell
 class OXA_EXPORT TMonthGrid : public TDrawGrid
 {
     Q_OBJECT
-    Q_PROPERTY(double Datum READ Datum WRITE SetDatum)
-    Q_PROPERTY(int CasOd READ CasOd WRITE SetCasOd)
-    Q_PROPERTY(oxa::TMonthArray *Zaznamy READ Zaznamy WRITE SetZaznamy)
-    Q_PROPERTY(int dilkyHodiny READ dilkyHodiny)
-    Q_PROPERTY(int dilkyHodinyDen READ dilkyHodinyDen)
+    Q_PROPERTY(double Datum READ Datum WRITE SetDatum NOTIFY datumChanged)
+    Q_PROPERTY(int CasOd READ CasOd WRITE SetCasOd NOTIFY casOdChanged)
+    Q_PROPERTY(oxa::TMonthArray *Zaznamy READ Zaznamy WRITE SetZaznamy NOTIFY zaznamyChanged)
+    Q_PROPERTY(int dilkyHodiny READ dilkyHodiny CONSTANT)
+    Q_PROPERTY(int dilkyHodinyDen READ dilkyHodinyDen CONSTANT)
 
 public:
     // aDilekMinut: minutes per slot, 1 to 60 (EInvalidOperation otherwise);
@@ -80,27 +50,28 @@ public:
 
     // Any day of the month shown. A new date resizes the grid to the month
     // and makes the date's day the current row; call Init afterwards.
-    TDate Datum() const { return FDatum; }
+    TDate Datum() const;
     virtual void SetDatum(TDate Value);
     // The hour the grid scrolls to horizontally.
-    int CasOd() const { return FCasOd; }
+    int CasOd() const;
     void SetCasOd(int Value);
     // The entries shown; not owned. Null shows none.
-    TMonthArray *Zaznamy() const { return FZaznamy; }
-    void SetZaznamy(TMonthArray *Value) { FZaznamy = Value; }
+    TMonthArray *Zaznamy() const;
+    void SetZaznamy(TMonthArray *Value);
 
-    int dilkyMinuta() const { return fDILKY_MINUTA; }
-    int dilkyHodiny() const { return fDILKY_HODINY; }
-    int dilkyHodinyDen() const { return fDILKY_HODINY_DEN; }
+    int dilkyMinuta() const;
+    int dilkyHodiny() const;
+    int dilkyHodinyDen() const;
 
-    const TDiarNastaveni &DiarNastaveni() const { return fDiarNastaveni; }
+    const TDiarNastaveni &DiarNastaveni() const;
     void SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni);
 
     // Rebuilds the cells of every day.
     void Init() { InitVykreslovani(-1); }
     // Rebuilds the cells of day aDen, or of every day when aDen is negative.
     void InitVykreslovani(int aDen);
-    // The prepared cell; EInvalidGridOperation outside the grid's cells.
+    // The prepared cell (MonthGrid_p.h); EInvalidGridOperation outside the
+    // grid's cells.
     const TMonthGridCell &DataPaint(int ARow, int ACol) const;
 
     // Whether an entry of day ARow meets the slot of column ACol; then Color
@@ -126,26 +97,34 @@ public:
     void AktivujCas(TTime aCas);
 
     // The slot of column ACol as the entries are tested against it.
-    TTime SlotStartTime(int ACol) const { return double(ACol - 1) / fDILKY_HODINY_DEN; }
-    TTime SlotEndTime(int ACol) const { return double(ACol) / fDILKY_HODINY_DEN; }
+    TTime SlotStartTime(int ACol) const;
+    TTime SlotEndTime(int ACol) const;
     // The column of the slot that contains the time of day.
     int SlotColumn(TTime aCas) const;
     // The date shown in a data row.
     virtual TDate DatumRadku(int ARow) const;
     // The date of the row last clicked with the mouse (0 before any click).
-    TDate MouseDownDatum() const { return FMouseDownDatum; }
+    TDate MouseDownDatum() const;
 
     // The hint window and what it shows.
-    bool HintActive() const { return FHintActive; }
+    bool HintActive() const;
     QString HintText() const;
-    QLabel *HintWindow() const { return FHintWindow; }
+    QLabel *HintWindow() const;
     void HideHint();
+
+Q_SIGNALS:
+    void datumChanged(double Datum);
+    void casOdChanged(int CasOd);
+    void zaznamyChanged(oxa::TMonthArray *Zaznamy);
 
 protected:
     void DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State) override;
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
     void MouseMove(TShiftState Shift, int X, int Y) override;
     void MouseLeave() override;
+    // The date follows the row the user picks before OnSelectCell is asked,
+    // so that a handler setting the same date changes nothing.
+    bool SelectCell(int ACol, int ARow) override;
     void SelectionMoved(const TGridRect &OldSel, TGridCoord OldCurrent) override;
     void paintEvent(QPaintEvent *event) override;
     void hideEvent(QHideEvent *event) override;
@@ -154,18 +133,12 @@ protected:
     virtual int DataRowOf(int ARow) const { return ARow; }
 
     // Stores the date without any other change.
-    void StoreDatum(TDate Value) { FDatum = Value; }
-    int MouseRow() const { return FMouseRow; }
-    int MouseCol() const { return FMouseCol; }
+    void StoreDatum(TDate Value);
+    int MouseRow() const;
+    int MouseCol() const;
 
     // Painting in the month grid's style, shared with the day grid.
-    struct PaintStyle
-    {
-        QColor white, highlight, silver, black, rowOutline;
-        QPen dotted;
-        int hourTextWidth = 0;
-    };
-    const PaintStyle &Style() const { return FStyle; }
+    const TMonthGridStyle &Style() const;
     QColor SettingsColor(TColor Color) const;
     void FillCell(const QRect &Rect, const QColor &Background);
     void DrawCellTexts(int ACol, int ARow, const QRect &Rect, TDate aDen);
@@ -173,55 +146,12 @@ protected:
     void DrawEdges(int ACol, int ARow, const QRect &Rect);
 
 private:
+    friend class TMonthGridPrivate;
     void OnHintTimer();
     void ShowHint();
-    TMonthGridCell &Cell(int ARow, int ACol)
-    {
-        return fDataPaint[std::size_t(ARow * fCellCols + ACol)];
-    }
-    void ClearRow(int ARow, const QString &aSvatek, bool aVikend);
-    // A slot met by an entry of the day being prepared.
-    struct THit
-    {
-        int col;
-        int line;
-        const TDayRecord *zaznam;
-    };
-    void MarkEntries(int ARow);
-    void SortHitsByColumn();
-    static QString JoinTrimmed(const std::vector<QString> &lines,
-                               std::vector<THit>::const_iterator from,
-                               std::vector<THit>::const_iterator to);
-    void MarkHours(int ARow, const TPracDobaCas &aCas, TColor aBarva);
-    void MarkLeave(const TDovolena &aDovolena, int aFirst, int aLast);
-    TTime CutSlotTime(double aSlot) const;
-    int SlotsBefore(TTime aCas) const;
     QColor CellBackground(int ACol, int ARow) const;
 
-    int fDILKY_MINUTA = 15;
-    int fDILKY_HODINY = 4;
-    int fDILKY_HODINY_DEN = 96;
-    TDate FDatum = 0;
-    int FCasOd = 0;
-    TMonthArray *FZaznamy = nullptr;
-    TDiarNastaveni fDiarNastaveni;
-    int FMouseX = 0;
-    int FMouseY = 0;
-    int FMouseCol = -1;
-    QTimer *FHintTimer = nullptr;
-    QLabel *FHintWindow = nullptr;
-    bool FHintActive = false;
-    QString FHintText;
-    // The cell records, [row][column] row by row: 32 rows of ColCount cells.
-    std::vector<TMonthGridCell> fDataPaint;
-    int fCellCols = 0;
-    int FMouseRow = -1;
-    TDate FMouseDownDatum = 0;
-    // Buffers of MarkEntries, kept to spare allocations per day.
-    std::vector<THit> fHits;
-    std::vector<THit> fSortedHits;
-    std::vector<int> fColumnStarts;
-    PaintStyle FStyle;
+    std::unique_ptr<TMonthGridPrivate> const d;
 };
 
 // One day of the month grid as a strip of time slots, where the user picks a
@@ -234,12 +164,12 @@ class OXA_EXPORT TDayGrid : public TMonthGrid
 
 public:
     explicit TDayGrid(QWidget *AOwner = nullptr, int aDilekMinut = 15);
+    ~TDayGrid() override;
 
     // Stores the date and repaints; the cell records are not rebuilt.
     void SetDatum(TDate Value) override;
     TDate DatumRadku(int ARow) const override;
 
-    void setSelection(int left, int top, int right, int bottom);
     // Zero-based number of the first selected slot, and the last selected column.
     int GetSelectionStartCell() const;
     int GetSelectionEndCell() const;
@@ -249,8 +179,8 @@ public:
     // The columns of a span to select: the start from the slots per day, the
     // end from the slots per hour, both rounded half to even.
     void setSelectionStartTime(TTime startTime, TTime stopTime);
-    int SelColFrom() const { return FSelColFrom; }
-    int SelColTo() const { return FSelColTo; }
+    int SelColFrom() const;
+    int SelColTo() const;
 
 protected:
     void DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState State) override;
@@ -258,8 +188,7 @@ protected:
     int DataRowOf(int ARow) const override;
 
 private:
-    int FSelColFrom = 49;
-    int FSelColTo = 49;
+    std::unique_ptr<TDayGridPrivate> const d;
 };
 
 } // namespace oxa
