@@ -70,7 +70,7 @@ const char *const kBuilt[] = {
     "TMaskEditOxa", "TDateTimePickerOxa", "TOxaPopUpMenu", "TEditOxa", "TComboBoxOxa",
     "TStringGridOxa", "TMemoOxa", "TLabeledEditOxa", "TButtonOxa", "TErrorProvider",
     "TEnhancedMonthCalendar", "TDayListView", "TDayGroupBox", "TXLSfile", "TExecApplication",
-    "TBackgroundWorker", "TNumEditOxa", "TOxaEditCis", "TDiarPanel",
+    "TBackgroundWorker", "TNumEditOxa", "TOxaEditCis", "TDiarPanel", "TOxaRichView",
 };
 
 const CatalogueRow *rowOf(const QString &className)

@@ -14,6 +14,7 @@
 #include "oxa/controls/StringGridOxa.h"
 #include "oxa/diary/DayListView.h"
 #include "oxa/diary/EnhancedMonthCalendar.h"
+#include "oxa/richtext/OxaRichView.h"
 #include "oxa/spreadsheet/XLSfile.h"
 #include "oxa/utilities/BackgroundWorker.h"
 #include "oxa/utilities/ExecApp.h"
@@ -40,6 +41,7 @@ void RegisterAll()
     RegisterNumEditOxa();
     RegisterErrorProvider();
     RegisterBackgroundWorker();
+    RegisterOxaRichView();
 }
 
 } // namespace oxa

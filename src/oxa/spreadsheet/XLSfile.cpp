@@ -1,6 +1,6 @@
 #include "oxa/spreadsheet/XLSfile.h"
 
-#include "oxa/spreadsheet/CodePage1250.h"
+#include "oxa/toolkit/CodePage1250.h"
 #include "oxa/toolkit/Catalogue.h"
 
 #include <QDir>
