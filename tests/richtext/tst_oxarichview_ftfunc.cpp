@@ -127,10 +127,11 @@ void TestFtFunc::writing_data()
                                           << "<fn=Arial Black><fs=12><c=255>text</fn></fs></c>";
     QTest::newRow("value back to default still closes") << "a<fs=12>b</fs>c"
                                                         << "a<fs=12>b<fs>c</fs>";
-    QTest::newRow("link followed by its space")
-        << "x<a=7>see" << "x<c=16711680><u><a=7>see<c></u></a> </c>";
+    QTest::newRow("link followed by its space") << "x<a=7>see"
+                                                << "x<c=16711680><u><a=7>see<c></u></a> </c>";
     QTest::newRow("two links with different tags")
-        << "<a=1>p<a=2>q" << "<c=16711680><u><a=1>p<c></u></a> <c=16711680><u><a=2>q<c></u></a> </c>";
+        << "<a=1>p<a=2>q"
+        << "<c=16711680><u><a=1>p<c></u></a> <c=16711680><u><a=2>q<c></u></a> </c>";
     QTest::newRow("alignment back to default") << "<p=r>a\r\n<p>b"
                                                << "<p=r>a\r\n<p>b</p>";
     QTest::newRow("system colour is negative") << "<c=-16777201>a"

@@ -430,7 +430,7 @@ void RichDocument::ConvertTextStyle(QTextCursor &cursor,
     };
     if (!cursor.hasSelection()) {
         const QTextCharFormat current = cursor.charFormat();
-        cursor.setCharFormat(TextFormat(converted(CurTextStyleNo(cursor)), TagOf(current)));
+        SetInsertionFormat(cursor, TextFormat(converted(CurTextStyleNo(cursor)), TagOf(current)));
         return;
     }
     UndoScope scope(this, utFormatting);
@@ -446,14 +446,41 @@ void RichDocument::ConvertTextStyle(QTextCursor &cursor,
     d->dirty = true;
 }
 
+void RichDocument::SetInsertionFormat(QTextCursor &cursor, const QTextCharFormat &format)
+{
+    // An empty paragraph is an item of its own: it takes the style too.
+    if (cursor.block().length() == 1 && cursor.block().charFormat() != format) {
+        UndoScope scope(this, utFormatting);
+        cursor.setBlockCharFormat(format);
+        d->dirty = true;
+    }
+    cursor.setCharFormat(format);
+}
+
 void RichDocument::ApplyTextStyle(QTextCursor &cursor, int styleNo)
 {
     if (!cursor.hasSelection()) {
-        cursor.setCharFormat(TextFormat(styleNo));
+        SetInsertionFormat(cursor, TextFormat(styleNo));
         return;
     }
     UndoScope scope(this, utFormatting);
     cursor.setCharFormat(TextFormat(styleNo));
+    d->dirty = true;
+}
+
+void RichDocument::ApplyParaStyle(QTextCursor &cursor, int paraNo)
+{
+    UndoScope scope(this, utParagraph);
+    QTextCursor c(d->doc);
+    c.beginEditBlock();
+    const QTextBlock last = d->doc->findBlock(cursor.selectionEnd());
+    for (QTextBlock b = d->doc->findBlock(cursor.selectionStart()); b.isValid(); b = b.next()) {
+        c.setPosition(b.position());
+        c.setBlockFormat(ParaFormat(paraNo));
+        if (b == last)
+            break;
+    }
+    c.endEditBlock();
     d->dirty = true;
 }
 

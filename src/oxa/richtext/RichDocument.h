@@ -112,6 +112,9 @@ public:
     void ConvertTextStyle(QTextCursor &cursor, const std::function<void(TFontInfo &)> &change);
     void ConvertParaStyle(QTextCursor &cursor, const std::function<void(TParaInfo &)> &change);
     void ApplyTextStyle(QTextCursor &cursor, int styleNo);
+    void ApplyParaStyle(QTextCursor &cursor, int paraNo);
+    // The format the cursor types with; an empty paragraph takes it as well.
+    void SetInsertionFormat(QTextCursor &cursor, const QTextCharFormat &format);
     // The text style the cursor types with.
     int CurTextStyleNo(const QTextCursor &cursor) const;
     int CurParaStyleNo(const QTextCursor &cursor) const;
