@@ -886,16 +886,32 @@ void TOxaRichView::keyPressEvent(QKeyEvent *event)
             return;
         }
     }
-    RichDocument::UndoScope scope(d->doc, Private::UndoTypeOfKey(event));
+    const int undoType = Private::UndoTypeOfKey(event);
+    const bool typing =
+        undoType == utTyping && !event->text().isEmpty() && event->text().front().isPrint();
+    if (!typing)
+        d->doc->BreakTypingRun();
+    RichDocument::UndoScope scope(d->doc, undoType);
+    // Each key is an edit block of its own, so no key merges into an earlier
+    // step; the document joins the typed keys of one run itself.
+    QTextCursor block(document());
+    block.beginEditBlock();
     if (key != original) {
         QKeyEvent changed(event->type(), VirtualKeyToQtKey(key), event->modifiers());
         QTextEdit::keyPressEvent(&changed);
     } else {
         QTextEdit::keyPressEvent(event);
     }
+    block.endEditBlock();
     if (key == VK_ESCAPE)
         event->accept(); // the parent has its own Escape already
     d->doc->Invalidate();
+}
+
+void TOxaRichView::mousePressEvent(QMouseEvent *event)
+{
+    d->doc->BreakTypingRun();
+    QTextEdit::mousePressEvent(event);
 }
 
 void TOxaRichView::mouseReleaseEvent(QMouseEvent *event)

@@ -174,6 +174,7 @@ Q_SIGNALS:
 protected:
     bool KeyDownFormating(Word Key, TShiftState Shift);
     void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;

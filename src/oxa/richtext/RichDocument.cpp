@@ -92,6 +92,7 @@ public:
     bool groupMode = false;
     bool groupOpen = false;
     bool replaying = false;
+    bool typingRun = false; // the last step is typing that the next typed key continues
 
     const QList<Item> &Items() const
     {
@@ -159,7 +160,10 @@ public:
         if (replaying)
             return;
         redo.clear();
-        if (groupMode && groupOpen && !undo.isEmpty()) {
+        const bool continuesTyping = !groupMode && nextType == utTyping && typingRun &&
+            !undo.isEmpty() && undo.last().Type == utTyping;
+        typingRun = !groupMode && nextType == utTyping;
+        if ((groupMode && groupOpen && !undo.isEmpty()) || continuesTyping) {
             ++undo.last().Count;
         } else {
             undo.append({nextType, nextName, 1});
@@ -784,6 +788,7 @@ void RichDocument::Undo(QTextCursor *cursor)
     for (int i = 0; i < step.Count; ++i)
         cursor ? d->doc->undo(cursor) : d->doc->undo();
     d->replaying = false;
+    d->typingRun = false;
     d->redo.append(step);
     d->dirty = true;
     Q_EMIT UndoChanged();
@@ -817,19 +822,26 @@ void RichDocument::ClearUndo()
 RichDocument::UndoScope::UndoScope(RichDocument *doc, int undoType)
     : m_doc(doc), m_previous(doc->d->nextType)
 {
-    if (!doc->d->groupMode && doc->d->nextType != utCustom)
+    // A group or a custom action names the step itself.
+    m_changed = !doc->d->groupMode && doc->d->nextType != utCustom;
+    if (m_changed)
         doc->d->nextType = undoType;
 }
 
 RichDocument::UndoScope::~UndoScope()
 {
-    if (!m_doc->d->groupMode && m_doc->d->nextType != utCustom)
+    if (m_changed && !m_doc->d->groupMode && m_doc->d->nextType != utCustom)
         m_doc->d->nextType = m_previous;
 }
 
 void RichDocument::Invalidate()
 {
     d->dirty = true;
+}
+
+void RichDocument::BreakTypingRun()
+{
+    d->typingRun = false;
 }
 
 } // namespace oxa

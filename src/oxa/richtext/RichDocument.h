@@ -168,7 +168,12 @@ public:
     private:
         RichDocument *m_doc;
         int m_previous;
+        bool m_changed;
     };
+
+    // Typed keys make one undo step until the caret goes elsewhere or
+    // something else is done; this ends the current step.
+    void BreakTypingRun();
 
     // Marks the items as stale (edits inside an edit block send no signal).
     void Invalidate();
