@@ -3,6 +3,7 @@
 #include "DiaryPage.h"
 #include "ExportPage.h"
 #include "PatientPage.h"
+#include "ReportPage.h"
 
 #include <QApplication>
 #include <QDir>
@@ -18,6 +19,7 @@ MainWindow::MainWindow(QWidget *parent)
     AddPage(new DiaryPage(this), QStringLiteral("Diář"), QStringLiteral("diar"));
     m_export = new ExportPage(this);
     AddPage(m_export, QStringLiteral("Export"), QStringLiteral("export"));
+    AddPage(new ReportPage(this), QStringLiteral("Zpráva"), QStringLiteral("zprava"));
     statusBar()->showMessage(QStringLiteral("Ctrl+šipky přesouvají mezi poli, Tab v pořadí formuláře."));
     resize(1100, 720);
 }

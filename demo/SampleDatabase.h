@@ -18,4 +18,7 @@ public:
 private:
     static bool CreateSchema(QSqlDatabase &db, QString *error);
     static bool FillSampleData(QSqlDatabase &db, QString *error);
+    // The reports (rich-text streams) and text templates (tagged text);
+    // created with their sample templates when missing.
+    static bool EnsureReportSchema(QSqlDatabase &db, QString *error);
 };

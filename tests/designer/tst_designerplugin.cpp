@@ -75,6 +75,7 @@ void TestDesignerPlugin::offersEveryWidgetClassOnItsPage()
     QCOMPARE(groups.size(), widgets);
     QVERIFY(groups.contains(QStringLiteral("oxa::TEditOxa")));
     QCOMPARE(groups.value(QStringLiteral("oxa::TMaskEditOxa")), QStringLiteral("Oxa"));
+    QCOMPARE(groups.value(QStringLiteral("oxa::TOxaRichView")), QStringLiteral("Oxa"));
 }
 
 void TestDesignerPlugin::loaderBuildsAFormOfOxaWidgets()
