@@ -8,6 +8,7 @@
 #include "oxa/richtext/OxaRichView.h"
 #include "oxa/richtext/Oxarichview_ftfunc.h"
 
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QTextDocument>
 #include <QTextEdit>

@@ -14,11 +14,11 @@ public:
     static QString DefaultPath();
     static QSqlDatabase Database();
     static void Close();
+    // The reports (rich-text streams) and text templates (tagged text);
+    // created with their sample templates when missing.
+    static bool EnsureReportSchema(QSqlDatabase &db, QString *error);
 
 private:
     static bool CreateSchema(QSqlDatabase &db, QString *error);
     static bool FillSampleData(QSqlDatabase &db, QString *error);
-    // The reports (rich-text streams) and text templates (tagged text);
-    // created with their sample templates when missing.
-    static bool EnsureReportSchema(QSqlDatabase &db, QString *error);
 };
