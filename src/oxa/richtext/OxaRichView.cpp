@@ -74,10 +74,21 @@ public:
     bool hadSelection = false;
     quint32 rvfOptions = WorkingRVFOptions;
 
+    // Between BeginUpdate and EndUpdate the operations share this cursor and
+    // the view (scrolling, layout of the caret's line) follows once at the end.
+    int updateDepth = 0;
+    QTextCursor batch;
+
+    QTextCursor Cursor() const { return updateDepth > 0 ? batch : q->textCursor(); }
+
     // Runs an engine operation on the editor's cursor and puts the cursor back.
     template<class Fn>
     void WithCursor(Fn fn)
     {
+        if (updateDepth > 0) {
+            fn(batch);
+            return;
+        }
         QTextCursor c = q->textCursor();
         fn(c);
         q->setTextCursor(c);
@@ -151,11 +162,13 @@ public:
             QTextCursor c(document);
             RichBody::Insert(*doc, c, *content, {}, {}, false);
         }
+        // The caret is placed before the layout comes back, so that placing it
+        // does not lay the whole document out at once.
+        q->setTextCursor(QTextCursor(document));
+        q->setCurrentCharFormat(doc->TextFormat(0));
         document->setLayoutEnabled(true);
         document->setUndoRedoEnabled(true);
         doc->ClearUndo();
-        q->setTextCursor(QTextCursor(document));
-        q->setCurrentCharFormat(doc->TextFormat(0));
         UpdateAutoSize();
     }
 };
@@ -318,11 +331,11 @@ void TOxaRichView::SetParaStyle(TARVParaStyle style)
 
 int TOxaRichView::CurTextStyleNo() const
 {
-    return d->doc->CurTextStyleNo(textCursor());
+    return d->doc->CurTextStyleNo(d->Cursor());
 }
 int TOxaRichView::CurParaStyleNo() const
 {
-    return d->doc->CurParaStyleNo(textCursor());
+    return d->doc->CurParaStyleNo(d->Cursor());
 }
 
 void TOxaRichView::ApplyTextStyle(int styleNo)
@@ -359,7 +372,7 @@ bool TOxaRichView::InsTable(const TTableCreateInfo &info)
 
 QTextTable *TOxaRichView::CurrentTable() const
 {
-    return textCursor().currentTable();
+    return d->Cursor().currentTable();
 }
 
 bool TOxaRichView::DeleteTable()
@@ -381,7 +394,7 @@ void TOxaRichView::SetTableColor(TColor color)
     QTextTable *table = CurrentTable();
     if (!table)
         return;
-    const QTextCursor c = textCursor();
+    const QTextCursor c = d->Cursor();
     int firstRow, rows, firstCol, cols;
     if (c.hasSelection()) {
         c.selectedTableCells(&firstRow, &rows, &firstCol, &cols);
@@ -547,7 +560,7 @@ bool TOxaRichView::IsParaStart(int itemNo) const
 
 bool TOxaRichView::GetSelectionBounds(TCursorPos &start, TCursorPos &end) const
 {
-    const QTextCursor c = textCursor();
+    const QTextCursor c = d->Cursor();
     if (!c.hasSelection())
         return false;
     start = d->doc->PositionToItem(c.selectionStart());
@@ -556,6 +569,18 @@ bool TOxaRichView::GetSelectionBounds(TCursorPos &start, TCursorPos &end) const
 }
 
 // ---- undo ----
+
+void TOxaRichView::BeginUpdate()
+{
+    if (d->updateDepth++ == 0)
+        d->batch = textCursor();
+}
+
+void TOxaRichView::EndUpdate()
+{
+    if (d->updateDepth > 0 && --d->updateDepth == 0)
+        setTextCursor(d->batch);
+}
 
 void TOxaRichView::Undo()
 {

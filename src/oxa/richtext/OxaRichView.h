@@ -122,6 +122,11 @@ public:
     // The selection's ends, ordered; false when nothing is selected.
     bool GetSelectionBounds(TCursorPos &start, TCursorPos &end) const;
 
+    // Operations between BeginUpdate and EndUpdate work on one cursor; the
+    // caret and the view follow once, at EndUpdate (calls nest).
+    void BeginUpdate();
+    void EndUpdate();
+
     // Undo and redo.
     void Undo();
     void Redo();

@@ -352,6 +352,7 @@ void SetFormatedText(TOxaRichView *editor, const QString &Text)
 {
     if (Text.isEmpty())
         return;
+    editor->BeginUpdate();
     editor->BeginUndoGroup(utInserting);
     editor->SetUndoGroupMode(true);
     const TFontInfo normal = editor->Style().TextStyle(0);
@@ -375,6 +376,7 @@ void SetFormatedText(TOxaRichView *editor, const QString &Text)
         scanner.Piece.clear();
     }
     editor->SetUndoGroupMode(false);
+    editor->EndUpdate();
 }
 
 bool IsPlainText(const QString &Text)

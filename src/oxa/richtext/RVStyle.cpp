@@ -47,20 +47,50 @@ TRVStyle::TRVStyle()
     ParaStyles = {StandardPara("Paragraph Style", rvaLeft), StandardPara("Centered", rvaCenter)};
 }
 
+namespace {
+
+size_t FormatHash(const TFontInfo &i)
+{
+    return qHashMulti(0, i.FontName, i.Size, i.Style.toInt(), i.Color, i.BackColor, i.Jump);
+}
+
+size_t FormatHash(const TParaInfo &i)
+{
+    return qHashMulti(0, i.FirstIndent, i.LeftIndent, i.SpaceBefore, i.SpaceAfter, i.LineSpacing,
+                      int(i.Alignment));
+}
+
+// The first style of the list with the format of info, through the index.
+template<class Info>
+int FindIndexed(const QList<Info> &list, const Info &info, QMultiHash<size_t, int> &index,
+                qsizetype &indexed)
+{
+    if (indexed > list.size()) {
+        index.clear();
+        indexed = 0;
+    }
+    for (; indexed < list.size(); ++indexed)
+        index.insert(FormatHash(list[indexed]), int(indexed));
+    int found = -1;
+    for (auto it = index.constFind(FormatHash(info));
+         it != index.cend() && it.key() == FormatHash(info); ++it) {
+        if (it.value() < list.size() && list[it.value()].IsSameFormat(info) &&
+            (found < 0 || it.value() < found))
+            found = it.value();
+    }
+    return found;
+}
+
+} // namespace
+
 int TRVStyle::FindTextStyle(const TFontInfo &info) const
 {
-    for (int i = 0; i < TextStyles.size(); ++i)
-        if (TextStyles[i].IsSameFormat(info))
-            return i;
-    return -1;
+    return FindIndexed(TextStyles, info, m_textIndex, m_textIndexed);
 }
 
 int TRVStyle::FindParaStyle(const TParaInfo &info) const
 {
-    for (int i = 0; i < ParaStyles.size(); ++i)
-        if (ParaStyles[i].IsSameFormat(info))
-            return i;
-    return -1;
+    return FindIndexed(ParaStyles, info, m_paraIndex, m_paraIndexed);
 }
 
 int TRVStyle::FindOrAddTextStyle(const TFontInfo &info)

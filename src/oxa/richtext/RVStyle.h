@@ -5,6 +5,7 @@
 
 #include <QFlags>
 #include <QList>
+#include <QMultiHash>
 #include <QString>
 
 namespace oxa {
@@ -76,6 +77,15 @@ public:
     const TParaInfo &ParaStyle(int no) const;
     bool IsValidTextStyle(int no) const { return no >= 0 && no < TextStyles.size(); }
     bool IsValidParaStyle(int no) const { return no >= 0 && no < ParaStyles.size(); }
+
+private:
+    // Look-up of styles by format, extended as styles are appended. Every hit
+    // is checked against the style itself, so the index never gives a wrong
+    // style; it is rebuilt whenever the lists got shorter.
+    mutable QMultiHash<size_t, int> m_textIndex;
+    mutable qsizetype m_textIndexed = 0;
+    mutable QMultiHash<size_t, int> m_paraIndex;
+    mutable qsizetype m_paraIndexed = 0;
 };
 
 } // namespace oxa

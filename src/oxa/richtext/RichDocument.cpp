@@ -83,6 +83,7 @@ public:
     QTextDocument *doc;
     TRVStyle style;
     mutable QList<Item> items;
+    mutable QList<QTextCharFormat> formatCache; // by text style number
     mutable bool dirty = true;
 
     QList<UndoStep> undo;
@@ -230,6 +231,7 @@ const TRVStyle &RichDocument::Style() const
 void RichDocument::SetStyle(const TRVStyle &style)
 {
     d->style = style;
+    d->formatCache.clear();
     const TFontInfo &normal = d->style.TextStyle(0);
     QFont font(normal.FontName);
     font.setPointSize(normal.Size);
@@ -365,6 +367,23 @@ int RichDocument::ItemToPosition(const TCursorPos &pos) const
 
 QTextCharFormat RichDocument::TextFormat(int styleNo, const QString &tag) const
 {
+    // Formats are made once per style: typing and loading ask for them all the time.
+    if (!d->style.IsValidTextStyle(styleNo))
+        styleNo = 0;
+    if (d->formatCache.size() != d->style.TextStyles.size())
+        d->formatCache.resize(d->style.TextStyles.size());
+    QTextCharFormat &cached = d->formatCache[styleNo];
+    if (!cached.hasProperty(TextStyleProperty))
+        cached = MakeTextFormat(styleNo);
+    if (tag.isEmpty())
+        return cached;
+    QTextCharFormat f = cached;
+    f.setProperty(ItemTagProperty, tag);
+    return f;
+}
+
+QTextCharFormat RichDocument::MakeTextFormat(int styleNo) const
+{
     const TFontInfo &info = d->style.TextStyle(styleNo);
     QTextCharFormat f;
     f.setFontFamilies(QStringList{info.FontName});
@@ -377,9 +396,7 @@ QTextCharFormat RichDocument::TextFormat(int styleNo, const QString &tag) const
     if (info.BackColor != clNone)
         f.setBackground(ColorToQColor(info.BackColor));
     f.setAnchor(info.Jump);
-    f.setProperty(TextStyleProperty, d->style.IsValidTextStyle(styleNo) ? styleNo : 0);
-    if (!tag.isEmpty())
-        f.setProperty(ItemTagProperty, tag);
+    f.setProperty(TextStyleProperty, styleNo);
     return f;
 }
 

@@ -182,6 +182,8 @@ Q_SIGNALS:
     void UndoChanged();
 
 private:
+    QTextCharFormat MakeTextFormat(int styleNo) const;
+
     class Private;
     std::unique_ptr<Private> const d;
 };
