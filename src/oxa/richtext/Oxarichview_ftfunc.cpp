@@ -3,11 +3,15 @@
 #include "oxa/richtext/OxaRichView.h"
 #include "oxa/richtext/StrToIntDef_p.h"
 
+#include <QTextDocument>
 #include <array>
 
 namespace oxa {
 
 namespace {
+
+// Above this length an insertion is laid out once, after the last piece.
+constexpr qsizetype BulkInsertChars = 8192;
 
 // The tag names; the index is also the tag's bit in the writer's set of open tags.
 enum TagIndex : quint8 {
@@ -353,6 +357,11 @@ void SetFormatedText(TOxaRichView *editor, const QString &Text)
     if (Text.isEmpty())
         return;
     editor->BeginUpdate();
+    // A long text is laid out once at the end instead of piece by piece.
+    QTextDocument *document = editor->document();
+    const bool bulk = Text.size() > BulkInsertChars && document->isLayoutEnabled();
+    if (bulk)
+        document->setLayoutEnabled(false);
     editor->BeginUndoGroup(utInserting);
     editor->SetUndoGroupMode(true);
     const TFontInfo normal = editor->Style().TextStyle(0);
@@ -376,6 +385,8 @@ void SetFormatedText(TOxaRichView *editor, const QString &Text)
         scanner.Piece.clear();
     }
     editor->SetUndoGroupMode(false);
+    if (bulk)
+        document->setLayoutEnabled(true);
     editor->EndUpdate();
 }
 

@@ -83,6 +83,7 @@ public:
     QTextDocument *doc;
     TRVStyle style;
     mutable QList<Item> items;
+    mutable QString rawText; // the document's characters when the items were listed
     mutable QList<QTextCharFormat> formatCache; // by text style number
     mutable bool dirty = true;
 
@@ -105,6 +106,7 @@ public:
     void Rebuild() const
     {
         items.clear();
+        rawText = doc->toRawText();
         for (auto it = doc->rootFrame()->begin(); !it.atEnd(); ++it) {
             if (QTextFrame *frame = it.currentFrame()) {
                 if (auto *table = qobject_cast<QTextTable *>(frame)) {
@@ -290,10 +292,8 @@ QString RichDocument::GetItemText(int itemNo) const
     const Item *item = d->At(itemNo);
     if (!item || item->Table || item->Length == 0)
         return QString();
-    QTextCursor c(d->doc);
-    c.setPosition(item->Start);
-    c.setPosition(item->Start + item->Length, QTextCursor::KeepAnchor);
-    return c.selectedText();
+    // The document's text is taken once per edit; an item is a piece of it.
+    return d->rawText.mid(item->Start, item->Length);
 }
 
 QString RichDocument::GetItemTag(int itemNo) const
