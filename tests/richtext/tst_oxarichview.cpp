@@ -3,6 +3,8 @@
 #include "oxa/richtext/RichClipboard.h"
 #include "support/TestSupport.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QDialog>
 #include <QMimeData>
 #include <QSignalSpy>
@@ -389,13 +391,15 @@ void TestOxaRichView::pastedHtmlMapsOntoTheStyleSheet()
     QCOMPARE(a.Style, TFontStyles(fsBold));
     QCOMPARE(e.Style().ParaStyle(e.GetItemPara(0)).Alignment, rvaCenter);
     QCOMPARE(e.GetItemStyle(2), rvsTableItem);
-    QMimeData text;
-    text.setText(QStringLiteral("p\nq"));
-    text.setHtml(QStringLiteral("<b>ignored</b>"));
+    auto *text = new QMimeData;
+    text->setText(QStringLiteral("p\nq"));
+    text->setHtml(QStringLiteral("<b>ignored</b>"));
+    QApplication::clipboard()->setMimeData(text);
     e.CaretToEnd();
-    c = e.textCursor();
-    RichClipboard::PasteText(*e.RVData(), c, &text);
+    e.PasteText();
     QCOMPARE(e.GetItemText(e.ItemCount() - 1), QStringLiteral("q"));
+    QCOMPARE(e.Style().TextStyle(e.GetItemStyle(e.ItemCount() - 1)).Style, TFontStyles());
+    QCOMPARE(e.UndoAction(), int(utInserting));
 }
 
 void TestOxaRichView::caretHelpers()

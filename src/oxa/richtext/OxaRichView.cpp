@@ -13,6 +13,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QBuffer>
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMimeData>
@@ -497,6 +498,15 @@ void TOxaRichView::InsertText(const QString &text)
     d->WithCursor([&](QTextCursor &c) { d->doc->InsertText(c, text); });
 }
 
+void TOxaRichView::PasteText()
+{
+    d->WithCursor([&](QTextCursor &c) {
+        RichDocument::UndoScope scope(d->doc, utInserting);
+        RichClipboard::PasteText(*d->doc, c, QApplication::clipboard()->mimeData());
+    });
+    ensureCursorVisible();
+}
+
 QString TOxaRichView::GetAllItemText(int index) const
 {
     const QTextTable *table = d->doc->GetItemTable(index);
@@ -953,11 +963,6 @@ void TOxaRichView::contextMenuEvent(QContextMenuEvent *event)
 {
     Q_EMIT OnPopup();
     QTextEdit::contextMenuEvent(event);
-}
-
-void TOxaRichView::resizeEvent(QResizeEvent *event)
-{
-    QTextEdit::resizeEvent(event);
 }
 
 // ---- clipboard ----

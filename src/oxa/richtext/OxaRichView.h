@@ -106,6 +106,8 @@ public:
     void InsertFontText(const QString &text, TFontStyles styles);
     // Inserts text at the caret in the current style.
     void InsertText(const QString &text);
+    // Pastes the clipboard's plain text in the current style ("Vložit jako text").
+    void PasteText();
     // The plain text of an item; a table's cells by rows.
     QString GetAllItemText(int index) const;
     bool IsEmpty() const;
@@ -182,7 +184,6 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
     QMimeData *createMimeDataFromSelection() const override;
     bool canInsertFromMimeData(const QMimeData *source) const override;

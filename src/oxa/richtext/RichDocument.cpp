@@ -201,12 +201,6 @@ public:
         }
         return runs;
     }
-
-    void ApplyFormatToBlockChars(QTextBlock block, const QTextCharFormat &format)
-    {
-        QTextCursor c(block);
-        c.setBlockCharFormat(format);
-    }
 };
 
 RichDocument::RichDocument(QObject *parent) : QObject(parent), d(std::make_unique<Private>(this))
