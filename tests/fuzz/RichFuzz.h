@@ -37,7 +37,8 @@ inline void RichStream(const uint8_t *data, size_t size)
 }
 
 // Tagged text never throws; text without a recognised tag changes no
-// formatting, and nothing inserts more characters than it was given.
+// formatting and inserts no more characters than it was given; a link piece
+// gains its one space, so no text inserts more than twice its length.
 inline void TaggedText(const uint8_t *data, size_t size)
 {
     const QString text = QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
@@ -46,7 +47,8 @@ inline void TaggedText(const uint8_t *data, size_t size)
     SetFormatedText(&editor, text);
     const int last = editor.ItemCount() - 1;
     GetFormatedText(&editor, 0, 1, last, int(editor.GetItemText(last).size()) + 1);
-    if (editor.toPlainText().size() > text.size())
+    const qsizetype inserted = editor.toPlainText().size();
+    if (inserted > 2 * text.size() || (plain && inserted > text.size()))
         std::abort();
     for (int i = 0; plain && i <= last; ++i)
         if (editor.GetItemStyle(i) != 0 || editor.GetItemPara(i) != 0)
