@@ -5,6 +5,7 @@
 #include "ExportPage.h"
 #include "PatientPage.h"
 #include "VaccinationPage.h"
+#include "ReportPage.h"
 
 #include <QApplication>
 #include <QDir>
@@ -21,6 +22,7 @@ MainWindow::MainWindow(QWidget *parent)
     AddPage(new VaccinationPage(this), QStringLiteral("Očkování"), QStringLiteral("ockovani"));
     m_export = new ExportPage(this);
     AddPage(m_export, QStringLiteral("Export"), QStringLiteral("export"));
+    AddPage(new ReportPage(this), QStringLiteral("Zpráva"), QStringLiteral("zprava"));
     AddPage(new CodeListsPage(this), QStringLiteral("Číselníky"), QStringLiteral("ciselniky"));
     // Each page says what its keys do (its "statusHint" property).
     const auto showHint = [this](int index) {

@@ -338,3 +338,39 @@ bool SampleDatabase::EnsureCodeLists(QSqlDatabase &db, QString *error)
     }
     return db.commit();
 }
+
+bool SampleDatabase::EnsureReportSchema(QSqlDatabase &db, QString *error)
+{
+    QSqlQuery q(db);
+    // A binary column is BLOB on SQLite, BYTEA on a PostgreSQL server.
+    const QString binary = db.driverName() == QLatin1String("QPSQL") ? QStringLiteral("BYTEA")
+                                                                   : QStringLiteral("BLOB");
+    if (!exec(q, QStringLiteral("CREATE TABLE IF NOT EXISTS zprava (pacient INTEGER PRIMARY KEY"
+                                " REFERENCES pacient(id), obsah %1 NOT NULL)").arg(binary), error)
+        || !exec(q, Portable(QStringLiteral("CREATE TABLE IF NOT EXISTS textovy_vzor (id INTEGER PRIMARY KEY"
+                                            " AUTOINCREMENT, nazev TEXT NOT NULL, text TEXT NOT NULL)")), error)
+        || !exec(q, QStringLiteral("SELECT COUNT(*) FROM textovy_vzor"), error))
+        return false;
+    if (q.next() && q.value(0).toInt() > 0)
+        return true;
+    const QList<QPair<QString, QString>> templates = {
+        {QStringLiteral("Objektivní nález"),
+         QStringLiteral("<b>Objektivní nález:</b> při vědomí, orientován, eupnoický, bez ikteru a cyanózy.\r\n")},
+        {QStringLiteral("Doporučení"),
+         QStringLiteral("<p=c><fs=12><b>Doporučení</b></fs>\r\n<p>Klidový režim, dostatek tekutin, "
+                        "kontrola za <u>7 dní</u>.\r\n")},
+        {QStringLiteral("Medikace"),
+         QStringLiteral("<i>Medikace:</i> Paralen 500 mg <c=255>max. 4 tbl. denně</c>\r\n")},
+    };
+    q.prepare(QStringLiteral("INSERT INTO textovy_vzor (nazev, text) VALUES (?, ?)"));
+    for (const auto &[name, text] : templates) {
+        q.addBindValue(name);
+        q.addBindValue(text);
+        if (!q.exec()) {
+            if (error)
+                *error = q.lastError().text();
+            return false;
+        }
+    }
+    return true;
+}

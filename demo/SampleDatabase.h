@@ -27,6 +27,10 @@ public:
     // so a database from an earlier demo gains them too.
     static bool EnsureCodeLists(QSqlDatabase &db, QString *error);
 
+    // The reports (rich-text streams) and text templates (tagged text);
+    // created with their sample templates when missing.
+    static bool EnsureReportSchema(QSqlDatabase &db, QString *error);
+
 private:
     static bool CreateSchema(QSqlDatabase &db, QString *error);
     static bool FillSampleData(QSqlDatabase &db, QString *error);

@@ -78,6 +78,7 @@ void TestDesignerPlugin::offersEveryWidgetClassOnItsPage()
     for (const char *grid :
          {"oxa::TStringGridCheck", "oxa::TCheckTreeView", "oxa::TCheckTreeViewOxa"})
         QCOMPARE(groups.value(QLatin1String(grid)), QStringLiteral("Oxa"));
+    QCOMPARE(groups.value(QStringLiteral("oxa::TOxaRichView")), QStringLiteral("Oxa"));
 }
 
 void TestDesignerPlugin::loaderBuildsAFormOfOxaWidgets()

@@ -23,7 +23,7 @@ clang++ -std=c++20 -g -O1 -fsanitize=fuzzer,address,undefined -fno-omit-frame-po
     -DQT_NO_KEYWORDS -I"$root/src" $(pkg-config --cflags Qt6Core Qt6Widgets) \
     "$here/fuzz_xlsread.cpp" \
     "$root/src/oxa/spreadsheet/XLSfile.cpp" \
-    "$root/src/oxa/spreadsheet/CodePage1250.cpp" \
+    "$root/src/oxa/toolkit/CodePage1250.cpp" \
     "$root/src/oxa/toolkit/Catalogue.cpp" \
     "$out/moc_XLSfile.cpp" \
     $(pkg-config --libs Qt6Core Qt6Widgets) \

@@ -71,7 +71,7 @@ const char *const kBuilt[] = {
     "TStringGridOxa", "TMemoOxa", "TLabeledEditOxa", "TButtonOxa", "TErrorProvider",
     "TEnhancedMonthCalendar", "TDayListView", "TDayGroupBox", "TXLSfile", "TExecApplication",
     "TBackgroundWorker", "TNumEditOxa", "TOxaEditCis", "TDiarPanel",
-    "TStringGridCheck", "TCheckTreeView", "TCheckTreeViewOxa",
+    "TOxaRichView", "TStringGridCheck", "TCheckTreeView", "TCheckTreeViewOxa",
 };
 
 // The record grids and the data-aware members, built so far.

@@ -1,4 +1,4 @@
-#include "oxa/spreadsheet/CodePage1250.h"
+#include "oxa/toolkit/CodePage1250.h"
 #include "oxa/spreadsheet/XLSfile.h"
 
 #include <QBuffer>

@@ -2,7 +2,7 @@
 // xlrd library and the LibreOffice Calc converter. A reader that is not
 // installed makes its test report itself skipped.
 
-#include "oxa/spreadsheet/CodePage1250.h"
+#include "oxa/toolkit/CodePage1250.h"
 #include "oxa/spreadsheet/XLSfile.h"
 
 #include <QFile>

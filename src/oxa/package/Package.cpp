@@ -25,6 +25,7 @@
 #include "oxa/grids/CheckTreeView.h"
 #include "oxa/grids/CheckTreeViewOxa.h"
 #include "oxa/grids/StringGridCheck.h"
+#include "oxa/richtext/OxaRichView.h"
 #include "oxa/spreadsheet/XLSfile.h"
 #include "oxa/utilities/BackgroundWorker.h"
 #include "oxa/utilities/ExecApp.h"
@@ -62,6 +63,7 @@ void RegisterAll()
     RegisterStringGridCheck();
     RegisterCheckTreeView();
     RegisterCheckTreeViewOxa();
+    RegisterOxaRichView();
 }
 
 } // namespace oxa

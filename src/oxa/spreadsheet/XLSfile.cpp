@@ -1,7 +1,7 @@
 #include "oxa/spreadsheet/XLSfile.h"
 #include "oxa/spreadsheet/XLSfile_p.h"
 
-#include "oxa/spreadsheet/CodePage1250.h"
+#include "oxa/toolkit/CodePage1250.h"
 #include "oxa/toolkit/Catalogue.h"
 
 #include <QDir>

@@ -8,7 +8,8 @@
 namespace oxa {
 
 // Conversion between UTF-16 text and the Windows Central European single-byte
-// code page 1250, the code page our spreadsheet files declare. The table is
+// code page 1250: the code page our spreadsheet files declare and the one the
+// header of a rich-text stream is written in, whatever the locale. The table is
 // our own, so the bytes written do not depend on the machine's locale.
 //
 // A UTF-16 code unit that has no place in code page 1250 (a character of

@@ -1,0 +1,426 @@
+#include "oxa/richtext/OxaRichView.h"
+#include "oxa/richtext/Oxarichview_ftfunc.h"
+#include "oxa/richtext/RichClipboard.h"
+#include "support/TestSupport.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDialog>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTextTable>
+#include <QVBoxLayout>
+
+using namespace oxa;
+using namespace oxa::test;
+
+namespace {
+
+// A shown editor in a window of its own, with the focus.
+struct Shown
+{
+    TestForm form;
+    TOxaRichView *editor = nullptr;
+    Shown()
+    {
+        form.resize(400, 300);
+        editor = form.Add<TOxaRichView>(200);
+        editor->resize(380, 200);
+        form.Show(editor);
+    }
+};
+
+QString AllText(const TOxaRichView &e)
+{
+    return e.GetText(0, e.ItemCount() - 1);
+}
+
+} // namespace
+
+class TestOxaRichView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void stuckKeyGuard();
+    void exemptKeysAreNeverRefused_data();
+    void exemptKeysAreNeverRefused();
+    void formattingShortcuts_data();
+    void formattingShortcuts();
+    void pageKeysAtTheEdges();
+    void insertTogglesOverwrite();
+    void escapeReachesTheDialog();
+    void undoTypesOfEdits();
+    void insertedTable();
+    void getTextJoinsParagraphsWithCrLf();
+    void linksAreActivated();
+    void autoSizeFollowsTheContent();
+    void itemsAndPositions();
+    void deleteUnusedStylesRenumbers();
+    void copyBetweenEditorsKeepsStyles();
+    void pastedHtmlMapsOntoTheStyleSheet();
+    void caretHelpers();
+};
+
+void TestOxaRichView::stuckKeyGuard()
+{
+    Shown s;
+    MessageRecorder messages;
+    for (int i = 0; i < 51; ++i)
+        QTest::keyClick(s.editor, Qt::Key_A);
+    QCOMPARE(AllText(*s.editor), QString(51, u'a'));
+    QVERIFY(messages.Shown().isEmpty());
+    QTest::keyClick(s.editor, Qt::Key_A);
+    QTest::keyClick(s.editor, Qt::Key_A);
+    QCOMPARE(AllText(*s.editor), QString(51, u'a'));
+    QCOMPARE(messages.Texts(),
+             QStringList(2, QStringLiteral("Ochrana (max. 50x) proti zaseklé klávese (65).")));
+    QCOMPARE(messages.Shown().first().Type, mtError);
+    QCOMPARE(messages.Shown().first().Buttons, TMsgDlgButtons(mbOK));
+    QTest::keyClick(s.editor, Qt::Key_B);
+    QTest::keyClick(s.editor, Qt::Key_A);
+    QCOMPARE(AllText(*s.editor), QString(51, u'a') + QStringLiteral("ba"));
+}
+
+void TestOxaRichView::exemptKeysAreNeverRefused_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("Delete") << int(Qt::Key_Delete);
+    QTest::newRow("Backspace") << int(Qt::Key_Backspace);
+    QTest::newRow("Left") << int(Qt::Key_Left);
+    QTest::newRow("Right") << int(Qt::Key_Right);
+    QTest::newRow("Up") << int(Qt::Key_Up);
+    QTest::newRow("Down") << int(Qt::Key_Down);
+}
+
+void TestOxaRichView::exemptKeysAreNeverRefused()
+{
+    QFETCH(int, key);
+    Shown s;
+    MessageRecorder messages;
+    s.editor->InsertText(QString(150, u'x'));
+    s.editor->SetCursorPos({0, 75});
+    for (int i = 0; i < 100; ++i)
+        QTest::keyClick(s.editor, Qt::Key(key));
+    QVERIFY(messages.Shown().isEmpty());
+}
+
+void TestOxaRichView::formattingShortcuts_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<QString>("tagged");
+    const int ctrl = int(Qt::ControlModifier);
+    QTest::newRow("Ctrl+B") << int(Qt::Key_B) << ctrl << "a<b>b</b>";
+    QTest::newRow("Ctrl+I") << int(Qt::Key_I) << ctrl << "a<i>b</i>";
+    QTest::newRow("Ctrl+P") << int(Qt::Key_P) << ctrl << "a<u>b</u>";
+    QTest::newRow("Ctrl+S") << int(Qt::Key_S) << ctrl << "a<s>b</s>";
+    QTest::newRow("Ctrl+E") << int(Qt::Key_E) << ctrl << "<p=c>ab</p>";
+    QTest::newRow("Ctrl+R") << int(Qt::Key_R) << ctrl << "<p=r>ab</p>";
+    QTest::newRow("Ctrl+J") << int(Qt::Key_J) << ctrl << "<p=j>ab</p>";
+    QTest::newRow("Ctrl+Shift+B") << int(Qt::Key_B) << int(Qt::ControlModifier | Qt::ShiftModifier)
+                                  << "ab";
+    QTest::newRow("Alt+B") << int(Qt::Key_B) << int(Qt::AltModifier) << "abb";
+}
+
+void TestOxaRichView::formattingShortcuts()
+{
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    QFETCH(QString, tagged);
+    Shown s;
+    QTest::keyClick(s.editor, Qt::Key_A);
+    QTest::keyClick(s.editor, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+    QTest::keyClick(s.editor, Qt::Key_B);
+    QCOMPARE(GetFormatedText(s.editor, 0, 1, s.editor->ItemCount() - 1,
+                             int(s.editor->GetItemText(s.editor->ItemCount() - 1).size()) + 1),
+             tagged);
+}
+
+void TestOxaRichView::pageKeysAtTheEdges()
+{
+    Shown s;
+    s.editor->InsertText(QStringLiteral("first\r\nsecond\r\nthird"));
+    auto converted = [&](Word key) {
+        s.editor->KeyDown(key, {});
+        return key;
+    };
+    s.editor->CaretToEnd();
+    QCOMPARE(converted(VK_NEXT), VK_DOWN);
+    QCOMPARE(converted(VK_PRIOR), VK_PRIOR);
+    s.editor->CaretToBegin();
+    QCOMPARE(converted(VK_PRIOR), VK_UP);
+    QCOMPARE(converted(VK_NEXT), VK_NEXT);
+    // PageDown in the last line moves like Down: the caret stays in that line.
+    s.editor->CaretToEnd();
+    s.editor->SetCursorPos({2, 1});
+    QTest::keyClick(s.editor, Qt::Key_PageDown);
+    QCOMPARE(s.editor->GetCursorPos().Item, 2);
+}
+
+void TestOxaRichView::insertTogglesOverwrite()
+{
+    Shown s;
+    QSignalSpy changed(s.editor, &TOxaRichView::OnChangeInserting);
+    s.editor->InsertText(QStringLiteral("abc"));
+    s.editor->CaretToBegin();
+    QTest::keyClick(s.editor, Qt::Key_Insert);
+    QVERIFY(!s.editor->Inserting());
+    QTest::keyClick(s.editor, Qt::Key_X);
+    QCOMPARE(AllText(*s.editor), QStringLiteral("xbc"));
+    QTest::keyClick(s.editor, Qt::Key_Insert);
+    QVERIFY(s.editor->Inserting());
+    QTest::keyClick(s.editor, Qt::Key_Y);
+    QCOMPARE(AllText(*s.editor), QStringLiteral("xybc"));
+    QCOMPARE(changed.count(), 2);
+    QTest::keyClick(s.editor, Qt::Key_Insert, Qt::ShiftModifier);
+    QVERIFY(s.editor->Inserting());
+}
+
+void TestOxaRichView::escapeReachesTheDialog()
+{
+    QDialog dialog;
+    auto *editor = new TOxaRichView(&dialog);
+    (new QVBoxLayout(&dialog))->addWidget(editor);
+    QVERIFY(ShowAndActivate(&dialog));
+    editor->setFocus();
+    QTest::keyClick(editor, Qt::Key_Escape);
+    QTRY_VERIFY(!dialog.isVisible());
+    QCOMPARE(dialog.result(), int(QDialog::Rejected));
+}
+
+void TestOxaRichView::undoTypesOfEdits()
+{
+    Shown s;
+    TOxaRichView &e = *s.editor;
+    QCOMPARE(e.UndoAction(), int(utNone));
+    QTest::keyClicks(&e, QStringLiteral("abc"));
+    QCOMPARE(e.UndoAction(), int(utTyping));
+    QTest::keyClick(&e, Qt::Key_Backspace);
+    QCOMPARE(e.UndoAction(), int(utDeleting));
+    e.selectAll();
+    QTest::keyClick(&e, Qt::Key_B, Qt::ControlModifier);
+    QCOMPARE(e.UndoAction(), int(utFormatting));
+    QTest::keyClick(&e, Qt::Key_E, Qt::ControlModifier);
+    QCOMPARE(e.UndoAction(), int(utParagraph));
+    e.CaretToEnd();
+    QVERIFY(e.InsTable({2, 2, 0, clBlack, 1}));
+    QCOMPARE(e.UndoAction(), int(utInserting));
+    QTest::keyClick(&e, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(e.ItemCount(), 1);
+    QCOMPARE(e.UndoAction(), int(utParagraph));
+    QCOMPARE(e.RedoAction(), int(utInserting));
+    QTest::keyClick(&e, Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(&e, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(e.UndoAction(), int(utDeleting));
+    QVERIFY(!(e.Style().TextStyle(e.GetItemStyle(0)).Style & fsBold));
+    QTest::keyClick(&e, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    QVERIFY(e.Style().TextStyle(e.GetItemStyle(0)).Style & fsBold);
+    e.RVData()->BeginUndoCustom(QStringLiteral("šablona"));
+    e.InsertText(QStringLiteral("x"));
+    QCOMPARE(e.UndoAction(), int(utCustom));
+    QCOMPARE(e.UndoName(), QStringLiteral("šablona"));
+    QTest::keyClicks(&e, QStringLiteral("y"));
+    QCOMPARE(e.UndoAction(), int(utTyping));
+}
+
+void TestOxaRichView::insertedTable()
+{
+    Shown s;
+    TOxaRichView &e = *s.editor;
+    QTest::keyClicks(&e, QStringLiteral("pred"));
+    QVERIFY(e.InsTable({3, 2, 400, clRed, 2}));
+    QTest::keyClicks(&e, QStringLiteral("A1"));
+    const int table = 1;
+    QCOMPARE(e.GetItemStyle(table), rvsTableItem);
+    QTextTable *t = e.RVData()->GetItemTable(table);
+    QCOMPARE(t->columns(), 3);
+    QCOMPARE(t->rows(), 2);
+    QCOMPARE(RichDocument::TableName(t), QStringLiteral("tabulka"));
+    const TRVTableProps p = RichDocument::TableProps(t);
+    QCOMPARE(p.BestWidth, 400);
+    QCOMPARE(p.CellBorderColor, clRed);
+    QCOMPARE(p.CellBorderWidth, 2);
+    QCOMPARE(p.CellBorderStyle, 2);
+    QCOMPARE(p.BorderWidth, 0);
+    QCOMPARE(e.GetAllItemText(table), QStringLiteral("A1\t\t\r\n\t\t"));
+    e.SetTableColor(clYellow);
+    QCOMPARE(RichDocument::CellColor(t, 0, 0), clYellow);
+    e.SetTableBorderColor(clBlue);
+    e.SetCellBorderWidth(3);
+    QCOMPARE(RichDocument::TableProps(t).CellBorderColor, clBlue);
+    QCOMPARE(RichDocument::TableProps(t).CellBorderWidth, 3);
+    QCOMPARE(e.UndoAction(), int(utModifying));
+    QVERIFY(!e.InsTable({0, 2, 0, clBlack, 1})); // beeps
+    e.setReadOnly(true);
+    QVERIFY(!e.InsTable({1, 1, 0, clBlack, 1}));
+    e.setReadOnly(false);
+    QVERIFY(e.DeleteTable());
+    QCOMPARE(e.GetText(0, e.ItemCount() - 1), QStringLiteral("pred"));
+}
+
+void TestOxaRichView::getTextJoinsParagraphsWithCrLf()
+{
+    TOxaRichView e;
+    SetFormatedText(&e, QStringLiteral("a<b>b</b>\r\nc\r\n\r\nd"));
+    QCOMPARE(e.GetText(0, 4), QStringLiteral("ab\r\nc\r\n\r\nd"));
+    QCOMPARE(e.GetText(2, 3), QStringLiteral("c\r\n"));
+    QCOMPARE(e.GetText(1, 1), QStringLiteral("b"));
+    QCOMPARE(e.GetText(7, 9), QString());
+}
+
+void TestOxaRichView::linksAreActivated()
+{
+    Shown s;
+    TOxaRichView &e = *s.editor;
+    QSignalSpy jumps(&e, &TOxaRichView::OnTextJump);
+    SetFormatedText(&e, QStringLiteral("text <a=42>odkaz</a> dál"));
+    QCOMPARE(e.GetItemTag(1), QStringLiteral("42"));
+    e.SetCursorPos({1, 3});
+    QTest::keyClick(&e, Qt::Key_Return);
+    QCOMPARE(jumps.count(), 1);
+    QCOMPARE(jumps.takeFirst().at(0).toInt(), 1);
+    QCOMPARE(e.ItemCount(), 3); // no new paragraph
+    e.SetCursorPos({1, 3});
+    const QPoint onLink = e.cursorRect().center();
+    QTest::mouseClick(e.viewport(), Qt::LeftButton, Qt::NoModifier, onLink);
+    QCOMPARE(jumps.count(), 0);
+    QTest::mouseClick(e.viewport(), Qt::LeftButton, Qt::ControlModifier, onLink);
+    QCOMPARE(jumps.count(), 1);
+    QCOMPARE(jumps.takeFirst().at(0).toInt(), 1);
+}
+
+void TestOxaRichView::autoSizeFollowsTheContent()
+{
+    Shown s;
+    TOxaRichView &e = *s.editor;
+    QSignalSpy heights(&e, &TOxaRichView::OnChangeHeight);
+    e.SetMinimalHeight(40);
+    e.SetAutoSize(true);
+    QCOMPARE(e.height(), 40);
+    for (int i = 0; i < 20; ++i)
+        QTest::keyClick(&e, Qt::Key_Return);
+    QTRY_VERIFY(e.height() > 200);
+    QVERIFY(!heights.isEmpty());
+    QCOMPARE(heights.last().at(0).toInt(), e.height());
+    e.Clear();
+    QTRY_COMPARE(e.height(), 40);
+}
+
+void TestOxaRichView::itemsAndPositions()
+{
+    TOxaRichView e;
+    SetFormatedText(&e, QStringLiteral("ab<b>cd</b>\r\n\r\nef"));
+    QCOMPARE(e.ItemCount(), 4);
+    const QList<TCursorPos> positions{{0, 1}, {0, 2}, {0, 3}, {1, 2},
+                                      {1, 3}, {2, 1}, {3, 1}, {3, 3}};
+    for (const TCursorPos &pos : positions) {
+        e.SetCursorPos(pos);
+        QCOMPARE(e.GetCursorPos(), pos);
+    }
+    e.SetCursorPos({1, 1}); // the start of a run is the end of the one before
+    QCOMPARE(e.GetCursorPos(), (TCursorPos{0, 3}));
+    e.SetItemTag(3, QStringLiteral("t"));
+    QCOMPARE(e.GetItemTag(3), QStringLiteral("t"));
+    QCOMPARE(e.UndoAction(), int(utTag));
+    e.selectAll();
+    TCursorPos start, end;
+    QVERIFY(e.GetSelectionBounds(start, end));
+    QCOMPARE(start, (TCursorPos{0, 1}));
+    QCOMPARE(end, (TCursorPos{3, 3}));
+    // The empty paragraph's own formatting comes after its line break.
+    QCOMPARE(e.GetSelFormatText(), QStringLiteral("ab<b>cd\r\n</b>\r\nef"));
+}
+
+void TestOxaRichView::deleteUnusedStylesRenumbers()
+{
+    TOxaRichView e;
+    e.SetFontSize(30); // style 3, never used
+    e.SetFontSize(12);
+    e.InsertText(QStringLiteral("a"));
+    e.SetParaStyle(apsRight);
+    QCOMPARE(e.GetItemStyle(0), 4);
+    e.RVData()->DeleteUnusedStyles(true, true);
+    QCOMPARE(e.Style().TextStyles.size(), 4);
+    QCOMPARE(e.GetItemStyle(0), 3);
+    QCOMPARE(e.Style().TextStyle(3).Size, 12);
+    QCOMPARE(e.Style().ParaStyles.size(), 3);
+    QCOMPARE(e.Style().ParaStyle(e.GetItemPara(0)).Alignment, rvaRight);
+    QCOMPARE(e.UndoAction(), int(utNone));
+}
+
+void TestOxaRichView::copyBetweenEditorsKeepsStyles()
+{
+    TOxaRichView source;
+    SetFormatedText(&source, QStringLiteral("<fs=20>velký <c=255>červený</c>\r\n<p=c>střed"));
+    source.CaretToEnd();
+    source.InsTable({2, 1, 0, clGreen, 1});
+    source.selectAll();
+    std::unique_ptr<QMimeData> mime(
+        RichClipboard::MimeOfSelection(*source.RVData(), source.textCursor(), true));
+    QCOMPARE(mime->formats().first(), QString::fromLatin1(RichClipboard::MimeType));
+    TOxaRichView target;
+    SetFormatedText(&target, QStringLiteral("<i>x</i>"));
+    target.CaretToEnd();
+    QTextCursor c = target.textCursor();
+    RichClipboard::Paste(*target.RVData(), c, mime.get());
+    QCOMPARE(target.GetText(0, target.ItemCount() - 1),
+             QStringLiteral("xvelký červený\r\nstřed\r\n\r\n"));
+    const QString tagged = GetFormatedText(&target, 0, 1, 3, 6);
+    QCOMPARE(tagged,
+             QStringLiteral("<i>x<fs=20></i>velký <c=255>červený\r\n<c><p=c>střed</fs></c></p>"));
+    QCOMPARE(target.GetItemStyle(4), rvsTableItem);
+    QVERIFY(mime->text().startsWith(QStringLiteral("velký červený")));
+}
+
+void TestOxaRichView::pastedHtmlMapsOntoTheStyleSheet()
+{
+    TOxaRichView e;
+    QMimeData mime;
+    mime.setHtml(
+        QStringLiteral("<p align=center><span style='font-family:Courier New; font-size:14pt; "
+                       "color:#ff0000'><b>A</b></span>b</p><table><tr><td>c</td></tr></table>"));
+    QTextCursor c = e.textCursor();
+    RichClipboard::Paste(*e.RVData(), c, &mime);
+    const TFontInfo &a = e.Style().TextStyle(e.GetItemStyle(0));
+    QCOMPARE(e.GetItemText(0), QStringLiteral("A"));
+    QCOMPARE(a.FontName, QStringLiteral("Courier New"));
+    QCOMPARE(a.Size, 14);
+    QCOMPARE(a.Color, clRed);
+    QCOMPARE(a.Style, TFontStyles(fsBold));
+    QCOMPARE(e.Style().ParaStyle(e.GetItemPara(0)).Alignment, rvaCenter);
+    QCOMPARE(e.GetItemStyle(2), rvsTableItem);
+    auto *text = new QMimeData;
+    text->setText(QStringLiteral("p\nq"));
+    text->setHtml(QStringLiteral("<b>ignored</b>"));
+    QApplication::clipboard()->setMimeData(text);
+    e.CaretToEnd();
+    e.PasteText();
+    QCOMPARE(e.GetItemText(e.ItemCount() - 1), QStringLiteral("q"));
+    QCOMPARE(e.Style().TextStyle(e.GetItemStyle(e.ItemCount() - 1)).Style, TFontStyles());
+    QCOMPARE(e.UndoAction(), int(utInserting));
+}
+
+void TestOxaRichView::caretHelpers()
+{
+    Shown s;
+    TOxaRichView &e = *s.editor;
+    e.InsertText(QStringLiteral("one\r\ntwo"));
+    e.CaretToBegin();
+    QVERIFY(e.IsCaretInBegin());
+    QVERIFY(e.IsCaretInFirstLine());
+    QVERIFY(!e.IsCaretInLastLine());
+    e.CaretToEnd();
+    QVERIFY(e.IsCaretInEnd());
+    QVERIFY(e.IsCaretInLastLine());
+    QCOMPARE(e.GetCaretHeight(), e.fontMetrics().height());
+    QVERIFY(e.GetCaretY() > 0);
+    QVERIFY(e.TryFocus());
+    QVERIFY(!e.IsEmpty());
+    e.Clear();
+    QVERIFY(e.IsEmpty());
+}
+
+QTEST_MAIN(TestOxaRichView)
+#include "tst_oxarichview.moc"
