@@ -210,7 +210,10 @@ bool TOxaRichView::SaveFontName() const
 }
 void TOxaRichView::SetSaveFontName(bool value)
 {
+    const auto before = SaveFontName();
     d->saveFontName = value;
+    if (SaveFontName() != before)
+        Q_EMIT saveFontNameChanged();
 }
 bool TOxaRichView::Inserting() const
 {
@@ -233,8 +236,11 @@ int TOxaRichView::MinimalHeight() const
 
 void TOxaRichView::SetMinimalHeight(int value)
 {
+    const auto before = MinimalHeight();
     d->minimalHeight = value;
     d->UpdateAutoSize();
+    if (MinimalHeight() != before)
+        Q_EMIT minimalHeightChanged();
 }
 
 bool TOxaRichView::AutoSize() const
@@ -244,9 +250,12 @@ bool TOxaRichView::AutoSize() const
 
 void TOxaRichView::SetAutoSize(bool value)
 {
+    const auto before = AutoSize();
     d->autoSize = value;
     setVerticalScrollBarPolicy(value ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
     d->UpdateAutoSize();
+    if (AutoSize() != before)
+        Q_EMIT autoSizeChanged();
 }
 
 // ---- formatting ----

@@ -47,10 +47,11 @@ struct TTableCreateInfo
 class OXA_EXPORT TOxaRichView : public QTextEdit
 {
     Q_OBJECT
-    Q_PROPERTY(bool SaveFontName READ SaveFontName WRITE SetSaveFontName)
+    Q_PROPERTY(bool SaveFontName READ SaveFontName WRITE SetSaveFontName NOTIFY saveFontNameChanged)
     Q_PROPERTY(bool Inserting READ Inserting WRITE SetInserting NOTIFY OnChangeInserting)
-    Q_PROPERTY(int MinimalHeight READ MinimalHeight WRITE SetMinimalHeight)
-    Q_PROPERTY(bool AutoSize READ AutoSize WRITE SetAutoSize)
+    Q_PROPERTY(
+        int MinimalHeight READ MinimalHeight WRITE SetMinimalHeight NOTIFY minimalHeightChanged)
+    Q_PROPERTY(bool AutoSize READ AutoSize WRITE SetAutoSize NOTIFY autoSizeChanged)
 
 public:
     explicit TOxaRichView(QWidget *parent = nullptr);
@@ -171,6 +172,9 @@ public:
     void KeyDown(Word &Key, TShiftState Shift);
 
 Q_SIGNALS:
+    void saveFontNameChanged();
+    void minimalHeightChanged();
+    void autoSizeChanged();
     void OnVScrolled();
     void OnChangeHeight(int height);
     void OnChangeInserting();
