@@ -7,16 +7,16 @@
 #include <QApplication>
 #include <benchmark/benchmark.h>
 
-#define OXA_BENCHMARK_MAIN()                                                   \
-    int main(int argc, char **argv)                                            \
-    {                                                                          \
-        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))                    \
-            qputenv("QT_QPA_PLATFORM", "offscreen");                           \
-        QApplication app(argc, argv);                                          \
-        benchmark::Initialize(&argc, argv);                                    \
-        if (benchmark::ReportUnrecognizedArguments(argc, argv))                \
-            return 1;                                                          \
-        benchmark::RunSpecifiedBenchmarks();                                   \
-        benchmark::Shutdown();                                                 \
-        return 0;                                                              \
+#define OXA_BENCHMARK_MAIN() \
+    int main(int argc, char **argv) \
+    { \
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) \
+            qputenv("QT_QPA_PLATFORM", "offscreen"); \
+        QApplication app(argc, argv); \
+        benchmark::Initialize(&argc, argv); \
+        if (benchmark::ReportUnrecognizedArguments(argc, argv)) \
+            return 1; \
+        benchmark::RunSpecifiedBenchmarks(); \
+        benchmark::Shutdown(); \
+        return 0; \
     }

@@ -63,7 +63,8 @@ void BM_QtBlockingQueuedCall(benchmark::State &state)
     const std::unique_ptr<QThread> caller(QThread::create([&] {
         for (auto _ : state) {
             QMetaObject::invokeMethod(
-                &receiver, [&sink, proc = qint16(50), text = ProgressText] { sink.Take(proc, text); },
+                &receiver,
+                [&sink, proc = qint16(50), text = ProgressText] { sink.Take(proc, text); },
                 Qt::BlockingQueuedConnection);
         }
     }));

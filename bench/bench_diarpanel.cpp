@@ -156,7 +156,11 @@ void BM_GotoDateSameMonth(benchmark::State &state)
     }
 }
 
-BENCHMARK(BM_GotoDateSameMonth)->ArgName("view")->Arg(dsWeek)->Arg(dsMonth)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_GotoDateSameMonth)
+    ->ArgName("view")
+    ->Arg(dsWeek)
+    ->Arg(dsMonth)
+    ->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

@@ -29,10 +29,10 @@ constexpr int kEntries = 2000;
 constexpr int kYear = 2024;
 constexpr int kMonth = 5;
 
-const char *const Names[] = {"Novák Jan", "Svobodová Eva", "Dvořák Petr", "Černá Jana",
+const char *const Names[] = {"Novák Jan",       "Svobodová Eva",  "Dvořák Petr",  "Černá Jana",
                              "Procházka Karel", "Kučerová Marie", "Veselý Tomáš", "Horáková Lenka"};
-const char *const Texts[] = {"Kontrola", "Odběr krve", "Očkování", "Převaz", "Konzultace",
-                             "Vstupní prohlídka", "EKG", "Recept"};
+const char *const Texts[] = {"Kontrola",   "Odběr krve",        "Očkování", "Převaz",
+                             "Konzultace", "Vstupní prohlídka", "EKG",      "Recept"};
 
 TTime Cas(int h, int n)
 {

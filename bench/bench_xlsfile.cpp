@@ -25,8 +25,8 @@ namespace {
 constexpr int Rows = 10000;
 constexpr int Cols = 100; // 1,000,000 cells; within xlwt's 65536 x 256
 
-const char *const Names[] = {"Novák", "Svobodová", "Dvořák", "Černá", "Procházka", "Kučerová",
-                             "Veselý", "Horáková", "Němec", "Pokorná", "Růžička", "Beneš"};
+const char *const Names[] = {"Novák",  "Svobodová", "Dvořák", "Černá",   "Procházka", "Kučerová",
+                             "Veselý", "Horáková",  "Němec",  "Pokorná", "Růžička",   "Beneš"};
 constexpr int NameCount = int(std::size(Names));
 
 // The same cells as the xlwt script below makes: by i = row * Cols + col.
@@ -112,7 +112,8 @@ void BM_XLSfileWrite(benchmark::State &state)
 bool SequentialWrite(const QString &name, const QByteArray &bytes)
 {
     QFile file(name);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+        file.write(bytes) == bytes.size();
 }
 
 void BM_SequentialWrite(benchmark::State &state)
@@ -141,7 +142,9 @@ double Median(std::vector<double> values)
 void BM_XLSfileVsSequential(benchmark::State &state)
 {
     using Clock = std::chrono::steady_clock;
-    const auto ms = [](Clock::duration d) { return std::chrono::duration<double, std::milli>(d).count(); };
+    const auto ms = [](Clock::duration d) {
+        return std::chrono::duration<double, std::milli>(d).count();
+    };
     TFixture &f = Fixture();
     const QByteArray bytes(f.fileSize, 'x');
     const QString name = f.dir.filePath(QStringLiteral("sequential.bin"));

@@ -95,8 +95,8 @@ QList<Interval> BookingHours(int weekday)
 
 bool IsHoliday(const QDate &d)
 {
-    static const QList<QPair<int, int>> fixed{{1, 1},  {1, 5},   {8, 5},   {5, 7},
-                                              {6, 7},  {28, 9},  {28, 10}, {17, 11},
+    static const QList<QPair<int, int>> fixed{{1, 1},   {1, 5},   {8, 5},   {5, 7},
+                                              {6, 7},   {28, 9},  {28, 10}, {17, 11},
                                               {24, 12}, {25, 12}, {26, 12}};
     return fixed.contains({d.day(), d.month()});
 }
@@ -118,25 +118,28 @@ struct Contact
 };
 
 const QStringList kPatientVisits{
-    QStringLiteral("Kontrola"),          QStringLiteral("Preventivní prohlídka"),
-    QStringLiteral("Odběr krve"),        QStringLiteral("Očkování"),
-    QStringLiteral("Převaz"),            QStringLiteral("Výsledky vyšetření"),
-    QStringLiteral("EKG"),               QStringLiteral("Vstupní prohlídka"),
-    QStringLiteral("Předpis léků"),      QStringLiteral("Kontrola tlaku"),
-    QStringLiteral("Konzultace"),        QStringLiteral("Vyšetření před operací")};
-const QStringList kPartnerMeetings{QStringLiteral("Svoz vzorků"), QStringLiteral("Dodávka materiálu"),
-                                   QStringLiteral("Porada"), QStringLiteral("Servis přístroje")};
-const QStringList kDetails{QString(), QString(), QStringLiteral("nalačno"),
+    QStringLiteral("Kontrola"),     QStringLiteral("Preventivní prohlídka"),
+    QStringLiteral("Odběr krve"),   QStringLiteral("Očkování"),
+    QStringLiteral("Převaz"),       QStringLiteral("Výsledky vyšetření"),
+    QStringLiteral("EKG"),          QStringLiteral("Vstupní prohlídka"),
+    QStringLiteral("Předpis léků"), QStringLiteral("Kontrola tlaku"),
+    QStringLiteral("Konzultace"),   QStringLiteral("Vyšetření před operací")};
+const QStringList kPartnerMeetings{QStringLiteral("Svoz vzorků"),
+                                   QStringLiteral("Dodávka materiálu"), QStringLiteral("Porada"),
+                                   QStringLiteral("Servis přístroje")};
+const QStringList kDetails{QString(),
+                           QString(),
+                           QStringLiteral("nalačno"),
                            QStringLiteral("přinést výsledky z odborného vyšetření"),
-                           QStringLiteral("objednán telefonicky"), QStringLiteral("doprovod rodiny")};
+                           QStringLiteral("objednán telefonicky"),
+                           QStringLiteral("doprovod rodiny")};
 
 class Generator
 {
 public:
     Generator(QSqlQuery &insert, QList<Contact> patients, QList<Contact> partners)
         : m_insert(insert), m_patients(std::move(patients)), m_partners(std::move(partners))
-    {
-    }
+    { }
 
     bool Day(const QDate &date, QString *error)
     {
@@ -169,7 +172,8 @@ public:
                 return false;
         }
         if (m_rng.bounded(8) == 0)
-            return Insert(date, 15 * 60 + 30, 16 * 60 + 30, QStringLiteral("Osobní"), {}, true, error);
+            return Insert(date, 15 * 60 + 30, 16 * 60 + 30, QStringLiteral("Osobní"), {}, true,
+                          error);
         return true;
     }
 
@@ -179,14 +183,16 @@ private:
         const bool partner = !m_partners.isEmpty() && m_rng.bounded(10) == 0;
         if (partner) {
             const Contact &c = m_partners.at(int(m_rng.bounded(m_partners.size())));
-            return Insert(date, start, end, kPartnerMeetings.at(int(m_rng.bounded(kPartnerMeetings.size()))),
-                          c, false, error);
+            return Insert(date, start, end,
+                          kPartnerMeetings.at(int(m_rng.bounded(kPartnerMeetings.size()))), c,
+                          false, error);
         }
         Contact c{0, QStringLiteral("Nový pacient"), QString(), 0};
         if (!m_patients.isEmpty())
             c = m_patients.at(int(m_rng.bounded(m_patients.size())));
-        return Insert(date, start, end, kPatientVisits.at(int(m_rng.bounded(kPatientVisits.size()))), c,
-                      false, error);
+        return Insert(date, start, end,
+                      kPatientVisits.at(int(m_rng.bounded(kPatientVisits.size()))), c, false,
+                      error);
     }
 
     bool Insert(const QDate &date, int start, int end, const QString &popis, const Contact &c,
@@ -201,7 +207,8 @@ private:
                           int(soukrome), date.toString(Qt::ISODate), TimeText(start), TimeText(end),
                           popis, int(m_rng.bounded(6)), c.id, c.name, c.rc, c.source,
                           kDetails.at(int(m_rng.bounded(kDetails.size()))), splneno,
-                          m_rng.bounded(4) == 0 ? 15 : 0, 0, popis == QStringLiteral("EKG") ? 2 : 0},
+                          m_rng.bounded(4) == 0 ? 15 : 0, 0,
+                          popis == QStringLiteral("EKG") ? 2 : 0},
                          error);
     }
 
@@ -219,8 +226,10 @@ bool FillHours(QSqlDatabase &db, QString *error)
     for (int tyden : {1, 0}) {
         for (int den = 1; den <= 7; ++den) {
             const QList<Interval> h = WorkingHours(tyden == 1, den);
-            if (!ExecBound(q, {tyden, den, TimeText(h[0].from), TimeText(h[0].to), TimeText(h[1].from),
-                               TimeText(h[1].to)}, error))
+            if (!ExecBound(q,
+                           {tyden, den, TimeText(h[0].from), TimeText(h[0].to), TimeText(h[1].from),
+                            TimeText(h[1].to)},
+                           error))
                 return false;
         }
     }
@@ -231,23 +240,31 @@ bool FillHours(QSqlDatabase &db, QString *error)
                 return false;
         }
     }
-    q.prepare(QStringLiteral("INSERT INTO dovolena (datum_od, datum_do, cas_od, cas_do, poznamka, barva)"
-                             " VALUES (?, ?, ?, ?, ?, ?)"));
-    return ExecBound(q, {kLeaveFrom.toString(Qt::ISODate), kLeaveTo.toString(Qt::ISODate),
-                         QStringLiteral("00:00"), QStringLiteral("23:59"),
-                         QStringLiteral("Vánoční dovolená"), QVariant()}, error)
-           && ExecBound(q, {kSeminar.toString(Qt::ISODate), kSeminar.toString(Qt::ISODate),
-                            QStringLiteral("12:00"), QStringLiteral("23:59"),
-                            QStringLiteral("Odborný seminář"), 0xB0E0FF}, error);
+    q.prepare(
+        QStringLiteral("INSERT INTO dovolena (datum_od, datum_do, cas_od, cas_do, poznamka, barva)"
+                       " VALUES (?, ?, ?, ?, ?, ?)"));
+    return ExecBound(q,
+                     {kLeaveFrom.toString(Qt::ISODate), kLeaveTo.toString(Qt::ISODate),
+                      QStringLiteral("00:00"), QStringLiteral("23:59"),
+                      QStringLiteral("Vánoční dovolená"), QVariant()},
+                     error) &&
+        ExecBound(q,
+                  {kSeminar.toString(Qt::ISODate), kSeminar.toString(Qt::ISODate),
+                   QStringLiteral("12:00"), QStringLiteral("23:59"),
+                   QStringLiteral("Odborný seminář"), 0xB0E0FF},
+                  error);
 }
 
-bool ReadContacts(QSqlDatabase &db, QList<Contact> &patients, QList<Contact> &partners, QString *error)
+bool ReadContacts(QSqlDatabase &db, QList<Contact> &patients, QList<Contact> &partners,
+                  QString *error)
 {
     QSqlQuery q(db);
-    if (!Exec(q, QStringLiteral("SELECT id, prijmeni, jmeno, rodne_cislo FROM pacient ORDER BY id"), error))
+    if (!Exec(q, QStringLiteral("SELECT id, prijmeni, jmeno, rodne_cislo FROM pacient ORDER BY id"),
+              error))
         return false;
     while (q.next()) {
-        const QString name = (q.value(1).toString() + QLatin1Char(' ') + q.value(2).toString()).trimmed();
+        const QString name =
+            (q.value(1).toString() + QLatin1Char(' ') + q.value(2).toString()).trimmed();
         patients.append({q.value(0).toInt(), name, q.value(3).toString(), 1});
     }
     if (!Exec(q, QStringLiteral("SELECT id, nazev FROM partner ORDER BY id"), error))
@@ -263,20 +280,25 @@ bool CreateDiarySchema(QSqlDatabase &db, QString *error)
 {
     QSqlQuery q(db);
     const QStringList statements{
-        QStringLiteral("CREATE TABLE partner (id INTEGER PRIMARY KEY AUTOINCREMENT, nazev TEXT NOT NULL,"
-                       " telefon TEXT)"),
-        QStringLiteral("CREATE TABLE prac_doba (tyden INTEGER NOT NULL, den INTEGER NOT NULL,"
-                       " cas_od TEXT, cas_do TEXT, cas_od1 TEXT, cas_do1 TEXT, PRIMARY KEY (tyden, den))"),
-        QStringLiteral("CREATE TABLE objednani (id INTEGER PRIMARY KEY AUTOINCREMENT, den INTEGER NOT NULL,"
-                       " cas_od TEXT NOT NULL, cas_do TEXT NOT NULL)"),
-        QStringLiteral("CREATE TABLE dovolena (id INTEGER PRIMARY KEY AUTOINCREMENT, datum_od TEXT NOT NULL,"
-                       " datum_do TEXT NOT NULL, cas_od TEXT, cas_do TEXT, poznamka TEXT, barva INTEGER)"),
-        QStringLiteral("CREATE TABLE diar (id INTEGER PRIMARY KEY AUTOINCREMENT, id_porizovaci INTEGER,"
-                       " parafa TEXT, soukrome INTEGER NOT NULL DEFAULT 0, datum TEXT NOT NULL,"
-                       " cas_od TEXT NOT NULL, cas_do TEXT NOT NULL, popis TEXT, id_barvy INTEGER,"
-                       " id_kontakt INTEGER, kontakt TEXT, rc TEXT, tabulka_reference INTEGER,"
-                       " podrobnosti TEXT, splneno INTEGER DEFAULT 0, upozornit INTEGER DEFAULT 0,"
-                       " jedn_upozorneni INTEGER DEFAULT 0, id_diar_pristroj INTEGER DEFAULT 0)"),
+        QStringLiteral(
+            "CREATE TABLE partner (id INTEGER PRIMARY KEY AUTOINCREMENT, nazev TEXT NOT NULL,"
+            " telefon TEXT)"),
+        QStringLiteral(
+            "CREATE TABLE prac_doba (tyden INTEGER NOT NULL, den INTEGER NOT NULL,"
+            " cas_od TEXT, cas_do TEXT, cas_od1 TEXT, cas_do1 TEXT, PRIMARY KEY (tyden, den))"),
+        QStringLiteral(
+            "CREATE TABLE objednani (id INTEGER PRIMARY KEY AUTOINCREMENT, den INTEGER NOT NULL,"
+            " cas_od TEXT NOT NULL, cas_do TEXT NOT NULL)"),
+        QStringLiteral(
+            "CREATE TABLE dovolena (id INTEGER PRIMARY KEY AUTOINCREMENT, datum_od TEXT NOT NULL,"
+            " datum_do TEXT NOT NULL, cas_od TEXT, cas_do TEXT, poznamka TEXT, barva INTEGER)"),
+        QStringLiteral(
+            "CREATE TABLE diar (id INTEGER PRIMARY KEY AUTOINCREMENT, id_porizovaci INTEGER,"
+            " parafa TEXT, soukrome INTEGER NOT NULL DEFAULT 0, datum TEXT NOT NULL,"
+            " cas_od TEXT NOT NULL, cas_do TEXT NOT NULL, popis TEXT, id_barvy INTEGER,"
+            " id_kontakt INTEGER, kontakt TEXT, rc TEXT, tabulka_reference INTEGER,"
+            " podrobnosti TEXT, splneno INTEGER DEFAULT 0, upozornit INTEGER DEFAULT 0,"
+            " jedn_upozorneni INTEGER DEFAULT 0, id_diar_pristroj INTEGER DEFAULT 0)"),
         QStringLiteral("CREATE INDEX diar_datum ON diar (datum)"),
     };
     for (const QString &sql : statements) {
@@ -309,12 +331,13 @@ bool FillDiarySampleData(QSqlDatabase &db, QString *error)
     insert.prepare(QStringLiteral(
         "INSERT INTO diar (id_porizovaci, parafa, soukrome, datum, cas_od, cas_do, popis, id_barvy,"
         " id_kontakt, kontakt, rc, tabulka_reference, podrobnosti, splneno, upozornit,"
-        " jedn_upozorneni, id_diar_pristroj) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+        " jedn_upozorneni, id_diar_pristroj) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
+        "?, ?)"));
     Generator generator(insert, patientContacts, partnerContacts);
     const QDate first = kToday.addMonths(-3);
     const QDate last = kToday.addMonths(3);
-    for (QDate date(first.year(), first.month(), 1); date <= QDate(last.year(), last.month(), last.daysInMonth());
-         date = date.addDays(1)) {
+    for (QDate date(first.year(), first.month(), 1);
+         date <= QDate(last.year(), last.month(), last.daysInMonth()); date = date.addDays(1)) {
         if (!generator.Day(date, error))
             return false;
     }

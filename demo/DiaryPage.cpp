@@ -29,7 +29,6 @@ using namespace oxa;
 
 namespace {
 
-
 QSqlDatabase Db()
 {
     return QSqlDatabase::database(QStringLiteral("oxa-demo"));
@@ -90,7 +89,8 @@ TDayRecord RecordFromQuery(const QSqlQuery &q)
 }
 
 const char *const kSelectEntries =
-    "SELECT id, id_porizovaci, parafa, soukrome, datum, cas_od, cas_do, popis, id_barvy, id_kontakt,"
+    "SELECT id, id_porizovaci, parafa, soukrome, datum, cas_od, cas_do, popis, id_barvy, "
+    "id_kontakt,"
     " kontakt, rc, tabulka_reference, podrobnosti, splneno, upozornit, jedn_upozorneni,"
     " id_diar_pristroj FROM diar";
 
@@ -100,7 +100,8 @@ class EntryDialog : public QDialog
 public:
     EntryDialog(const TDayRecord &zaznam, QWidget *parent) : QDialog(parent), m_zaznam(zaznam)
     {
-        setWindowTitle(zaznam.ID_DIAR ? QStringLiteral("Záznam diáře") : QStringLiteral("Nový záznam"));
+        setWindowTitle(zaznam.ID_DIAR ? QStringLiteral("Záznam diáře")
+                                      : QStringLiteral("Nový záznam"));
         m_popis->setMaxLength(TShortString<33>::Capacity);
         m_popis->setText(zaznam.Popis);
         m_datum->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
@@ -154,7 +155,8 @@ private:
             return;
         }
         if (m_do->time() < m_od->time()) {
-            MessageService::ShowWarning(QStringLiteral("Záznam nemůže skončit dřív, než začne."), this);
+            MessageService::ShowWarning(QStringLiteral("Záznam nemůže skončit dřív, než začne."),
+                                        this);
             return;
         }
         m_zaznam.Popis = m_popis->text().trimmed();
@@ -183,8 +185,9 @@ private:
 
 DiaryPage::DiaryPage(QWidget *parent) : QWidget(parent)
 {
-    setProperty("statusHint", QStringLiteral("Šipky mění den, Ctrl+šipky přesunou vybraný záznam o den "
-                                             "nebo týden, Enter jej otevře, Delete smaže."));
+    setProperty("statusHint",
+                QStringLiteral("Šipky mění den, Ctrl+šipky přesunou vybraný záznam o den "
+                               "nebo týden, Enter jej otevře, Delete smaže."));
     BuildLayout();
     LoadSettings();
     GoTo(QDate::currentDate());
@@ -223,11 +226,14 @@ void DiaryPage::BuildLayout()
     m_detail->setWordWrap(true);
     m_detail->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     m_detail->setTextFormat(Qt::PlainText);
-    auto *hint = new QLabel(QStringLiteral(
-        "Kolečko a šipky mění den, Ctrl+šipky přesouvají vybraný záznam, záznamy lze také přetáhnout "
-        "myší na jiný den. Dvojklik záznam otevře, Insert nebo dvojklik na volné místo založí nový, "
-        "Delete záznam smaže. V měsíčním pohledu nabídne dvojklik na buňku všechny záznamy, které "
-        "do ní zasahují."), this);
+    auto *hint = new QLabel(QStringLiteral("Kolečko a šipky mění den, Ctrl+šipky přesouvají "
+                                           "vybraný záznam, záznamy lze také přetáhnout "
+                                           "myší na jiný den. Dvojklik záznam otevře, Insert nebo "
+                                           "dvojklik na volné místo založí nový, "
+                                           "Delete záznam smaže. V měsíčním pohledu nabídne "
+                                           "dvojklik na buňku všechny záznamy, které "
+                                           "do ní zasahují."),
+                            this);
     hint->setWordWrap(true);
     hint->setEnabled(false);
 
@@ -259,7 +265,8 @@ void DiaryPage::LoadSettings()
     n.dblklikSchuzkaChangePac = false;
 
     QSqlQuery q(Db());
-    if (q.exec(QStringLiteral("SELECT tyden, den, cas_od, cas_do, cas_od1, cas_do1 FROM prac_doba"))) {
+    if (q.exec(
+            QStringLiteral("SELECT tyden, den, cas_od, cas_do, cas_od1, cas_do1 FROM prac_doba"))) {
         while (q.next()) {
             const int den = q.value(1).toInt();
             if (den < 1 || den > 7)
@@ -273,11 +280,12 @@ void DiaryPage::LoadSettings()
         while (q.next()) {
             const int den = q.value(0).toInt();
             if (den >= 1 && den <= 7)
-                n.objednaniKLekari[den].append(
-                    {TimeFromText(q.value(1).toString()), TimeFromText(q.value(2).toString()), 0, 0});
+                n.objednaniKLekari[den].append({TimeFromText(q.value(1).toString()),
+                                                TimeFromText(q.value(2).toString()), 0, 0});
         }
     }
-    if (q.exec(QStringLiteral("SELECT datum_od, datum_do, cas_od, cas_do, poznamka, barva FROM dovolena"))) {
+    if (q.exec(QStringLiteral(
+            "SELECT datum_od, datum_do, cas_od, cas_do, poznamka, barva FROM dovolena"))) {
         while (q.next()) {
             TDovolena d;
             d.DatumOd = QDateToDateTime(QDate::fromString(q.value(0).toString(), Qt::ISODate));
@@ -308,23 +316,29 @@ void DiaryPage::WirePanel()
         if (!m_syncing)
             GoTo(m_calendar->selectedDate());
     });
-    m_calendar->OnEnhancedGetMonthInfoEvent = [this](QObject *, quint32 month, quint32 year, quint32 &bold) {
+    m_calendar->OnEnhancedGetMonthInfoEvent = [this](QObject *, quint32 month, quint32 year,
+                                                     quint32 &bold) {
         bold = BoldDays(int(month), int(year));
     };
 
     m_panel->OnDayEditEvent = [this](QObject *, const TDayRecord &z) { EditEntry(z); };
     m_panel->OnDayInsertEvent = [this](QObject *, TDate datum) { NewEntry(datum); };
     m_panel->OnDayDblClick = [this](QObject *, TDate datum) { NewEntry(datum); };
-    m_panel->OnDayDeleteEvent = [this](QObject *, PDayRecord z, bool &allow) { allow = ConfirmDelete(*z); };
-    m_panel->OnDayItemBeforeMoveEvent = [this](QObject *, const TDayRecord &, const TDayRecord &nove,
+    m_panel->OnDayDeleteEvent = [this](QObject *, PDayRecord z, bool &allow) {
+        allow = ConfirmDelete(*z);
+    };
+    m_panel->OnDayItemBeforeMoveEvent = [this](QObject *, const TDayRecord &,
+                                               const TDayRecord &nove,
                                                bool &allow) { allow = AllowMove(nove); };
     m_panel->OnDayItemMoveEvent = [this](QObject *, const TDayRecord &, const TDayRecord &nove) {
         StoreMove(nove);
     };
     m_panel->OnDayMoveEvent = m_panel->OnDayItemMoveEvent;
     m_panel->OnChangePacient = [this](QObject *, const TDayRecord &z) {
-        m_detail->setText(QStringLiteral("Přechod na pacienta %1 (%2).\n\nV ambulanci by se nyní otevřela "
-                                         "jeho karta.").arg(z.KONTAKT, z.RC));
+        m_detail->setText(
+            QStringLiteral("Přechod na pacienta %1 (%2).\n\nV ambulanci by se nyní otevřela "
+                           "jeho karta.")
+                .arg(z.KONTAKT, z.RC));
     };
     m_panel->OnDaySelectItemEvent = [this](QObject *, QTreeWidgetItem *item, bool selected) {
         if (selected)
@@ -344,8 +358,8 @@ void DiaryPage::GoTo(const QDate &date)
 void DiaryPage::LoadEntries()
 {
     QSqlQuery q(Db());
-    q.prepare(QString::fromLatin1(kSelectEntries)
-              + QStringLiteral(" WHERE datum BETWEEN ? AND ? ORDER BY datum, cas_od"));
+    q.prepare(QString::fromLatin1(kSelectEntries) +
+              QStringLiteral(" WHERE datum BETWEEN ? AND ? ORDER BY datum, cas_od"));
     q.addBindValue(DateTimeToQDate(m_panel->DataDateMin()).toString(Qt::ISODate));
     q.addBindValue(DateTimeToQDate(m_panel->DataDateMax()).toString(Qt::ISODate));
     if (!q.exec()) {
@@ -382,7 +396,8 @@ void DiaryPage::ShowEntry(const TDayRecord *z)
     }
     QString text = SpocitejHodiny(z->CasOd, z->CasDo) + QLatin1Char(' ') + z->Popis.Text();
     if (!z->KONTAKT.isEmpty())
-        text += QStringLiteral("\n%1: %2").arg(ZdrojKontaktuNazev[z->TABULKA_REFERENCE], z->KONTAKT);
+        text +=
+            QStringLiteral("\n%1: %2").arg(ZdrojKontaktuNazev[z->TABULKA_REFERENCE], z->KONTAKT);
     if (!z->RC.isEmpty())
         text += QStringLiteral("\nRodné číslo: ") + z->RC;
     if (!z->PODROBNOSTI.isEmpty())
@@ -432,18 +447,33 @@ bool DiaryPage::StoreEntry(TDayRecord &z, bool isNew)
     QSqlQuery q(Db());
     const QString columns = QStringLiteral(
         "id_porizovaci = ?, parafa = ?, soukrome = ?, datum = ?, cas_od = ?, cas_do = ?, popis = ?,"
-        " id_barvy = ?, id_kontakt = ?, kontakt = ?, rc = ?, tabulka_reference = ?, podrobnosti = ?,"
+        " id_barvy = ?, id_kontakt = ?, kontakt = ?, rc = ?, tabulka_reference = ?, podrobnosti = "
+        "?,"
         " splneno = ?, upozornit = ?, jedn_upozorneni = ?, id_diar_pristroj = ?");
-    q.prepare(isNew ? QStringLiteral("INSERT INTO diar (id_porizovaci, parafa, soukrome, datum, cas_od,"
-                                     " cas_do, popis, id_barvy, id_kontakt, kontakt, rc, tabulka_reference,"
-                                     " podrobnosti, splneno, upozornit, jedn_upozorneni, id_diar_pristroj)"
-                                     " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
-                    : QStringLiteral("UPDATE diar SET ") + columns + QStringLiteral(" WHERE id = ?"));
-    const QVariantList values{z.ID_PORIZOVACI, z.Parafa.Text(), int(z.Soukrome),
-                              EntryDate(z).toString(Qt::ISODate), TimeText(z.CasOd), TimeText(z.CasDo),
-                              z.Popis.Text(), z.ID_Barvy, z.ID_KONTAKT, z.KONTAKT, z.RC,
-                              int(z.TABULKA_REFERENCE), z.PODROBNOSTI, z.SPLNENO, z.UPOZORNIT,
-                              int(z.JEDN_UPOZORNENI), z.idDiarPristroj};
+    q.prepare(
+        isNew
+            ? QStringLiteral("INSERT INTO diar (id_porizovaci, parafa, soukrome, datum, cas_od,"
+                             " cas_do, popis, id_barvy, id_kontakt, kontakt, rc, tabulka_reference,"
+                             " podrobnosti, splneno, upozornit, jedn_upozorneni, id_diar_pristroj)"
+                             " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
+            : QStringLiteral("UPDATE diar SET ") + columns + QStringLiteral(" WHERE id = ?"));
+    const QVariantList values{z.ID_PORIZOVACI,
+                              z.Parafa.Text(),
+                              int(z.Soukrome),
+                              EntryDate(z).toString(Qt::ISODate),
+                              TimeText(z.CasOd),
+                              TimeText(z.CasDo),
+                              z.Popis.Text(),
+                              z.ID_Barvy,
+                              z.ID_KONTAKT,
+                              z.KONTAKT,
+                              z.RC,
+                              int(z.TABULKA_REFERENCE),
+                              z.PODROBNOSTI,
+                              z.SPLNENO,
+                              z.UPOZORNIT,
+                              int(z.JEDN_UPOZORNENI),
+                              z.idDiarPristroj};
     for (const QVariant &value : values)
         q.addBindValue(value);
     if (!isNew)
@@ -482,9 +512,10 @@ bool DiaryPage::AllowMove(const TDayRecord &nove)
     const TDate datum = SpocitejDatum(nove.Den, nove.RokMesic);
     for (const TDovolena &d : m_panel->DiarNastaveni().dovolena) {
         if (datum >= DateOf(d.DatumOd) && datum <= DateOf(d.DatumDo)) {
-            MessageService::ShowWarning(QStringLiteral("Dne %1 je v diáři dovolená (%2), záznam nelze přesunout.")
-                                            .arg(DateToStr(datum), d.Poznamka.Text()),
-                                        this);
+            MessageService::ShowWarning(
+                QStringLiteral("Dne %1 je v diáři dovolená (%2), záznam nelze přesunout.")
+                    .arg(DateToStr(datum), d.Poznamka.Text()),
+                this);
             return false;
         }
     }
@@ -506,6 +537,6 @@ void DiaryPage::StoreMove(const TDayRecord &nove)
 
 void DiaryPage::ReportError(const QString &action, const QSqlQuery &query)
 {
-    MessageService::ShowError(QStringLiteral("%1 se nepodařilo: %2").arg(action, query.lastError().text()),
-                              this);
+    MessageService::ShowError(
+        QStringLiteral("%1 se nepodařilo: %2").arg(action, query.lastError().text()), this);
 }

@@ -10,7 +10,7 @@ namespace oxa {
 class TDiarPanel;
 class TEnhancedMonthCalendar;
 struct TDayRecord;
-}
+} // namespace oxa
 
 // The doctor's diary: the diary panel over the diar table, the month
 // calendar beside it with the days that have appointments in bold. The page

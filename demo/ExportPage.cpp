@@ -44,8 +44,9 @@ QString defaultProgram()
 ExportPage::ExportPage(QWidget *parent)
     : QWidget(parent), m_worker(new TBackgroundWorker(this)), m_launcher(new TExecApplication(this))
 {
-    setProperty("statusHint", QStringLiteral("Exportovat zapíše seznam pacientů, Zrušit zápis přeruší, "
-                                             "Otevřít ukáže soubor v tabulkovém procesoru."));
+    setProperty("statusHint",
+                QStringLiteral("Exportovat zapíše seznam pacientů, Zrušit zápis přeruší, "
+                               "Otevřít ukáže soubor v tabulkovém procesoru."));
     auto *intro = new QLabel(
         QStringLiteral("Seznam pacientů se zapíše do sešitu tabulkového procesoru na pozadí; "
                        "aplikace mezitím reaguje a export lze zrušit."),

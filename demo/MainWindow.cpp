@@ -4,16 +4,15 @@
 #include "DiaryPage.h"
 #include "ExportPage.h"
 #include "PatientPage.h"
-#include "VaccinationPage.h"
 #include "ReportPage.h"
+#include "VaccinationPage.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QStatusBar>
 #include <QTabWidget>
 
-MainWindow::MainWindow(QWidget *parent)
-    : QMainWindow(parent), m_tabs(new QTabWidget(this))
+MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), m_tabs(new QTabWidget(this))
 {
     setWindowTitle(QStringLiteral("Oxa – ukázková ambulance"));
     setCentralWidget(m_tabs);

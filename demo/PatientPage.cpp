@@ -71,8 +71,9 @@ QString InsurerName(const QString &code)
 
 PatientPage::PatientPage(QWidget *parent) : QWidget(parent)
 {
-    setProperty("statusHint", QStringLiteral("Ctrl+šipky přesouvají mezi poli, Tab v pořadí formuláře, "
-                                             "Enter na tlačítku Uložit uloží pacienta."));
+    setProperty("statusHint",
+                QStringLiteral("Ctrl+šipky přesouvají mezi poli, Tab v pořadí formuláře, "
+                               "Enter na tlačítku Uložit uloží pacienta."));
     BuildForm();
     WireNeighbours();
     RefreshList();

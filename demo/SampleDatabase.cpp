@@ -55,7 +55,8 @@ QString SampleDatabase::Portable(const QString &sql)
     if (Database().driverName() != QLatin1String("QPSQL"))
         return sql;
     QString text = sql;
-    text.replace(QLatin1String("INTEGER PRIMARY KEY AUTOINCREMENT"), QLatin1String("SERIAL PRIMARY KEY"));
+    text.replace(QLatin1String("INTEGER PRIMARY KEY AUTOINCREMENT"),
+                 QLatin1String("SERIAL PRIMARY KEY"));
     text.replace(QLatin1String(" REAL"), QLatin1String(" DOUBLE PRECISION"));
     return text;
 }
@@ -77,7 +78,8 @@ static bool openServer(const QString &address, QString *error)
     const QString userInfo = at < 0 ? QString() : authority.left(at);
     QString host = QUrl::fromPercentEncoding(authority.mid(at + 1).toUtf8());
     int port = -1;
-    if (const int colon = int(host.lastIndexOf(QLatin1Char(':'))); colon >= 0 && !host.startsWith(QLatin1Char('/'))) {
+    if (const int colon = int(host.lastIndexOf(QLatin1Char(':')));
+        colon >= 0 && !host.startsWith(QLatin1Char('/'))) {
         port = host.mid(colon + 1).toInt();
         host = host.left(colon);
     }
@@ -85,11 +87,13 @@ static bool openServer(const QString &address, QString *error)
     if (query.hasQueryItem(QStringLiteral("host")))
         host = query.queryItemValue(QStringLiteral("host"), QUrl::FullyDecoded);
     const int colon = int(userInfo.indexOf(QLatin1Char(':')));
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QLatin1String(kConnection));
+    QSqlDatabase db =
+        QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QLatin1String(kConnection));
     db.setHostName(host);
     if (port > 0)
         db.setPort(port);
-    db.setUserName(QUrl::fromPercentEncoding((colon < 0 ? userInfo : userInfo.left(colon)).toUtf8()));
+    db.setUserName(
+        QUrl::fromPercentEncoding((colon < 0 ? userInfo : userInfo.left(colon)).toUtf8()));
     if (colon >= 0)
         db.setPassword(QUrl::fromPercentEncoding(userInfo.mid(colon + 1).toUtf8()));
     db.setDatabaseName(QUrl::fromPercentEncoding(database.toUtf8()));
@@ -113,7 +117,8 @@ bool SampleDatabase::Open(const QString &path, QString *error)
     } else {
         QDir().mkpath(QFileInfo(file).absolutePath());
         existed = QFileInfo::exists(file);
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QLatin1String(kConnection));
+        QSqlDatabase db =
+            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QLatin1String(kConnection));
         db.setDatabaseName(file);
         if (!db.open()) {
             if (error)
@@ -124,8 +129,8 @@ bool SampleDatabase::Open(const QString &path, QString *error)
     QSqlDatabase db = Database();
     if (existed)
         return EnsureCodeLists(db, error);
-    if (!db.transaction() || !CreateSchema(db, error) || !FillSampleData(db, error)
-        || !CreateDiarySchema(db, error) || !FillDiarySampleData(db, error)) {
+    if (!db.transaction() || !CreateSchema(db, error) || !FillSampleData(db, error) ||
+        !CreateDiarySchema(db, error) || !FillDiarySampleData(db, error)) {
         db.rollback();
         return false;
     }
@@ -137,10 +142,11 @@ bool SampleDatabase::CreateSchema(QSqlDatabase &db, QString *error)
     QSqlQuery q(db);
     const QStringList statements = {
         QStringLiteral("CREATE TABLE pojistovna (kod TEXT PRIMARY KEY, nazev TEXT NOT NULL)"),
-        QStringLiteral("CREATE TABLE pacient (id INTEGER PRIMARY KEY AUTOINCREMENT,"
-                       " prijmeni TEXT NOT NULL, jmeno TEXT, rodne_cislo TEXT,"
-                       " datum_narozeni TEXT, pohlavi TEXT, pojistovna TEXT REFERENCES pojistovna(kod),"
-                       " telefon TEXT, poznamka TEXT, navsteva TEXT, vaha REAL, deti INTEGER)"),
+        QStringLiteral(
+            "CREATE TABLE pacient (id INTEGER PRIMARY KEY AUTOINCREMENT,"
+            " prijmeni TEXT NOT NULL, jmeno TEXT, rodne_cislo TEXT,"
+            " datum_narozeni TEXT, pohlavi TEXT, pojistovna TEXT REFERENCES pojistovna(kod),"
+            " telefon TEXT, poznamka TEXT, navsteva TEXT, vaha REAL, deti INTEGER)"),
     };
     for (const QString &sql : statements) {
         if (!exec(q, sql, error))
@@ -172,24 +178,29 @@ bool SampleDatabase::FillSampleData(QSqlDatabase &db, QString *error)
         }
     }
 
-    const QStringList surnamesM = {QStringLiteral("Novák"), QStringLiteral("Svoboda"), QStringLiteral("Novotný"),
-                                   QStringLiteral("Dvořák"), QStringLiteral("Černý"), QStringLiteral("Procházka"),
-                                   QStringLiteral("Kučera"), QStringLiteral("Veselý"), QStringLiteral("Horák"),
-                                   QStringLiteral("Němec"), QStringLiteral("Marek"), QStringLiteral("Pokorný")};
-    const QStringList surnamesF = {QStringLiteral("Nováková"), QStringLiteral("Svobodová"), QStringLiteral("Novotná"),
-                                   QStringLiteral("Dvořáková"), QStringLiteral("Černá"), QStringLiteral("Procházková"),
-                                   QStringLiteral("Kučerová"), QStringLiteral("Veselá"), QStringLiteral("Horáková"),
-                                   QStringLiteral("Němcová"), QStringLiteral("Marková"), QStringLiteral("Pokorná")};
-    const QStringList namesM = {QStringLiteral("Jan"), QStringLiteral("Petr"), QStringLiteral("Josef"),
-                                QStringLiteral("Pavel"), QStringLiteral("Martin"), QStringLiteral("Tomáš"),
-                                QStringLiteral("Jiří"), QStringLiteral("Lukáš")};
-    const QStringList namesF = {QStringLiteral("Jana"), QStringLiteral("Marie"), QStringLiteral("Eva"),
-                                QStringLiteral("Hana"), QStringLiteral("Anna"), QStringLiteral("Lenka"),
+    const QStringList surnamesM = {
+        QStringLiteral("Novák"),  QStringLiteral("Svoboda"), QStringLiteral("Novotný"),
+        QStringLiteral("Dvořák"), QStringLiteral("Černý"),   QStringLiteral("Procházka"),
+        QStringLiteral("Kučera"), QStringLiteral("Veselý"),  QStringLiteral("Horák"),
+        QStringLiteral("Němec"),  QStringLiteral("Marek"),   QStringLiteral("Pokorný")};
+    const QStringList surnamesF = {
+        QStringLiteral("Nováková"),  QStringLiteral("Svobodová"), QStringLiteral("Novotná"),
+        QStringLiteral("Dvořáková"), QStringLiteral("Černá"),     QStringLiteral("Procházková"),
+        QStringLiteral("Kučerová"),  QStringLiteral("Veselá"),    QStringLiteral("Horáková"),
+        QStringLiteral("Němcová"),   QStringLiteral("Marková"),   QStringLiteral("Pokorná")};
+    const QStringList namesM = {QStringLiteral("Jan"),    QStringLiteral("Petr"),
+                                QStringLiteral("Josef"),  QStringLiteral("Pavel"),
+                                QStringLiteral("Martin"), QStringLiteral("Tomáš"),
+                                QStringLiteral("Jiří"),   QStringLiteral("Lukáš")};
+    const QStringList namesF = {QStringLiteral("Jana"),     QStringLiteral("Marie"),
+                                QStringLiteral("Eva"),      QStringLiteral("Hana"),
+                                QStringLiteral("Anna"),     QStringLiteral("Lenka"),
                                 QStringLiteral("Kateřina"), QStringLiteral("Věra")};
     QRandomGenerator rng(20261121); // the same clinic on every machine
-    q.prepare(QStringLiteral("INSERT INTO pacient (prijmeni, jmeno, rodne_cislo, datum_narozeni, pohlavi,"
-                             " pojistovna, telefon, poznamka, navsteva, vaha, deti)"
-                             " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+    q.prepare(
+        QStringLiteral("INSERT INTO pacient (prijmeni, jmeno, rodne_cislo, datum_narozeni, pohlavi,"
+                       " pojistovna, telefon, poznamka, navsteva, vaha, deti)"
+                       " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
     for (int i = 0; i < 240; ++i) {
         const bool female = rng.bounded(2) == 1;
         const QDate born = QDate(1935, 1, 1).addDays(rng.bounded(365 * 85));
@@ -199,15 +210,18 @@ bool SampleDatabase::FillSampleData(QSqlDatabase &db, QString *error)
                                .arg(month, 2, 10, QLatin1Char('0'))
                                .arg(born.day(), 2, 10, QLatin1Char('0'))
                                .arg(rng.bounded(10000), 4, 10, QLatin1Char('0'));
-        q.addBindValue(female ? surnamesF[rng.bounded(surnamesF.size())] : surnamesM[rng.bounded(surnamesM.size())]);
-        q.addBindValue(female ? namesF[rng.bounded(namesF.size())] : namesM[rng.bounded(namesM.size())]);
+        q.addBindValue(female ? surnamesF[rng.bounded(surnamesF.size())]
+                              : surnamesM[rng.bounded(surnamesM.size())]);
+        q.addBindValue(female ? namesF[rng.bounded(namesF.size())]
+                              : namesM[rng.bounded(namesM.size())]);
         q.addBindValue(rc);
         q.addBindValue(born.toString(QStringLiteral("dd.MM.yyyy")));
         q.addBindValue(female ? QStringLiteral("žena") : QStringLiteral("muž"));
         q.addBindValue(insurers[rng.bounded(insurers.size())].first);
         q.addBindValue(QStringLiteral("+420 6%1").arg(rng.bounded(10000000, 99999999)));
         q.addBindValue(QString());
-        q.addBindValue(QDate(2026, 1, 5).addDays(rng.bounded(320)).toString(QStringLiteral("dd.MM.yyyy")));
+        q.addBindValue(
+            QDate(2026, 1, 5).addDays(rng.bounded(320)).toString(QStringLiteral("dd.MM.yyyy")));
         q.addBindValue(double(45 + rng.bounded(60)) + rng.bounded(100) / 100.0);
         q.addBindValue(rng.bounded(5));
         if (!q.exec()) {
@@ -344,18 +358,25 @@ bool SampleDatabase::EnsureReportSchema(QSqlDatabase &db, QString *error)
     QSqlQuery q(db);
     // A binary column is BLOB on SQLite, BYTEA on a PostgreSQL server.
     const QString binary = db.driverName() == QLatin1String("QPSQL") ? QStringLiteral("BYTEA")
-                                                                   : QStringLiteral("BLOB");
-    if (!exec(q, QStringLiteral("CREATE TABLE IF NOT EXISTS zprava (pacient INTEGER PRIMARY KEY"
-                                " REFERENCES pacient(id), obsah %1 NOT NULL)").arg(binary), error)
-        || !exec(q, Portable(QStringLiteral("CREATE TABLE IF NOT EXISTS textovy_vzor (id INTEGER PRIMARY KEY"
-                                            " AUTOINCREMENT, nazev TEXT NOT NULL, text TEXT NOT NULL)")), error)
-        || !exec(q, QStringLiteral("SELECT COUNT(*) FROM textovy_vzor"), error))
+                                                                     : QStringLiteral("BLOB");
+    if (!exec(q,
+              QStringLiteral("CREATE TABLE IF NOT EXISTS zprava (pacient INTEGER PRIMARY KEY"
+                             " REFERENCES pacient(id), obsah %1 NOT NULL)")
+                  .arg(binary),
+              error) ||
+        !exec(q,
+              Portable(
+                  QStringLiteral("CREATE TABLE IF NOT EXISTS textovy_vzor (id INTEGER PRIMARY KEY"
+                                 " AUTOINCREMENT, nazev TEXT NOT NULL, text TEXT NOT NULL)")),
+              error) ||
+        !exec(q, QStringLiteral("SELECT COUNT(*) FROM textovy_vzor"), error))
         return false;
     if (q.next() && q.value(0).toInt() > 0)
         return true;
     const QList<QPair<QString, QString>> templates = {
         {QStringLiteral("Objektivní nález"),
-         QStringLiteral("<b>Objektivní nález:</b> při vědomí, orientován, eupnoický, bez ikteru a cyanózy.\r\n")},
+         QStringLiteral("<b>Objektivní nález:</b> při vědomí, orientován, eupnoický, bez ikteru a "
+                        "cyanózy.\r\n")},
         {QStringLiteral("Doporučení"),
          QStringLiteral("<p=c><fs=12><b>Doporučení</b></fs>\r\n<p>Klidový režim, dostatek tekutin, "
                         "kontrola za <u>7 dní</u>.\r\n")},

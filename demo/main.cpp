@@ -22,13 +22,16 @@ int main(int argc, char **argv)
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Ukázková ambulance s komponentami Oxa"));
     parser.addHelpOption();
-    const QCommandLineOption dbOption(QStringLiteral("db"),
+    const QCommandLineOption dbOption(
+        QStringLiteral("db"),
         QStringLiteral("Soubor databáze SQLite (výchozí v datovém adresáři uživatele)."),
         QStringLiteral("PATH"));
-    const QCommandLineOption screenshotOption(QStringLiteral("screenshot"),
+    const QCommandLineOption screenshotOption(
+        QStringLiteral("screenshot"),
         QStringLiteral("Vykreslí všechny stránky do PNG v adresáři DIR a skončí."),
         QStringLiteral("DIR"));
-    const QCommandLineOption exportOption(QStringLiteral("export"),
+    const QCommandLineOption exportOption(
+        QStringLiteral("export"),
         QStringLiteral("Exportuje seznam pacientů do sešitu FILE a skončí."),
         QStringLiteral("FILE"));
     parser.addOption(dbOption);

@@ -9,8 +9,7 @@ namespace oxa {
 
 OxaWidgetPlugin::OxaWidgetPlugin(const TComponentEntry &entry, QObject *parent)
     : QObject(parent), m_entry(entry)
-{
-}
+{ }
 
 // Forms name the class with its namespace, so that code generated from them
 // compiles as it stands.
@@ -66,8 +65,7 @@ QString OxaWidgetPlugin::domXml() const
         .arg(name(), objectName);
 }
 
-OxaDesignerPlugin::OxaDesignerPlugin(QObject *parent)
-    : QObject(parent)
+OxaDesignerPlugin::OxaDesignerPlugin(QObject *parent) : QObject(parent)
 {
     RegisterAll();
     for (const TComponentEntry &entry : Catalogue::Instance().Components()) {

@@ -11,7 +11,7 @@ if [ "${1:-}" = "--fix" ]; then
     exit 0
 fi
 if ! "$format" --dry-run --Werror "${files[@]}" 2>/tmp/oxa-format.$$; then
-    grep -E '^[^ ].*: error:' /tmp/oxa-format.$$ | sed 's/: error:.*//' | sort -u | head -20 >&2
+    grep -E '^[^ ].*: error:' /tmp/oxa-format.$$ | sed 's/:.*//' | sort -u | head -20 >&2
     rm -f /tmp/oxa-format.$$
     echo "check-format: the files above are not formatted: run 'bash scripts/check-format.sh --fix'" >&2
     exit 1

@@ -37,7 +37,10 @@ class TestDateTimePickerOxa : public QObject
         m_picker->setFocus(Qt::TabFocusReason);
     }
     QDate pickerDate() const { return DateTimeToQDate(m_picker->Date()); }
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(m_picker, key, modifiers); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(m_picker, key, modifiers);
+    }
 
 private Q_SLOTS:
     void init()
@@ -90,20 +93,26 @@ private Q_SLOTS:
         QTest::addColumn<int>("shownSection");
         using Keys = QList<int>;
         const QString day = QStringLiteral("dd.MM.yyyy"), month = QStringLiteral("MMMM.yyyy");
-        const int d = QDateTimeEdit::DaySection, m = QDateTimeEdit::MonthSection, y = QDateTimeEdit::YearSection;
+        const int d = QDateTimeEdit::DaySection, m = QDateTimeEdit::MonthSection,
+                  y = QDateTimeEdit::YearSection;
         QTest::newRow("day first") << day << Keys{} << QDate(2019, 2, 1) << d;
-        QTest::newRow("month: 31 January + 1") << day << Keys{Qt::Key_Right} << QDate(2019, 2, 28) << m;
-        QTest::newRow("Left from the day to the year") << day << Keys{Qt::Key_Left} << QDate(2020, 1, 31) << y;
+        QTest::newRow("month: 31 January + 1")
+            << day << Keys{Qt::Key_Right} << QDate(2019, 2, 28) << m;
+        QTest::newRow("Left from the day to the year")
+            << day << Keys{Qt::Key_Left} << QDate(2020, 1, 31) << y;
         QTest::newRow("Right from the year to the day")
             << day << Keys{Qt::Key_Right, Qt::Key_Right, Qt::Key_Right} << QDate(2019, 2, 1) << d;
-        QTest::newRow("typed digit moves on to the month") << day << Keys{Qt::Key_5} << QDate(2019, 2, 5) << m;
+        QTest::newRow("typed digit moves on to the month")
+            << day << Keys{Qt::Key_5} << QDate(2019, 2, 5) << m;
         // "2" could begin a two-digit day: it is the day at once all the same.
-        QTest::newRow("first digit of a longer day moves on") << day << Keys{Qt::Key_2} << QDate(2019, 2, 2) << m;
+        QTest::newRow("first digit of a longer day moves on")
+            << day << Keys{Qt::Key_2} << QDate(2019, 2, 2) << m;
         QTest::newRow("digit in the month, day kept within it")
             << day << Keys{Qt::Key_Right, Qt::Key_4} << QDate(2020, 4, 30) << y;
         QTest::newRow("digit in the year: this century, then the day")
             << day << Keys{Qt::Key_Left, Qt::Key_7} << QDate(2007, 2, 1) << d;
-        QTest::newRow("a 0 day is refused, the section stays") << day << Keys{Qt::Key_0} << QDate(2019, 2, 1) << d;
+        QTest::newRow("a 0 day is refused, the section stays")
+            << day << Keys{Qt::Key_0} << QDate(2019, 2, 1) << d;
         QTest::newRow("month name: no day, Left to the year")
             << month << Keys{Qt::Key_Left} << QDate(2020, 1, 31) << y;
         QTest::newRow("month name: and back to the month")
@@ -194,8 +203,8 @@ private Q_SLOTS:
 
         // In the month-name format the test counts from the right-hand edge.
         m_picker->SetFormat(QStringLiteral("MMMM.yyyy"));
-        const int edge = m_picker->width() - metrics.horizontalAdvance(m_picker->text().left(4))
-                         - m_picker->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_picker) - 9;
+        const int edge = m_picker->width() - metrics.horizontalAdvance(m_picker->text().left(4)) -
+            m_picker->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_picker) - 9;
         QCOMPARE(m_picker->VyhodnotStisk(edge), 1);
         QCOMPARE(m_picker->VyhodnotStisk(edge + 1), 2);
     }

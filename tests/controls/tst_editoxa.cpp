@@ -56,16 +56,21 @@ private Q_SLOTS:
         QTest::addColumn<QString>("expected");
         QTest::addColumn<int>("changes"); // OnChange count of a paste
 
-        QTest::newRow("typed Mull\"a") << true << false << "Mull\"a" << QStringLiteral("Mullä") << 0;
-        QTest::newRow("typed all eight") << true << false << "\"a\"e\"o\"u\"A\"E\"O\"U"
-                                         << QStringLiteral("äëöüÄËÖÜ") << 0;
-        QTest::newRow("quote x, apostrophe a kept") << true << false << "\"x'a" << "\"x'a" << 0;
-        QTest::newRow("switched off") << false << false << "Mull\"a" << "Mull\"a" << 0;
+        QTest::newRow("typed Mull\"a")
+            << true << false << "Mull\"a" << QStringLiteral("Mullä") << 0;
+        QTest::newRow("typed all eight")
+            << true << false << "\"a\"e\"o\"u\"A\"E\"O\"U" << QStringLiteral("äëöüÄËÖÜ") << 0;
+        QTest::newRow("quote x, apostrophe a kept") << true << false << "\"x'a"
+                                                    << "\"x'a" << 0;
+        QTest::newRow("switched off") << false << false << "Mull\"a"
+                                      << "Mull\"a" << 0;
         // Both pairs in the first pass; the rewrite's pass finds nothing.
         QTest::newRow("pasted \"a\"o") << true << true << "\"a\"o" << QStringLiteral("äö") << 2;
         // One occurrence of a sequence per pass; each rewrite runs the next.
-        QTest::newRow("pasted \"a\"a\"a") << true << true << "\"a\"a\"a" << QStringLiteral("äää") << 4;
-        QTest::newRow("nothing, no loop") << true << true << "x" << "x" << 1;
+        QTest::newRow("pasted \"a\"a\"a")
+            << true << true << "\"a\"a\"a" << QStringLiteral("äää") << 4;
+        QTest::newRow("nothing, no loop") << true << true << "x"
+                                          << "x" << 1;
     }
 
     void correction()
@@ -207,7 +212,8 @@ private Q_SLOTS:
         TRecordingEdit recorder;
         auto *other = new QWidget;
         recorder.SetFoc(5, other);
-        QVERIFY(!recorder.FocUp() && !recorder.FocDown() && !recorder.FocLeft() && !recorder.FocRight());
+        QVERIFY(!recorder.FocUp() && !recorder.FocDown() && !recorder.FocLeft() &&
+                !recorder.FocRight());
         delete other;
         QCOMPARE(recorder.removals, 1);
     }

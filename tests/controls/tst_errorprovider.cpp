@@ -99,11 +99,14 @@ private Q_SLOTS:
         QTest::addColumn<int>("second");
         QTest::addColumn<int>("expectedType");
         QTest::addColumn<QString>("expectedText");
-        QTest::newRow("warning keeps error") << int(etError) << int(etWarning) << int(etError) << "první";
+        QTest::newRow("warning keeps error")
+            << int(etError) << int(etWarning) << int(etError) << "první";
         QTest::newRow("confirmation keeps information")
             << int(etInformation) << int(etConfirmation) << int(etInformation) << "první";
-        QTest::newRow("error replaces warning") << int(etWarning) << int(etError) << int(etError) << "druhá";
-        QTest::newRow("same kind replaces") << int(etWarning) << int(etWarning) << int(etWarning) << "druhá";
+        QTest::newRow("error replaces warning")
+            << int(etWarning) << int(etError) << int(etError) << "druhá";
+        QTest::newRow("same kind replaces")
+            << int(etWarning) << int(etWarning) << int(etWarning) << "druhá";
     }
 
     void severityOrdering()
@@ -170,7 +173,8 @@ private Q_SLOTS:
         QSignalSpy ticks(timer, &QTimer::timeout);
         QVERIFY(ticks.wait() && ticks.wait());
         // The timer runs, but the blinking pauses until the batch ends.
-        QVERIFY(!provider->ErrorImage(first)->isVisible() && !provider->ErrorImage(second)->isVisible());
+        QVERIFY(!provider->ErrorImage(first)->isVisible() &&
+                !provider->ErrorImage(second)->isVisible());
         provider->EndUpdate();
         QCOMPARE(BlinkPhases({first, second}), QStringLiteral("00 11 00 11 00 11 11"));
     }

@@ -6,8 +6,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <limits>
 #include <cmath>
+#include <limits>
 
 using namespace oxa;
 using N = TNumEditOxa;
@@ -33,8 +33,10 @@ struct Form : test::TestForm
 void typeText(QWidget *widget, const QString &text)
 {
     for (QChar c : text) {
-        const Qt::Key key = c == u'\b' ? Qt::Key_Backspace : c == u'\x7f' ? Qt::Key_Delete
-                          : c == u'\r' ? Qt::Key_Return : Qt::Key(c.toUpper().unicode());
+        const Qt::Key key = c == u'\b' ? Qt::Key_Backspace
+            : c == u'\x7f'             ? Qt::Key_Delete
+            : c == u'\r'               ? Qt::Key_Return
+                                       : Qt::Key(c.toUpper().unicode());
         QTest::sendKeyEvent(QTest::Click, widget, key, QString(c), {});
     }
 }
@@ -45,7 +47,8 @@ void pasteBy(TNumEditOxa *edit, PasteRoute route)
 {
     if (route == ctrlV)
         return QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
-    QVERIFY(test::RightClick(edit, route == oxaMenu ? QStringLiteral("Vložit") : QStringLiteral("&Paste")));
+    QVERIFY(test::RightClick(
+        edit, route == oxaMenu ? QStringLiteral("Vložit") : QStringLiteral("&Paste")));
 }
 
 } // namespace
@@ -64,16 +67,26 @@ private Q_SLOTS:
         QTest::addColumn<int>("caret");
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("minus to front, once") << int(N::ntInteger) << "" << 0 << "12--\r" << "-12";
-        QTest::newRow("letters") << int(N::ntInteger) << "" << 0 << "1a,.2" << "12";
-        QTest::newRow("cardinal") << int(N::ntCardinal) << "" << 0 << "1-2.3" << "123";
-        QTest::newRow("one separator") << int(N::ntDouble) << "" << 0 << "3.5,1" << "3,51";
-        QTest::newRow("currency") << int(N::ntCurrency) << "" << 0 << "-1.25" << "-1,25";
-        QTest::newRow("beyond Latin-1") << int(N::ntInteger) << "" << 0 << QStringLiteral("1ž٣2") << "12";
-        QTest::newRow("before minus") << int(N::ntInteger) << "-5" << 0 << "7" << "-5";
-        QTest::newRow("after minus") << int(N::ntInteger) << "-5" << 2 << "7\b\b" << "-";
-        QTest::newRow("none") << int(N::ntNone) << "-5" << 0 << "1-,a\b" << "-5";
-        QTest::newRow("Delete in none") << int(N::ntNone) << "-5" << 0 << "\x7f" << "5";
+        QTest::newRow("minus to front, once") << int(N::ntInteger) << "" << 0 << "12--\r"
+                                              << "-12";
+        QTest::newRow("letters") << int(N::ntInteger) << "" << 0 << "1a,.2"
+                                 << "12";
+        QTest::newRow("cardinal") << int(N::ntCardinal) << "" << 0 << "1-2.3"
+                                  << "123";
+        QTest::newRow("one separator") << int(N::ntDouble) << "" << 0 << "3.5,1"
+                                       << "3,51";
+        QTest::newRow("currency") << int(N::ntCurrency) << "" << 0 << "-1.25"
+                                  << "-1,25";
+        QTest::newRow("beyond Latin-1")
+            << int(N::ntInteger) << "" << 0 << QStringLiteral("1ž٣2") << "12";
+        QTest::newRow("before minus") << int(N::ntInteger) << "-5" << 0 << "7"
+                                      << "-5";
+        QTest::newRow("after minus") << int(N::ntInteger) << "-5" << 2 << "7\b\b"
+                                     << "-";
+        QTest::newRow("none") << int(N::ntNone) << "-5" << 0 << "1-,a\b"
+                              << "-5";
+        QTest::newRow("Delete in none") << int(N::ntNone) << "-5" << 0 << "\x7f"
+                                        << "5";
     }
 
     void typing()
@@ -98,13 +111,20 @@ private Q_SLOTS:
         QTest::addColumn<int>("digits");
         QTest::addColumn<QString>("raw");
         QTest::addColumn<QString>("canonical");
-        QTest::newRow("empty") << int(N::ntInteger) << 0 << "" << "0";
-        QTest::newRow("lone minus") << int(N::ntInteger) << 0 << "-" << "0";
-        QTest::newRow("leading zeros") << int(N::ntInteger) << 0 << "-007" << "-7";
-        QTest::newRow("cardinal") << int(N::ntCardinal) << 0 << "042" << "42";
-        QTest::newRow("two decimals") << int(N::ntDouble) << 2 << "3,5" << "3,50";
-        QTest::newRow("no negative zero") << int(N::ntDouble) << 0 << "-0,4" << "0";
-        QTest::newRow("currency rounds") << int(N::ntCurrency) << 2 << "1,005" << "1,01";
+        QTest::newRow("empty") << int(N::ntInteger) << 0 << ""
+                               << "0";
+        QTest::newRow("lone minus") << int(N::ntInteger) << 0 << "-"
+                                    << "0";
+        QTest::newRow("leading zeros") << int(N::ntInteger) << 0 << "-007"
+                                       << "-7";
+        QTest::newRow("cardinal") << int(N::ntCardinal) << 0 << "042"
+                                  << "42";
+        QTest::newRow("two decimals") << int(N::ntDouble) << 2 << "3,5"
+                                      << "3,50";
+        QTest::newRow("no negative zero") << int(N::ntDouble) << 0 << "-0,4"
+                                          << "0";
+        QTest::newRow("currency rounds") << int(N::ntCurrency) << 2 << "1,005"
+                                         << "1,01";
     }
 
     void rewriteOnEntryAndExit()
@@ -134,7 +154,8 @@ private Q_SLOTS:
         typeText(form.edit, QStringLiteral("3000000000"));
         QTest::keyClick(form.edit, Qt::Key_Tab);
         QVERIFY(form.edit->hasFocus());
-        QCOMPARE(messages.Texts(), QStringList{QStringLiteral("'3000000000' není platné celé číslo")});
+        QCOMPARE(messages.Texts(),
+                 QStringList{QStringLiteral("'3000000000' není platné celé číslo")});
         QCOMPARE(messages.Shown().first().Type, mtError);
         QCOMPARE(form.edit->Color(), clYellow);
         form.edit->setText(QStringLiteral("1"));
@@ -150,14 +171,24 @@ private Q_SLOTS:
         QTest::addColumn<QString>("pasted");
         QTest::addColumn<QString>("expected");
         QTest::addColumn<QString>("message");
-        QTest::newRow("Ctrl+V") << int(ctrlV) << int(N::ntInteger) << " 42 " << "42" << "";
-        QTest::newRow("Ctrl+V letters") << int(ctrlV) << int(N::ntInteger) << "abc" << "7"
+        QTest::newRow("Ctrl+V") << int(ctrlV) << int(N::ntInteger) << " 42 "
+                                << "42"
+                                << "";
+        QTest::newRow("Ctrl+V letters") << int(ctrlV) << int(N::ntInteger) << "abc"
+                                        << "7"
                                         << "'abc' není platné celé číslo";
-        QTest::newRow("Ctrl+V, two decimals") << int(ctrlV) << int(N::ntDouble) << "2,256" << "2,26" << "";
-        QTest::newRow("Vložit") << int(oxaMenu) << int(N::ntCurrency) << "1.5" << "7,00"
+        QTest::newRow("Ctrl+V, two decimals") << int(ctrlV) << int(N::ntDouble) << "2,256"
+                                              << "2,26"
+                                              << "";
+        QTest::newRow("Vložit") << int(oxaMenu) << int(N::ntCurrency) << "1.5"
+                                << "7,00"
                                 << "'1.5' není platné číslo";
-        QTest::newRow("Qt's menu, once") << int(qtMenu) << int(N::ntInteger) << "0012" << "12" << "";
-        QTest::newRow("none") << int(ctrlV) << int(N::ntNone) << "abc" << "abc" << "";
+        QTest::newRow("Qt's menu, once") << int(qtMenu) << int(N::ntInteger) << "0012"
+                                         << "12"
+                                         << "";
+        QTest::newRow("none") << int(ctrlV) << int(N::ntNone) << "abc"
+                              << "abc"
+                              << "";
     }
 
     void paste()
@@ -207,7 +238,8 @@ private Q_SLOTS:
         edit.setText(QStringLiteral("99999999999999999999"));
         QVERIFY_THROWS_EXCEPTION(EConvertError, edit.getCurrency());
         QVERIFY_THROWS_EXCEPTION(EConvertError, TCurrency::FromDouble(1e15));
-        QVERIFY_THROWS_EXCEPTION(EConvertError, TCurrency::FromDouble(-std::numeric_limits<double>::infinity()));
+        QVERIFY_THROWS_EXCEPTION(EConvertError,
+                                 TCurrency::FromDouble(-std::numeric_limits<double>::infinity()));
         QCOMPARE(TCurrency::FromDouble(-9.22e14).Scaled(), Q_INT64_C(-9220000000000000000));
         edit.SetDigits(4);
         edit.setCurrency(TCurrency::FromScaled(std::numeric_limits<qint64>::min()));

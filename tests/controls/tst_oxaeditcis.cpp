@@ -79,14 +79,16 @@ private Q_SLOTS:
             QTest::mouseClick(form.edit->Button(), Qt::LeftButton);
         } else if (trigger.endsWith(QLatin1String("double click"))) {
             const bool ctrl = trigger.startsWith(QLatin1String("Ctrl"));
-            QTest::mouseDClick(form.edit, Qt::LeftButton, ctrl ? Qt::ControlModifier : Qt::NoModifier);
+            QTest::mouseDClick(form.edit, Qt::LeftButton,
+                               ctrl ? Qt::ControlModifier : Qt::NoModifier);
         } else {
             form.edit->setFocus();
             const QKeySequence keys(trigger);
             QTest::keyClick(form.edit, keys[0].key(), keys[0].keyboardModifiers());
         }
         QTEST(int(form.calls.size()), "calls");
-        QCOMPARE(form.edit->text(), form.calls.isEmpty() ? QStringLiteral("111") : QStringLiteral("205"));
+        QCOMPARE(form.edit->text(),
+                 form.calls.isEmpty() ? QStringLiteral("111") : QStringLiteral("205"));
         QCOMPARE(form.calls, form.calls.isEmpty() ? QStringList() : QStringList{"111"});
         QVERIFY(form.edit->hasFocus()); // also after a click on the button
     }

@@ -34,16 +34,18 @@ class TestOxaPopupMenu : public QObject
 private Q_SLOTS:
     void builtItems()
     {
-        const QStringList names = {"_zpet", "_1", "_vyjmout", "_kopirovat", "_vlozit",
+        const QStringList names = {"_zpet",      "_1", "_vyjmout",   "_kopirovat",     "_vlozit",
                                    "_odstranit", "_2", "_vybratvse", "_popupmapaznaku"};
-        const QStringList captions = {zpet, {}, vyjmout, kopirovat, vlozit, odstranit, {}, vybratVse, mapaZnaku};
+        const QStringList captions = {zpet,      {}, vyjmout,   kopirovat, vlozit,
+                                      odstranit, {}, vybratVse, mapaZnaku};
         TOxaPopUpMenu menu;
         const QList<QAction *> items = menu.actions();
         QCOMPARE(items.size(), names.size());
         for (int i = 0; i < items.size(); ++i) {
             QCOMPARE(items[i]->objectName(), names[i]);
             QCOMPARE(items[i]->isSeparator(), captions[i].isEmpty());
-            QVERIFY(items[i]->isEnabled() && !items[i]->isChecked() && items[i]->shortcut().isEmpty());
+            QVERIFY(items[i]->isEnabled() && !items[i]->isChecked() &&
+                    items[i]->shortcut().isEmpty());
             if (!items[i]->isSeparator())
                 QCOMPARE(items[i]->text(), captions[i]);
         }
@@ -89,7 +91,8 @@ private Q_SLOTS:
         for (const QString &caption : {vyjmout, kopirovat, odstranit})
             QCOMPARE(FindMenuItem(menu, caption)->isEnabled(), selection);
         QTEST(FindMenuItem(menu, vybratVse)->isEnabled(), "notAll");
-        QVERIFY(FindMenuItem(menu, vlozit)->isEnabled() && FindMenuItem(menu, mapaZnaku)->isEnabled());
+        QVERIFY(FindMenuItem(menu, vlozit)->isEnabled() &&
+                FindMenuItem(menu, mapaZnaku)->isEnabled());
         menu->hide();
 
         // The edit's own menu lives only while the edit holds the focus.

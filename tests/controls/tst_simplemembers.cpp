@@ -21,10 +21,13 @@ namespace {
 // members differ: whether Ctrl+Left without FocLeft is swallowed, whether
 // loading keeps a colour given before, and whether a control disabled while
 // focused keeps its flag (its exit then runs disabled).
-template <class T>
+template<class T>
 void checkMember(bool swallowsCtrlArrow, bool loadKeepsColour, bool disabledKeepsFlag)
 {
-    constexpr bool coloured = requires(T &t) { t.ActiveColor(); };
+    constexpr bool coloured = requires(T & t)
+    {
+        t.ActiveColor();
+    };
     test::TestForm form;
     auto *next = form.Add<TEditOxa>();
     auto *control = form.Add<T>(60);
@@ -91,9 +94,9 @@ private Q_SLOTS:
         QFETCH(bool, swallowsCtrlArrow);
         QFETCH(bool, loadKeepsColour);
         QFETCH(bool, disabledKeepsFlag);
-        void (*const check[])(bool, bool, bool) = {&checkMember<TEditOxa>, &checkMember<TComboBoxOxa>,
-                                             &checkMember<TMemoOxa>, &checkMember<TLabeledEditOxa>,
-                                             &checkMember<TButtonOxa>};
+        void (*const check[])(bool, bool, bool) = {
+            &checkMember<TEditOxa>, &checkMember<TComboBoxOxa>, &checkMember<TMemoOxa>,
+            &checkMember<TLabeledEditOxa>, &checkMember<TButtonOxa>};
         check[member](swallowsCtrlArrow, loadKeepsColour, disabledKeepsFlag);
     }
 
@@ -193,7 +196,8 @@ private Q_SLOTS:
     // Qt's own menus speak Czech once the application asked for it.
     void czechStandardMenus()
     {
-        QVERIFY2(InstallCzechTranslations(), "Qt's Czech translation (qt6-translations-l10n) is missing");
+        QVERIFY2(InstallCzechTranslations(),
+                 "Qt's Czech translation (qt6-translations-l10n) is missing");
         QVERIFY(InstallCzechTranslations()); // a second call changes nothing
         test::TestForm form;
         auto *mask = form.Add<TMaskEditOxa>();
@@ -205,10 +209,12 @@ private Q_SLOTS:
             QVERIFY(menu);
             QStringList captions;
             for (const QAction *action : menu->actions())
-                captions << action->text().remove(QLatin1Char('&')).section(QLatin1Char('\t'), 0, 0);
+                captions
+                    << action->text().remove(QLatin1Char('&')).section(QLatin1Char('\t'), 0, 0);
             menu->close();
             for (const char *czech : {"Zpět", "Vyjmout", "Kopírovat", "Vložit"})
-                QVERIFY2(captions.contains(QString::fromUtf8(czech)), qPrintable(captions.join(u'|')));
+                QVERIFY2(captions.contains(QString::fromUtf8(czech)),
+                         qPrintable(captions.join(u'|')));
         }
     }
 };

@@ -57,10 +57,12 @@ void TestStringGridOxa::cellColours_data()
     QTest::addColumn<TColor>("text");
     // Column 3 is refused by CanSelectCell; the fixed colour is set to lime.
     QTest::newRow("selected, focused") << true << TGridCoord{1, 1} << clYellow << clWindowText;
-    QTest::newRow("selected, unfocused") << false << TGridCoord{1, 1} << TColor(0x00B9FFFF) << clBlue;
+    QTest::newRow("selected, unfocused")
+        << false << TGridCoord{1, 1} << TColor(0x00B9FFFF) << clBlue;
     QTest::newRow("other") << true << TGridCoord{2, 2} << clWindow << clWindowText;
     QTest::newRow("refused") << true << TGridCoord{3, 2} << clInactiveBorder << clWindowText;
-    QTest::newRow("refused, unfocused") << false << TGridCoord{3, 2} << clInactiveBorder << clWindowText;
+    QTest::newRow("refused, unfocused")
+        << false << TGridCoord{3, 2} << clInactiveBorder << clWindowText;
     QTest::newRow("fixed over refused") << true << TGridCoord{3, 0} << clLime << clWindowText;
 }
 
@@ -77,7 +79,8 @@ void TestStringGridOxa::cellColours()
     form.grid->CanSelectCell = [](int col, int, bool &can) { can = col != 3; };
     QMap<QPair<int, int>, QPair<QColor, QColor>> seen;
     form.grid->BeforeDrawCell = [&](QObject *, int col, int row, const QRect &, TGridDrawState) {
-        seen[{col, row}] = {form.grid->Canvas()->brush().color(), form.grid->Canvas()->pen().color()};
+        seen[{col, row}] = {form.grid->Canvas()->brush().color(),
+                            form.grid->Canvas()->pen().color()};
     };
     QVERIFY(form.show());
     if (!focused) {
@@ -110,7 +113,8 @@ void TestStringGridOxa::selectCellOrder()
     };
     grid.SetCol(2); // OnSelectCell has the last word
     QCOMPARE(grid.Col(), 2);
-    QCOMPARE(log, (QStringList{"CanSelectCell 2,1 1", "CanSelectCell 2,1 1", "OnSelectCell 2,1 0"}));
+    QCOMPARE(log,
+             (QStringList{"CanSelectCell 2,1 1", "CanSelectCell 2,1 1", "OnSelectCell 2,1 0"}));
 }
 
 void TestStringGridOxa::keys_data()
@@ -121,9 +125,11 @@ void TestStringGridOxa::keys_data()
     const auto ctrl = Qt::ControlModifier;
     QTest::newRow("plain right") << QKeyCombination(Qt::Key_Right) << 0 << TGridCoord{2, 1};
     QTest::newRow("ctrl right") << (ctrl | Qt::Key_Right) << 1 << TGridCoord{1, 1};
-    QTest::newRow("ctrl down, past a disabled grid") << (ctrl | Qt::Key_Down) << 2 << TGridCoord{1, 1};
+    QTest::newRow("ctrl down, past a disabled grid")
+        << (ctrl | Qt::Key_Down) << 2 << TGridCoord{1, 1};
     // Not exactly Ctrl: the grid takes the key and pages sideways.
-    QTest::newRow("ctrl shift right") << (ctrl | Qt::ShiftModifier | Qt::Key_Right) << 0 << TGridCoord{4, 1};
+    QTest::newRow("ctrl shift right")
+        << (ctrl | Qt::ShiftModifier | Qt::Key_Right) << 0 << TGridCoord{4, 1};
     QTest::newRow("ctrl left, no neighbour") << (ctrl | Qt::Key_Left) << 0 << TGridCoord{1, 1};
 }
 

@@ -43,8 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     dispatcher.SetStream(&buffer);
     try {
         dispatcher.Read();
-    } catch (const oxa::EReadError &) {
-    }
+    } catch (const oxa::EReadError &) { }
     // Every round of the loop adds at most one message and no record
     // position is read twice.
     if (dispatcher.SLError().size() > qsizetype(size) + 1)

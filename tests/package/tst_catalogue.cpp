@@ -67,17 +67,35 @@ const CatalogueRow kCatalogue[] = {
 
 // The classes built so far; each must be registered as the catalogue says.
 const char *const kBuilt[] = {
-    "TMaskEditOxa", "TDateTimePickerOxa", "TOxaPopUpMenu", "TEditOxa", "TComboBoxOxa",
-    "TStringGridOxa", "TMemoOxa", "TLabeledEditOxa", "TButtonOxa", "TErrorProvider",
-    "TEnhancedMonthCalendar", "TDayListView", "TDayGroupBox", "TXLSfile", "TExecApplication",
-    "TBackgroundWorker", "TNumEditOxa", "TOxaEditCis", "TDiarPanel",
-    "TOxaRichView", "TStringGridCheck", "TCheckTreeView", "TCheckTreeViewOxa",
+    "TMaskEditOxa",
+    "TDateTimePickerOxa",
+    "TOxaPopUpMenu",
+    "TEditOxa",
+    "TComboBoxOxa",
+    "TStringGridOxa",
+    "TMemoOxa",
+    "TLabeledEditOxa",
+    "TButtonOxa",
+    "TErrorProvider",
+    "TEnhancedMonthCalendar",
+    "TDayListView",
+    "TDayGroupBox",
+    "TXLSfile",
+    "TExecApplication",
+    "TBackgroundWorker",
+    "TNumEditOxa",
+    "TOxaEditCis",
+    "TDiarPanel",
+    "TOxaRichView",
+    "TStringGridCheck",
+    "TCheckTreeView",
+    "TCheckTreeViewOxa",
 };
 
 // The record grids and the data-aware members, built so far.
-const char *const kBuiltGrids[] = {"TDBGridOxa",      "TOxaBaseDBGrid",       "TEnhancedDBGrid",
-                                   "TCheckDBGrid",    "TEnhancedCheckDBGrid", "TCheckDBGridOxa",
-                                   "TDBEditOxa",      "TDBLookupComboBoxOxa", "TDBComboBoxOxa",
+const char *const kBuiltGrids[] = {"TDBGridOxa",    "TOxaBaseDBGrid",       "TEnhancedDBGrid",
+                                   "TCheckDBGrid",  "TEnhancedCheckDBGrid", "TCheckDBGridOxa",
+                                   "TDBEditOxa",    "TDBLookupComboBoxOxa", "TDBComboBoxOxa",
                                    "TDBCheckBoxOxa"};
 
 const CatalogueRow *rowOf(const QString &className)

@@ -51,8 +51,9 @@ void TestExports::catalogueClassesAreExported()
 void TestExports::internalsStayHidden()
 {
     QStringList internals;
-    const QRegularExpression declared(QStringLiteral(R"(^(?:class|struct)\s+(\w+(?:::\w+)*)\b[^;]*$)"),
-                                      QRegularExpression::MultilineOption);
+    const QRegularExpression declared(
+        QStringLiteral(R"(^(?:class|struct)\s+(\w+(?:::\w+)*)\b[^;]*$)"),
+        QRegularExpression::MultilineOption);
     QDirIterator headers(QStringLiteral(OXA_SOURCE_DIR), {QStringLiteral("*_p.h")}, QDir::Files,
                          QDirIterator::Subdirectories);
     while (headers.hasNext()) {

@@ -1,5 +1,5 @@
-#include "oxa/toolkit/CodePage1250.h"
 #include "oxa/spreadsheet/XLSfile.h"
+#include "oxa/toolkit/CodePage1250.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -18,7 +18,11 @@ namespace {
 struct Bytes
 {
     QByteArray b;
-    Bytes &u8(int v) { b.append(char(v & 0xFF)); return *this; }
+    Bytes &u8(int v)
+    {
+        b.append(char(v & 0xFF));
+        return *this;
+    }
     Bytes &u16(int v) { return u8(v).u8(v >> 8); }
     Bytes &f64(double v)
     {
@@ -26,7 +30,11 @@ struct Bytes
             u8(int(std::bit_cast<quint64>(v) >> (8 * i)));
         return *this;
     }
-    Bytes &raw(const QByteArray &r) { b.append(r); return *this; }
+    Bytes &raw(const QByteArray &r)
+    {
+        b.append(r);
+        return *this;
+    }
     Bytes &cell(int op, int row, int col, int a3, const QByteArray &value)
     {
         return u16(op).u16(7 + value.size()).u16(row).u16(col).u8(0).u8(0).u8(a3).raw(value);
@@ -61,7 +69,7 @@ QByteArray WriteSheet(TXLSfile &xls, const QString &fileName)
 }
 
 // The message of the E that writing fileName throws; empty when none is thrown.
-template <class E>
+template<class E>
 QString WriteFailure(TXLSfile &xls, const QString &fileName)
 {
     xls.SetFileName(fileName);
@@ -113,7 +121,8 @@ public:
 class TRefusing : public QIODevice
 {
 public:
-    explicit TRefusing(qint64 room, bool sequential = false) : m_room(room), m_sequential(sequential)
+    explicit TRefusing(qint64 room, bool sequential = false)
+        : m_room(room), m_sequential(sequential)
     {
         open(QIODevice::WriteOnly);
     }
@@ -166,10 +175,13 @@ void TestXLSfile::attributes_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("none") << TSetOfAtribut() << QByteArray::fromHex("000000");
     QTest::newRow("hidden locked") << (acHidden | acLocked) << QByteArray::fromHex("c00000");
-    QTest::newRow("borders shaded") << (acShaded | acBottomBorder | acTopBorder | acRightBorder | acLeftBorder)
-                                    << QByteArray::fromHex("0000f8");
-    QTest::newRow("left wins over center, right") << (acLeft | acCenter | acRight) << QByteArray::fromHex("000001");
-    QTest::newRow("center wins over right") << (acCenter | acRight) << QByteArray::fromHex("000002");
+    QTest::newRow("borders shaded")
+        << (acShaded | acBottomBorder | acTopBorder | acRightBorder | acLeftBorder)
+        << QByteArray::fromHex("0000f8");
+    QTest::newRow("left wins over center, right")
+        << (acLeft | acCenter | acRight) << QByteArray::fromHex("000001");
+    QTest::newRow("center wins over right")
+        << (acCenter | acRight) << QByteArray::fromHex("000002");
     QTest::newRow("right") << TSetOfAtribut(acRight) << QByteArray::fromHex("000003");
     QTest::newRow("left + fill adds to 5") << (acLeft | acFill) << QByteArray::fromHex("000005");
     QTest::newRow("right + fill adds to 7") << (acRight | acFill) << QByteArray::fromHex("000007");
@@ -199,15 +211,15 @@ void TestXLSfile::sheetBytes()
     xls.AddDoubleCell(4, 5, {}, -1234.5e-3);
     xls.AddStrCell(1, 3, {}, QString(300, u'x')); // length byte 300 mod 256, all bytes
 
-    const QByteArray expected = FixedRecords
-        + QByteArray::fromHex("0200 0900 0000 0000 000000 0700")
-        + Bytes().cell(3, 1, 2, 0x42, Bytes().f64(1.5).b).b
-        + QByteArray::fromHex("0400 1500 0000 0100 000001 0d 8e6c759d6f75e86bfd206bf9f2")
-        + QByteArray::fromHex("0200 0900 0000 0100 000000 ffff")
-        + QByteArray::fromHex("0200 0900 ffff ffff 000000 0100")
-        + QByteArray::fromHex("0100 0000") // a blank cell has no payload at all
-        + Bytes().cell(3, 4, 3, 0, Bytes().f64(-1234.5e-3).b).b
-        + Bytes().cell(4, 2, 0, 0, QByteArray(1, char(44)) + QByteArray(300, 'x')).b + EndRecord;
+    const QByteArray expected = FixedRecords +
+        QByteArray::fromHex("0200 0900 0000 0000 000000 0700") +
+        Bytes().cell(3, 1, 2, 0x42, Bytes().f64(1.5).b).b +
+        QByteArray::fromHex("0400 1500 0000 0100 000001 0d 8e6c759d6f75e86bfd206bf9f2") +
+        QByteArray::fromHex("0200 0900 0000 0100 000000 ffff") +
+        QByteArray::fromHex("0200 0900 ffff ffff 000000 0100") +
+        QByteArray::fromHex("0100 0000") // a blank cell has no payload at all
+        + Bytes().cell(3, 4, 3, 0, Bytes().f64(-1234.5e-3).b).b +
+        Bytes().cell(4, 2, 0, 0, QByteArray(1, char(44)) + QByteArray(300, 'x')).b + EndRecord;
     QCOMPARE(WriteSheet(xls, name), expected);
     QCOMPARE(WriteSheet(xls, name), expected); // written again: the same bytes
     xls.clear();
@@ -237,7 +249,8 @@ void TestXLSfile::largeSheetBytesAcrossFlushes()
         } else {
             const QString &t = texts[i % 9 / 3];
             xls.AddStrCell(col, row, {}, t);
-            expected.cell(4, row - 1, col - 1, 0, QByteArray(1, char(t.size())) + CodePage1250::FromUnicode(t));
+            expected.cell(4, row - 1, col - 1, 0,
+                          QByteArray(1, char(t.size())) + CodePage1250::FromUnicode(t));
         }
     }
     expected.raw(EndRecord);
@@ -291,8 +304,10 @@ void TestXLSfile::writerAndReaderPrimitives()
     buffer.seek(0);
     TMyReader r(&buffer);
     // readStr: the count is bytes, which fill the first half of a text of as many units.
-    QCOMPARE((std::tuple{r.readByte(), r.readWord(), r.readInt(), r.readDouble(), r.readStr(), r.readWord()}),
-             (std::tuple{quint8(0xAB), quint16(0x1234), -2, 0.5, QString(QChar(0x3F9D)) + QChar(0), quint16(0xED8A)}));
+    QCOMPARE((std::tuple{r.readByte(), r.readWord(), r.readInt(), r.readDouble(), r.readStr(),
+                         r.readWord()}),
+             (std::tuple{quint8(0xAB), quint16(0x1234), -2, 0.5, QString(QChar(0x3F9D)) + QChar(0),
+                         quint16(0xED8A)}));
     QVERIFY_THROWS_EXCEPTION(EReadError, r.readWord()); // one byte left
 }
 
@@ -364,22 +379,25 @@ void TestXLSfile::readLoop_data()
     const auto hex = [](const char *h) { return QByteArray::fromHex(h); };
     QTest::newRow("end record only") << eof << L() << QString();
     QTest::newRow("registered, empty") << hex("03000000") + eof << L() << QString();
-    QTest::newRow("unknown opcode") << hex("4d000300aabbcc") + eof << L{"Unknown Opcode 77 "} << FormatError;
+    QTest::newRow("unknown opcode")
+        << hex("4d000300aabbcc") + eof << L{"Unknown Opcode 77 "} << FormatError;
     // The underrun moves back by its shortfall, onto bytes 4..7 of the
     // stream, which read as an end record.
-    QTest::newRow("underrun moves backwards") << hex("4d0002000a00 02000600 000000000000")
-                                              << L{"Unknown Opcode 77 ", "Opcode 2 underrun 6 bytes"} << FormatError;
+    QTest::newRow("underrun moves backwards")
+        << hex("4d0002000a00 02000600 000000000000")
+        << L{"Unknown Opcode 77 ", "Opcode 2 underrun 6 bytes"} << FormatError;
     QTest::newRow("underrun back onto itself stops")
         << hex("0300 0400 0000 0000") + eof << L{"Opcode 3 underrun 4 bytes"} << FormatError;
-    QTest::newRow("underrun before the start")
-        << hex("0200 0900 0000 0000 000000 0700") + eof << L{"Opcode 2 underrun 9 bytes"} << StreamError;
+    QTest::newRow("underrun before the start") << hex("0200 0900 0000 0000 000000 0700") + eof
+                                               << L{"Opcode 2 underrun 9 bytes"} << StreamError;
     // Opcode 500 is registered twice: the first object, which reads 4
     // bytes, takes the end record's opcode too and is moved back onto the
     // record's end, so the end record is read after all.
     QTest::newRow("first registered reads; overrun lands on the end")
         << hex("f4010200 aabb") + eof << L{"Opcode 500 overrun 2 bytes"} << FormatError;
     QTest::newRow("truncated: no end record") << hex("03000000 0a") << L() << StreamError;
-    QTest::newRow("skip past the end") << hex("4d00 ff00 00") << L{"Unknown Opcode 77 "} << StreamError;
+    QTest::newRow("skip past the end")
+        << hex("4d00 ff00 00") << L{"Unknown Opcode 77 "} << StreamError;
 }
 
 void TestXLSfile::readLoop()
@@ -409,14 +427,16 @@ void TestXLSfile::readSurvivesDamagedStreams()
     const QByteArray valid = WriteToBuffer(source.Dispatcher());
 
     TXLSfile sheet; // the cell records, which read nothing, and opcode 5, which reads 3 bytes
-    for (TCellClass c : {CellClassOf<TBlankCell>(), CellClassOf<TWordCell>(), CellClassOf<TDoubleCell>(),
-                         CellClassOf<TStrCell>()})
+    for (TCellClass c : {CellClassOf<TBlankCell>(), CellClassOf<TWordCell>(),
+                         CellClassOf<TDoubleCell>(), CellClassOf<TStrCell>()})
         sheet.AddCell(1, 1, {}, c);
     sheet.AddData(std::make_unique<TProbe>(5, 3));
     for (int round = 0; round < 6000; ++round) {
         QByteArray stream;
         switch (round % 3) {
-        case 0: stream = valid.left(random.bounded(valid.size())); break;
+        case 0:
+            stream = valid.left(random.bounded(valid.size()));
+            break;
         case 1: // a few opcodes the sheet knows, with random lengths
             for (int n = random.bounded(1, 40); n > 0; --n)
                 stream += Bytes().u16(random.bounded(0, 12)).u16(random.bounded(0, 24)).b;
@@ -439,10 +459,12 @@ void TestXLSfile::createFailureKeepsCells()
     TXLSfile xls;
     xls.AddStrCell(1, 1, {}, QStringLiteral("Zachováno"));
     const QString bad = dir.filePath(QStringLiteral("chybí/list.xls"));
-    QVERIFY(WriteFailure<EFCreateError>(xls, bad).startsWith(QStringLiteral("Nelze vytvořit soubor „%1“: ")
-                                                                  .arg(QDir::toNativeSeparators(bad))));
-    const QByteArray cell = Bytes().cell(4, 0, 0, 0, "\x09" + CodePage1250::FromUnicode(u"Zachováno")).b;
-    QCOMPARE(WriteSheet(xls, dir.filePath(QStringLiteral("list.xls"))), FixedRecords + cell + EndRecord);
+    QVERIFY(WriteFailure<EFCreateError>(xls, bad).startsWith(
+        QStringLiteral("Nelze vytvořit soubor „%1“: ").arg(QDir::toNativeSeparators(bad))));
+    const QByteArray cell =
+        Bytes().cell(4, 0, 0, 0, "\x09" + CodePage1250::FromUnicode(u"Zachováno")).b;
+    QCOMPARE(WriteSheet(xls, dir.filePath(QStringLiteral("list.xls"))),
+             FixedRecords + cell + EndRecord);
 }
 
 void TestXLSfile::writeFailureKeepsCells()
@@ -465,11 +487,13 @@ void TestXLSfile::codePage1250_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("ascii") << QStringLiteral("Aa 09~") << QByteArray("Aa 09~");
     QTest::newRow("czech") << QStringLiteral("áčďéěíňóřšťúůýžÁČĎÉĚÍŇÓŘŠŤÚŮÝŽ")
-                           << QByteArray::fromHex("e1e8efe9ecedf2f3f89a9dfaf9fd9e c1c8cfc9cccdd2d3d88a8ddad9dd8e");
+                           << QByteArray::fromHex(
+                                  "e1e8efe9ecedf2f3f89a9dfaf9fd9e c1c8cfc9cccdd2d3d88a8ddad9dd8e");
     QTest::newRow("typography") << QStringLiteral("„–€™“") << QByteArray::fromHex("8496809993");
     // Not in the code page: one '?' per UTF-16 unit, a surrogate pair too.
     QTest::newRow("outside") << QStringLiteral("Ωà中\u0085") << QByteArray("????");
-    QTest::newRow("surrogate pair") << QString::fromUtf8("a\xF0\x9F\x98\x80z") << QByteArray("a??z");
+    QTest::newRow("surrogate pair")
+        << QString::fromUtf8("a\xF0\x9F\x98\x80z") << QByteArray("a??z");
 }
 
 void TestXLSfile::codePage1250()

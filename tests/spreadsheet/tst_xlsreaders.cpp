@@ -2,8 +2,8 @@
 // xlrd library and the LibreOffice Calc converter. A reader that is not
 // installed makes its test report itself skipped.
 
-#include "oxa/toolkit/CodePage1250.h"
 #include "oxa/spreadsheet/XLSfile.h"
+#include "oxa/toolkit/CodePage1250.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -82,11 +82,11 @@ void TestXLSreaders::initTestCase()
 
 // A missing reader skips the check with the reason; where the readers are
 // required (the full test command installs them), it fails instead.
-#define SKIP_READER(reason)                                                    \
-    do {                                                                       \
-        if (qEnvironmentVariableIsSet("OXA_REQUIRE_READERS"))                  \
-            QFAIL(reason);                                                     \
-        QSKIP(reason);                                                         \
+#define SKIP_READER(reason) \
+    do { \
+        if (qEnvironmentVariableIsSet("OXA_REQUIRE_READERS")) \
+            QFAIL(reason); \
+        QSKIP(reason); \
     } while (false)
 
 void TestXLSreaders::xlrdReadsEveryCell()
@@ -119,7 +119,8 @@ void TestXLSreaders::libreOfficeReadsEveryCell()
     if (office.isEmpty())
         office = QStandardPaths::findExecutable(QStringLiteral("libreoffice"));
     if (office.isEmpty())
-        SKIP_READER("LibreOffice (libreoffice-calc-nogui) is not installed: the Calc check cannot run");
+        SKIP_READER(
+            "LibreOffice (libreoffice-calc-nogui) is not installed: the Calc check cannot run");
 
     QTemporaryDir profile; // its own profile, so that parallel runs do not share one
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -127,16 +128,19 @@ void TestXLSreaders::libreOfficeReadsEveryCell()
     QProcess process;
     process.setProcessEnvironment(env);
     // Tab-separated UTF-8 text: no cell holds a tab or '"', so nothing is quoted.
-    process.start(office, {QStringLiteral("--headless"),
-                           QStringLiteral("-env:UserInstallation=") + QUrl::fromLocalFile(profile.path()).toString(),
-                           QStringLiteral("--convert-to"), QStringLiteral("csv:Text - txt - csv (StarCalc):9,34,76"),
-                           QStringLiteral("--outdir"), m_dir.path(), m_file});
+    process.start(
+        office,
+        {QStringLiteral("--headless"),
+         QStringLiteral("-env:UserInstallation=") + QUrl::fromLocalFile(profile.path()).toString(),
+         QStringLiteral("--convert-to"), QStringLiteral("csv:Text - txt - csv (StarCalc):9,34,76"),
+         QStringLiteral("--outdir"), m_dir.path(), m_file});
     QVERIFY2(process.waitForFinished(50000), "LibreOffice did not finish the conversion in time");
     QCOMPARE(process.exitCode(), 0);
 
     QFile csv(m_dir.filePath(QStringLiteral("pacienti.csv")));
     QVERIFY2(csv.open(QIODevice::ReadOnly), qPrintable(process.readAllStandardError()));
-    const QStringList lines = QString::fromUtf8(csv.readAll()).remove(u'\r').split(u'\n', Qt::SkipEmptyParts);
+    const QStringList lines =
+        QString::fromUtf8(csv.readAll()).remove(u'\r').split(u'\n', Qt::SkipEmptyParts);
     TCells read;
     for (int row = 0; row < lines.size(); ++row) {
         const QStringList fields = lines[row].split(u'\t');

@@ -8,8 +8,7 @@
 
 namespace oxa::test {
 
-MessageRecorder::MessageRecorder(TModalResult answer)
-    : m_answer(answer)
+MessageRecorder::MessageRecorder(TModalResult answer) : m_answer(answer)
 {
     MessageService::SetMessageAnswerer([this](const TMessageRequest &request) {
         m_shown.append(request);
@@ -54,7 +53,8 @@ bool ShowAndActivate(QWidget *window)
 QMenu *RightClick(QWidget *widget, const QString &item)
 {
     QWidget *top = widget->window();
-    QTest::mouseClick(top->windowHandle(), Qt::RightButton, {}, widget->mapTo(top, widget->rect().center()));
+    QTest::mouseClick(top->windowHandle(), Qt::RightButton, {},
+                      widget->mapTo(top, widget->rect().center()));
     auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
     if (!menu || item.isEmpty())
         return menu;

@@ -62,7 +62,7 @@ class TestForm : public QWidget
 public:
     TestForm() { resize(320, 240); }
 
-    template <class T>
+    template<class T>
     T *Add(int height = 24)
     {
         auto *widget = new T(this);

@@ -66,9 +66,11 @@ void TestColor::plainColorsHaveRedInTheLowByte()
 
 void TestColor::systemColorsComeFromThePalette()
 {
-    const QList<QPair<TColor, QPalette::ColorRole>> roles = {
-        {clWindow, QPalette::Base}, {clWindowText, QPalette::Text}, {clHighlight, QPalette::Highlight},
-        {clInfoBk, QPalette::ToolTipBase}, {clBtnFace, QPalette::Button}};
+    const QList<QPair<TColor, QPalette::ColorRole>> roles = {{clWindow, QPalette::Base},
+                                                             {clWindowText, QPalette::Text},
+                                                             {clHighlight, QPalette::Highlight},
+                                                             {clInfoBk, QPalette::ToolTipBase},
+                                                             {clBtnFace, QPalette::Button}};
     QPalette palette;
     for (int i = 0; i < roles.size(); ++i)
         palette.setColor(roles[i].second, QColor(i, 10 + i, 20 + i));
@@ -84,7 +86,8 @@ void TestColor::controlColorPaintsTheBackground()
     const QImage image = edit.grab().toImage();
     QCOMPARE(QColor(image.pixel(image.width() / 2, image.height() / 2)), QColor(255, 255, 0));
     SetControlColor(&edit, clWindow);
-    QCOMPARE(edit.palette().color(QPalette::Base), QApplication::palette(&edit).color(QPalette::Base));
+    QCOMPARE(edit.palette().color(QPalette::Base),
+             QApplication::palette(&edit).color(QPalette::Base));
 }
 
 QTEST_MAIN(TestColor)

@@ -225,14 +225,17 @@ void TestGrid::keyboard_data()
     QTest::newRow("page up at top") << d << "PgUp" << C{1, 1} << R() << 0;
     QTest::newRow("page down, down, up") << d << "PgDown, PgDown, PgUp" << C{1, 8} << R() << 3;
     QTest::newRow("ctrl page down") << d << "Ctrl+PgDown" << C{1, 7} << R() << 1;
-    QTest::newRow("shift extends") << d << "Shift+Right, Shift+Down" << C{2, 2} << R{1, 1, 2, 2} << 2;
+    QTest::newRow("shift extends")
+        << d << "Shift+Right, Shift+Down" << C{2, 2} << R{1, 1, 2, 2} << 2;
     QTest::newRow("shift back to the anchor row")
         << d << "Shift+Right, Shift+Down, Shift+Up, Shift+Up" << C{2, 1} << R{1, 1, 2, 1} << 3;
     QTest::newRow("plain move collapses") << d << "Shift+Right, Down" << C{2, 2} << R() << 2;
-    QTest::newRow("no goRangeSelect") << (d & ~TGridOptions(goRangeSelect)) << "Shift+Right" << C{2, 1} << R() << 1;
+    QTest::newRow("no goRangeSelect")
+        << (d & ~TGridOptions(goRangeSelect)) << "Shift+Right" << C{2, 1} << R() << 1;
     QTest::newRow("row select") << rows << "Down" << C{1, 2} << R{1, 2, 9, 2} << 1;
     QTest::newRow("row select end") << rows << "End" << C{1, 29} << R{1, 29, 9, 29} << 1;
-    QTest::newRow("row select range") << rows << "Shift+Down, Shift+Down" << C{1, 3} << R{1, 1, 9, 3} << 2;
+    QTest::newRow("row select range")
+        << rows << "Shift+Down, Shift+Down" << C{1, 3} << R{1, 1, 9, 3} << 2;
 }
 
 void TestGrid::keyboard()
@@ -327,8 +330,8 @@ void TestGrid::mouseAndWheel()
     const int clicks = w.clicks;
     const QPointF at(50, 50);
     for (const auto &[delta, row] : {std::pair{-240, 5}, {60, 5}, {60, 4}}) { // half notches add up
-        QWheelEvent event(at, vp->mapToGlobal(at), QPoint(), QPoint(0, delta), Qt::NoButton, Qt::NoModifier,
-                          Qt::NoScrollPhase, false);
+        QWheelEvent event(at, vp->mapToGlobal(at), QPoint(), QPoint(0, delta), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
         QApplication::sendEvent(vp, &event);
         QCOMPARE(w.grid->Row(), row);
     }
@@ -461,7 +464,8 @@ void TestGrid::stringGridStorage()
     grid.OnColumnMoved = [&](QObject *, int from, int to) { moved << from << to; };
     grid.SetRows(1, {QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("2")});
     grid.MoveColumn(1, 3);
-    QCOMPARE(grid.Rows(1), (QStringList{QStringLiteral("0"), QStringLiteral("2"), {}, QStringLiteral("1"), {}}));
+    QCOMPARE(grid.Rows(1),
+             (QStringList{QStringLiteral("0"), QStringLiteral("2"), {}, QStringLiteral("1"), {}}));
     QCOMPARE(moved, (QList<int>{1, 3}));
     grid.SetCells(0, 2, QStringLiteral("r2"));
     grid.MoveRow(1, 4); // the rows between move up
@@ -510,7 +514,9 @@ void TestGrid::editing()
     QTest::keyClicks(w.grid, QStringLiteral("x"));
     QTest::mouseClick(w.grid->viewport(), Qt::LeftButton, {}, w.centre(3, 3)); // commits too
     QCOMPARE(w.grid->Col(), 3);
-    QCOMPARE(stored, (QStringList{QStringLiteral("1,1 older"), QStringLiteral("1,1 new"), QStringLiteral("1,2 x")}));
+    QCOMPARE(stored,
+             (QStringList{QStringLiteral("1,1 older"), QStringLiteral("1,1 new"),
+                          QStringLiteral("1,2 x")}));
     QCOMPARE(w.grid->Cells(1, 2), QStringLiteral("x"));
     QCOMPARE(exits, 0); // the focus never left the grid
 }

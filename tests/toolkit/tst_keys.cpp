@@ -28,14 +28,17 @@ void TestKeys::qtKeysMapToVirtualKeys_data()
     QTest::addColumn<int>("qtKey");
     QTest::addColumn<int>("modifiers");
     QTest::addColumn<int>("vk");
-    QTest::newRow("keypad star") << int(Qt::Key_Asterisk) << int(Qt::KeypadModifier) << int(VK_MULTIPLY);
+    QTest::newRow("keypad star") << int(Qt::Key_Asterisk) << int(Qt::KeypadModifier)
+                                 << int(VK_MULTIPLY);
     QTest::newRow("keypad plus") << int(Qt::Key_Plus) << int(Qt::KeypadModifier) << int(VK_ADD);
-    QTest::newRow("keypad minus") << int(Qt::Key_Minus) << int(Qt::KeypadModifier) << int(VK_SUBTRACT);
+    QTest::newRow("keypad minus") << int(Qt::Key_Minus) << int(Qt::KeypadModifier)
+                                  << int(VK_SUBTRACT);
     QTest::newRow("keypad 7") << int(Qt::Key_7) << int(Qt::KeypadModifier) << 0x67;
     QTest::newRow("main minus") << int(Qt::Key_Minus) << 0 << int(VK_OEM_MINUS);
     QTest::newRow("letter") << int(Qt::Key_F) << 0 << 0x46;
     QTest::newRow("F4") << int(Qt::Key_F4) << 0 << int(VK_F4);
-    QTest::newRow("keypad arrow stays an arrow") << int(Qt::Key_Up) << int(Qt::KeypadModifier) << int(VK_UP);
+    QTest::newRow("keypad arrow stays an arrow")
+        << int(Qt::Key_Up) << int(Qt::KeypadModifier) << int(VK_UP);
 }
 
 void TestKeys::qtKeysMapToVirtualKeys()
@@ -57,7 +60,8 @@ void TestKeys::shiftStatesAndShortCuts()
     QCOMPARE(ShiftStateFromModifiers(Qt::KeypadModifier), TShiftState());
     QCOMPARE(ShiftStateFromMouse(Qt::AltModifier, Qt::LeftButton | Qt::RightButton, true),
              ssAlt | ssLeft | ssRight | ssDouble);
-    QCOMPARE(ShortCutToText(ShortCut(VK_Letter('a'), ssShift | ssAlt)), QStringLiteral("Shift+Alt+A"));
+    QCOMPARE(ShortCutToText(ShortCut(VK_Letter('a'), ssShift | ssAlt)),
+             QStringLiteral("Shift+Alt+A"));
     QCOMPARE(ShortCutToText(ShortCut(VK_DELETE, ssCtrl)), QStringLiteral("Ctrl+Del"));
     QCOMPARE(TextToShortCut(QStringLiteral("Ctrl+F1")), ShortCut(VK_F1, ssCtrl));
     QCOMPARE(ShortCutToText(0), QString());
@@ -114,7 +118,9 @@ void TestKeys::eventsReachTheHandlers()
     QCOMPARE(edit->text(), QStringLiteral("ab1xc"));
     QTest::keyRelease(edit, Qt::Key_F2);
     QCOMPARE(up, VK_F2);
-    edit->OnKeyDown = [](QObject *, Word &, TShiftState) { throw Exception(QStringLiteral("Chyba")); };
+    edit->OnKeyDown = [](QObject *, Word &, TShiftState) {
+        throw Exception(QStringLiteral("Chyba"));
+    };
     QTest::keyClick(edit, Qt::Key_B);
     QCOMPARE(messages.Texts(), QStringList{QStringLiteral("Chyba")});
     QCOMPARE(messages.Shown().first().Type, mtError);

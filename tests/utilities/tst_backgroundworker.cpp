@@ -103,7 +103,9 @@ void TestBackgroundWorker::refusalsAndFailuresLeaveTheWorkerUsable()
 
     // A failing OnDone is shown to the user; the worker is idle all the same.
     test::MessageRecorder messages;
-    job.worker.OnDone = [](const QString &, TDateTime, QObject *) { throw Exception("Chyba v obsluze"); };
+    job.worker.OnDone = [](const QString &, TDateTime, QObject *) {
+        throw Exception("Chyba v obsluze");
+    };
     job.worker.Run(nullptr);
     QVERIFY(test::WaitFor([&] { return !messages.Shown().isEmpty(); }));
     job.worker.Run(nullptr);
@@ -134,10 +136,14 @@ void TestBackgroundWorker::doneReportsErrorAndTime()
     job.worker.OnDoInBackGround = [&](QObject *) {
         QThread::msleep(workMs);
         switch (outcome) {
-        case ThrowsOxa: throw Exception(error);
-        case ThrowsStd: throw std::runtime_error(error.toStdString());
-        case ThrowsOther: throw 42;
-        case OnProgressThrows: job.worker.Progress(1, {}); // rethrows OnProgress's exception
+        case ThrowsOxa:
+            throw Exception(error);
+        case ThrowsStd:
+            throw std::runtime_error(error.toStdString());
+        case ThrowsOther:
+            throw 42;
+        case OnProgressThrows:
+            job.worker.Progress(1, {}); // rethrows OnProgress's exception
         }
     };
 
@@ -187,7 +193,9 @@ void TestBackgroundWorker::thousandJobsInARow()
     test::MessageRecorder messages;
     TBackgroundWorker worker;
     const std::unique_ptr<TWorkerData[]> data(new TWorkerData[Jobs]);
-    auto jobOf = [&](QObject *aData) { return int(static_cast<TWorkerData *>(aData) - data.get()); };
+    auto jobOf = [&](QObject *aData) {
+        return int(static_cast<TWorkerData *>(aData) - data.get());
+    };
     auto stopped = [](int job) { return job % 5 == 1; };
     auto throws = [&](int job) { return job % 7 == 3 && !stopped(job); };
     auto offMain = [] { return QThread::currentThread() != mainThread(); };

@@ -51,9 +51,10 @@ bool TestColorDlg::FreedAfterClosing()
 
 void TestColorDlg::paletteButtons()
 {
-    const QStringList hints = {"černá", "kaštanová", "zelená", "olivová", "námořnická modř",
-                               "fialová", "šedozelená", "šedá", "stříbrná", "červená",
-                               "žlutozenená", "žlutá", "modrá", "fuchsiová", "akvamarínová", "bílá"};
+    const QStringList hints = {"černá",           "kaštanová", "zelená",       "olivová",
+                               "námořnická modř", "fialová",   "šedozelená",   "šedá",
+                               "stříbrná",        "červená",   "žlutozenená",  "žlutá",
+                               "modrá",           "fuchsiová", "akvamarínová", "bílá"};
     const QList<TColor> colors = {0x000000, 0x000080, 0x008000, 0x008080, 0x800000, 0x800080,
                                   0x808000, 0x808080, 0xC0C0C0, 0x0000FF, 0x00FF00, 0x00FFFF,
                                   0xFF0000, 0xFF00FF, 0xFFFF00, 0xFFFFFF};

@@ -4,15 +4,9 @@
 
 namespace oxa {
 
-TButtonOxa::TButtonOxa(QWidget *parent)
-    : Base(parent)
-{
-}
+TButtonOxa::TButtonOxa(QWidget *parent) : Base(parent) { }
 
-TButtonOxa::TButtonOxa(const QString &caption, QWidget *parent)
-    : Base(caption, parent)
-{
-}
+TButtonOxa::TButtonOxa(const QString &caption, QWidget *parent) : Base(caption, parent) { }
 
 void TButtonOxa::DoEnter()
 {

@@ -6,12 +6,10 @@
 
 namespace oxa {
 
-TComboBoxOxa::TComboBoxOxa(QWidget *parent)
-    : Base(parent)
+TComboBoxOxa::TComboBoxOxa(QWidget *parent) : Base(parent)
 {
-    connect(this, &QComboBox::activated, this, [this] {
-        HandleExceptions(this, [this] { Change(); });
-    });
+    connect(this, &QComboBox::activated, this,
+            [this] { HandleExceptions(this, [this] { Change(); }); });
     // The line edit of an editable box is marked modified only by typing,
     // not by a text the program sets.
     connect(this, &QComboBox::editTextChanged, this, [this] {

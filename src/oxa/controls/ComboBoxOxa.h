@@ -28,7 +28,6 @@ class OXA_EXPORT TComboBoxOxa : public TFocusColorNavigation<TComboBoxOxa, QComb
 public:
     explicit TComboBoxOxa(QWidget *parent = nullptr);
 
-
     // The user changed the selection (mouse, keyboard, wheel, Space) or
     // typed into an editable box.
     TNotifyEvent OnChange;
@@ -52,7 +51,6 @@ protected:
 
 private:
     void selectNextOnSpace(Word &key);
-
 };
 
 OXA_EXPORT void RegisterComboBoxOxa();

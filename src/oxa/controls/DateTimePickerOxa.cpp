@@ -29,9 +29,12 @@ const QString kBlankFormat = QStringLiteral(" ");
 QDateTimeEdit::Section qtSection(quint8 section)
 {
     switch (section) {
-    case kDaySection: return QDateTimeEdit::DaySection;
-    case kMonthSection: return QDateTimeEdit::MonthSection;
-    default: return QDateTimeEdit::YearSection;
+    case kDaySection:
+        return QDateTimeEdit::DaySection;
+    case kMonthSection:
+        return QDateTimeEdit::MonthSection;
+    default:
+        return QDateTimeEdit::YearSection;
     }
 }
 
@@ -43,8 +46,7 @@ bool isBlankFormat(const QString &format)
 } // namespace
 
 TDateTimePickerOxa::TDateTimePickerOxa(QWidget *owner)
-    : Base(owner)
-    , d(std::make_unique<TDateTimePickerOxaPrivate>())
+    : Base(owner), d(std::make_unique<TDateTimePickerOxaPrivate>())
 {
     const QLocale czech = CzechLocale();
     setLocale(czech);
@@ -312,8 +314,8 @@ void TDateTimePickerOxa::PlatformKeyDown(Word &Key, TShiftState Shift)
         Key = 0;
         break;
     default:
-        if (const int digit = TypedDigit(Key); digit >= 0 && !(Shift & (ssCtrl | ssAlt)) &&
-                                               !isReadOnly() && TypeDigit(digit))
+        if (const int digit = TypedDigit(Key);
+            digit >= 0 && !(Shift & (ssCtrl | ssAlt)) && !isReadOnly() && TypeDigit(digit))
             Key = 0;
         break;
     }
@@ -330,7 +332,8 @@ void TDateTimePickerOxa::PlatformKeyDown(Word &Key, TShiftState Shift)
 // date section now (the blank display, an open calendar).
 bool TDateTimePickerOxa::TypeDigit(int digit)
 {
-    if (d->FDroppedDown || isBlankFormat(d->FFormat) || !(displayedSections() & qtSection(d->FSection)))
+    if (d->FDroppedDown || isBlankFormat(d->FFormat) ||
+        !(displayedSections() & qtSection(d->FSection)))
         return false;
     // The empty date is no date to change: typing starts from today's month
     // and year.
@@ -338,7 +341,8 @@ bool TDateTimePickerOxa::TypeDigit(int digit)
     // A day beyond the new month's end becomes its last day, as stepping does.
     const auto dayIn = [&current](int year, int month) {
         const QDate first(year, month, 1);
-        return first.isValid() ? QDate(year, month, std::min(current.day(), first.daysInMonth())) : QDate();
+        return first.isValid() ? QDate(year, month, std::min(current.day(), first.daysInMonth()))
+                               : QDate();
     };
     QDate typed;
     if (d->FSection == kDaySection)
@@ -522,7 +526,8 @@ int TDateTimePickerOxa::VyhodnotStisk(int x)
         const QString day = (first + QLatin1Char('.')).left(3);
         if (metrics.horizontalAdvance(day) + 1 >= x)
             return kDaySection;
-        const QString dayMonth = (first + QLatin1Char('.') + fields.value(1) + QLatin1Char('.')).left(6);
+        const QString dayMonth =
+            (first + QLatin1Char('.') + fields.value(1) + QLatin1Char('.')).left(6);
         return metrics.horizontalAdvance(dayMonth) + 1 < x ? kYearSection : kMonthSection;
     }
     if (IsMonthYearFormat()) {

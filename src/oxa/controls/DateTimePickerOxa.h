@@ -48,7 +48,6 @@ public:
     explicit TDateTimePickerOxa(QWidget *owner = nullptr);
     ~TDateTimePickerOxa() override;
 
-
     // The date with its time of day; a date outside MinDate and the last
     // day of 9999 is refused (see MsgSetDateTime) and the old one stays.
     TDateTime DateTime() const;

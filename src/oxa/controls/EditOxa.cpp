@@ -82,12 +82,10 @@ QString GetKorigovanySubString(const QString &s, bool &changed)
     return result;
 }
 
-TEditOxa::TEditOxa(QWidget *parent)
-    : Base(parent)
+TEditOxa::TEditOxa(QWidget *parent) : Base(parent)
 {
-    connect(this, &QLineEdit::textChanged, this, [this] {
-        HandleExceptions(this, [this] { Change(); });
-    });
+    connect(this, &QLineEdit::textChanged, this,
+            [this] { HandleExceptions(this, [this] { Change(); }); });
 }
 
 void TEditOxa::Change()
@@ -166,9 +164,8 @@ void TEditOxa::attachPopupMenu()
     if (!itemMapaZnaku) {
         itemMapaZnaku = new QAction(MapaZnakuCaption(), this);
         itemMapaZnaku->setObjectName(QStringLiteral("_mapaZnaku"));
-        connect(itemMapaZnaku, &QAction::triggered, this, [this] {
-            HandleExceptions(this, [this] { PopUpMapaZnaku(this); });
-        });
+        connect(itemMapaZnaku, &QAction::triggered, this,
+                [this] { HandleExceptions(this, [this] { PopUpMapaZnaku(this); }); });
     }
     FPopupMenu->addAction(itemMapaZnaku);
 }
@@ -209,16 +206,28 @@ void TEditOxa::PopUpOnPopUp(QObject *Sender)
 void TEditOxa::PopUpOnItemClick(QObject *, TItemTyp Item, QChar Key)
 {
     switch (Item) {
-    case itUndo: undo(); break;
-    case itCut: cut(); break;
-    case itCopy: copy(); break;
-    case itPaste: paste(); break;
+    case itUndo:
+        undo();
+        break;
+    case itCut:
+        cut();
+        break;
+    case itCopy:
+        copy();
+        break;
+    case itPaste:
+        paste();
+        break;
     case itDelete:
         if (hasSelectedText())
             del();
         break;
-    case itSelectAll: selectAll(); break;
-    case itCharMap: replaceSelection(Key); break;
+    case itSelectAll:
+        selectAll();
+        break;
+    case itCharMap:
+        replaceSelection(Key);
+        break;
     }
 }
 
@@ -248,7 +257,8 @@ void TEditOxa::contextMenuEvent(QContextMenuEvent *event)
 void TEditOxa::mouseReleaseEvent(QMouseEvent *event)
 {
     Base::mouseReleaseEvent(event);
-    if (OnClick && event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
+    if (OnClick && event->button() == Qt::LeftButton &&
+        rect().contains(event->position().toPoint()))
         HandleExceptions(this, [this] { OnClick(this); });
 }
 

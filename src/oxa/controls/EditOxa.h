@@ -41,7 +41,6 @@ class OXA_EXPORT TEditOxa : public TFocusColorNavigation<TEditOxa, QLineEdit>
 public:
     explicit TEditOxa(QWidget *parent = nullptr);
 
-
     bool KorekceTextu() const { return FKorekceTextu; }
     void SetKorekceTextu(bool on);
     bool MapaZnaku() const { return fMapaZnaku; }

@@ -18,10 +18,14 @@ namespace {
 const char *resourceName(TErrorType type)
 {
     switch (type) {
-    case etError: return "ERROR";
-    case etWarning: return "WARNING";
-    case etInformation: return "INFORMATION";
-    case etConfirmation: return "CONFIRMATION";
+    case etError:
+        return "ERROR";
+    case etWarning:
+        return "WARNING";
+    case etInformation:
+        return "INFORMATION";
+    case etConfirmation:
+        return "CONFIRMATION";
     }
     return "ERROR";
 }
@@ -29,10 +33,14 @@ const char *resourceName(TErrorType type)
 TMsgDlgType messageType(TErrorType type)
 {
     switch (type) {
-    case etError: return mtError;
-    case etWarning: return mtWarning;
-    case etInformation: return mtInformation;
-    case etConfirmation: return mtConfirmation;
+    case etError:
+        return mtError;
+    case etWarning:
+        return mtWarning;
+    case etInformation:
+        return mtInformation;
+    case etConfirmation:
+        return mtConfirmation;
     }
     return mtError;
 }
@@ -80,8 +88,7 @@ static qsizetype IndexOf(const TMarkList &list, const QString &name)
 
 // ---------------------------------------------------------------- TErrorImage
 
-TErrorImage::TErrorImage(QWidget *parent)
-    : QLabel(parent)
+TErrorImage::TErrorImage(QWidget *parent) : QLabel(parent)
 {
     setFixedSize(ImageSize, ImageSize);
     setAlignment(Qt::AlignCenter);
@@ -129,8 +136,7 @@ void TErrorImage::ApplyVisibility()
 // ------------------------------------------------------------- TErrorProvider
 
 TErrorProvider::TErrorProvider(QObject *aOwner)
-    : QObject(aOwner)
-    , d(std::make_unique<TErrorProviderPrivate>())
+    : QObject(aOwner), d(std::make_unique<TErrorProviderPrivate>())
 {
     d->fTimer = new QTimer(this);
     d->fTimer->setInterval(d->fBlickInterval);
@@ -167,8 +173,8 @@ TErrorProvider::~TErrorProvider()
     ClearAllErrors();
 }
 
-void TErrorProvider::SetError(QWidget *aControl, const QString &aErrorText,
-                              TErrorType aErrorType, TJustifyType aJustify)
+void TErrorProvider::SetError(QWidget *aControl, const QString &aErrorText, TErrorType aErrorType,
+                              TJustifyType aJustify)
 {
     if (!aControl)
         return;
@@ -313,7 +319,8 @@ TErrorImage *TErrorProvider::ErrorImage(const QString &aName) const
 
 QPixmap TErrorProvider::ErrorBitmap(TErrorType aErrorType)
 {
-    return QPixmap(QStringLiteral(":/oxa/ErrorProvider/") + QLatin1String(resourceName(aErrorType)));
+    return QPixmap(QStringLiteral(":/oxa/ErrorProvider/") +
+                   QLatin1String(resourceName(aErrorType)));
 }
 
 // --- following the marked controls

@@ -23,7 +23,14 @@ class TOwnerFollower;
 enum TErrorType { etError, etWarning, etInformation, etConfirmation };
 
 // Where a mark sits relative to its control.
-enum TJustifyType { jtTopLeft, jtTopRight, jtBottomLeft, jtBottomRight, jtCenterRight, jtCenterLeft };
+enum TJustifyType {
+    jtTopLeft,
+    jtTopRight,
+    jtBottomLeft,
+    jtBottomRight,
+    jtCenterRight,
+    jtCenterLeft
+};
 
 // One mark: a 16x16 icon placed on the marked control's parent, with the
 // message as its tooltip. Double-clicking it emits DblClick.
@@ -119,7 +126,6 @@ public:
     static QPixmap ErrorBitmap(TErrorType aErrorType);
 
 protected:
-
 private:
     void Blick(TErrorImage *image, const QString &name);
     void OnTimer();

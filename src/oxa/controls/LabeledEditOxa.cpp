@@ -3,16 +3,14 @@
 #include "oxa/toolkit/Catalogue.h"
 #include "oxa/toolkit/OwnerFollower.h"
 
-
 namespace oxa {
 
-TLabeledEditOxa::TLabeledEditOxa(QWidget *parent)
-    : Base(parent)
-    , FEditLabel(new QLabel(parent))
+TLabeledEditOxa::TLabeledEditOxa(QWidget *parent) : Base(parent), FEditLabel(new QLabel(parent))
 {
     FEditLabel->setObjectName(QStringLiteral("SubEditLabel"));
     FEditLabel->setBuddy(this);
-    new TOwnerFollower(this, FEditLabel, [this] { placeLabel(); }, TOwnerFollower::FollowEnabled);
+    new TOwnerFollower(
+        this, FEditLabel, [this] { placeLabel(); }, TOwnerFollower::FollowEnabled);
 }
 
 TLabeledEditOxa::~TLabeledEditOxa()
@@ -63,10 +61,18 @@ void TLabeledEditOxa::placeLabel()
     const int middle = y() + (height() - label.height()) / 2;
     QPoint at;
     switch (FLabelPosition) {
-    case lpAbove: at = {x(), y() - label.height() - FLabelSpacing}; break;
-    case lpBelow: at = {x(), y() + height() + FLabelSpacing}; break;
-    case lpLeft: at = {x() - label.width() - FLabelSpacing, middle}; break;
-    case lpRight: at = {x() + width() + FLabelSpacing, middle}; break;
+    case lpAbove:
+        at = {x(), y() - label.height() - FLabelSpacing};
+        break;
+    case lpBelow:
+        at = {x(), y() + height() + FLabelSpacing};
+        break;
+    case lpLeft:
+        at = {x() - label.width() - FLabelSpacing, middle};
+        break;
+    case lpRight:
+        at = {x() + width() + FLabelSpacing, middle};
+        break;
     }
     FEditLabel->move(at);
 }

@@ -30,8 +30,10 @@ class OXA_EXPORT TLabeledEditOxa : public TFocusColorNavigation<TLabeledEditOxa,
     Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)
     Q_PROPERTY(QWidget *FocRight READ FocRight WRITE SetFocRight NOTIFY focRightChanged)
     Q_PROPERTY(QLabel *EditLabel READ EditLabel CONSTANT)
-    Q_PROPERTY(QString LabelCaption READ LabelCaption WRITE SetLabelCaption NOTIFY labelCaptionChanged)
-    Q_PROPERTY(TLabelPosition LabelPosition READ LabelPosition WRITE SetLabelPosition NOTIFY labelPositionChanged)
+    Q_PROPERTY(
+        QString LabelCaption READ LabelCaption WRITE SetLabelCaption NOTIFY labelCaptionChanged)
+    Q_PROPERTY(TLabelPosition LabelPosition READ LabelPosition WRITE SetLabelPosition NOTIFY
+                   labelPositionChanged)
     Q_PROPERTY(int LabelSpacing READ LabelSpacing WRITE SetLabelSpacing NOTIFY labelSpacingChanged)
 
     using Base = TFocusColorNavigation<TLabeledEditOxa, QLineEdit>;
@@ -42,7 +44,6 @@ public:
 
     explicit TLabeledEditOxa(QWidget *parent = nullptr);
     ~TLabeledEditOxa() override;
-
 
     QLabel *EditLabel() const { return FEditLabel; }
     QString LabelCaption() const;

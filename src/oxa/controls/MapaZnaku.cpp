@@ -10,8 +10,7 @@
 
 namespace oxa {
 
-TMapaZnaku::TMapaZnaku(QWidget *owner)
-    : QDialog(owner), ui(std::make_unique<Ui::TMapaZnaku>())
+TMapaZnaku::TMapaZnaku(QWidget *owner) : QDialog(owner), ui(std::make_unique<Ui::TMapaZnaku>())
 {
     ui->setupUi(this);
     setFixedSize(size());
@@ -25,8 +24,8 @@ TMapaZnaku::TMapaZnaku(QWidget *owner)
     ui->StrGdMapa->setFont(gridFont);
 
     TStringGrid *grid = ui->StrGdMapa;
-    grid->SetOptions(TGridOptions(goFixedVertLine | goFixedHorzLine | goVertLine | goHorzLine
-                                  | goDrawFocusSelected));
+    grid->SetOptions(TGridOptions(goFixedVertLine | goFixedHorzLine | goVertLine | goHorzLine |
+                                  goDrawFocusSelected));
     grid->SetScrollBars(ssNone);
     grid->OnClick = [this](QObject *) { StrGdMapaClick(); };
     grid->OnDblClick = [this](QObject *) { StrGdMapaDblClick(); };
@@ -38,17 +37,32 @@ TMapaZnaku::TMapaZnaku(QWidget *owner)
 
 TMapaZnaku::~TMapaZnaku() = default;
 
-QChar TMapaZnaku::GetVybranyZnak() const { return vybranyZnak; }
+QChar TMapaZnaku::GetVybranyZnak() const
+{
+    return vybranyZnak;
+}
 
 QString TMapaZnaku::Znaky()
 {
     return QStringLiteral("äëöüŕźśĺćńľÄËÖÜŔŹŚĹĆŃĽ@#$%‰§&€Ł×°<>«»+-*/=:^{}[]|\\;?!_~");
 }
 
-QLabel *TMapaZnaku::Label1() const { return ui->Label1; }
-TStringGrid *TMapaZnaku::StrGdMapa() const { return ui->StrGdMapa; }
-QPushButton *TMapaZnaku::btnVlozit() const { return ui->btnVlozit; }
-QPushButton *TMapaZnaku::btnZavrit() const { return ui->btnZavrit; }
+QLabel *TMapaZnaku::Label1() const
+{
+    return ui->Label1;
+}
+TStringGrid *TMapaZnaku::StrGdMapa() const
+{
+    return ui->StrGdMapa;
+}
+QPushButton *TMapaZnaku::btnVlozit() const
+{
+    return ui->btnVlozit;
+}
+QPushButton *TMapaZnaku::btnZavrit() const
+{
+    return ui->btnZavrit;
+}
 
 void TMapaZnaku::FormShow()
 {
@@ -72,7 +86,10 @@ void TMapaZnaku::StrGdMapaClick()
     vybranyZnak = text.isEmpty() ? QChar() : text.at(0);
 }
 
-void TMapaZnaku::StrGdMapaDblClick() { PressVlozit(); }
+void TMapaZnaku::StrGdMapaDblClick()
+{
+    PressVlozit();
+}
 
 void TMapaZnaku::StrGdMapaKeyPress(QChar &Key)
 {
@@ -94,7 +111,10 @@ void TMapaZnaku::PressVlozit()
         done(mrOk);
 }
 
-void TMapaZnaku::reject() { done(mrCancel); }
+void TMapaZnaku::reject()
+{
+    done(mrCancel);
+}
 
 void TMapaZnaku::showEvent(QShowEvent *event)
 {

@@ -35,8 +35,8 @@ void appendLiteral(QString &qtMask, QChar c)
 bool translateMaskChar(QChar c, QString &qtMask)
 {
     static const char *const pairs[][2] = {
-        {"L", "A"}, {"l", "a"}, {"A", "N"}, {"a", "n"}, {"C", "X"},
-        {"c", "x"}, {"0", "9"}, {"9", "0"}, {"#", "#"}, {">", ">"}, {"<", "<"},
+        {"L", "A"}, {"l", "a"}, {"A", "N"}, {"a", "n"}, {"C", "X"}, {"c", "x"},
+        {"0", "9"}, {"9", "0"}, {"#", "#"}, {">", ">"}, {"<", "<"},
     };
     for (const auto &pair : pairs) {
         if (c == QLatin1Char(pair[0][0])) {
@@ -49,10 +49,7 @@ bool translateMaskChar(QChar c, QString &qtMask)
 
 } // namespace
 
-TMaskEditOxa::TMaskEditOxa(QWidget *owner)
-    : Base(owner)
-{
-}
+TMaskEditOxa::TMaskEditOxa(QWidget *owner) : Base(owner) { }
 
 QString TMaskEditOxa::DefaultDateMask()
 {
@@ -78,7 +75,8 @@ QString TMaskEditOxa::ToQtInputMask(const QString &editMask)
         const QChar c = editMask[i];
         if (c == QLatin1Char('\\') && i + 1 < bodyEnd) {
             appendLiteral(qtMask, editMask[++i]);
-        } else if (c == QLatin1Char('<') && i + 1 < bodyEnd && editMask[i + 1] == QLatin1Char('>')) {
+        } else if (c == QLatin1Char('<') && i + 1 < bodyEnd &&
+                   editMask[i + 1] == QLatin1Char('>')) {
             qtMask += QLatin1Char('!'); // case conversion off
             ++i;
         } else if (c == QLatin1Char('!')) {

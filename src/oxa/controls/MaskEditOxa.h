@@ -43,7 +43,6 @@ class OXA_EXPORT TMaskEditOxa : public TFocusColorNavigation<TMaskEditOxa, QLine
 public:
     explicit TMaskEditOxa(QWidget *owner = nullptr);
 
-
     bool IsDateFormat() const { return FDateFormat; }
     void SetIsDateFormat(bool value);
 

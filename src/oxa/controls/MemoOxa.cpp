@@ -4,8 +4,7 @@
 
 namespace oxa {
 
-TMemoOxa::TMemoOxa(QWidget *parent)
-    : Base(parent)
+TMemoOxa::TMemoOxa(QWidget *parent) : Base(parent)
 {
     setTabChangesFocus(true);
 }

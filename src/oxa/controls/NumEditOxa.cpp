@@ -37,11 +37,15 @@ EConvertError notANumber(const QString &text)
 QStringView acceptedCharacters(TNumEditOxa::TNumType type)
 {
     switch (type) {
-    case TNumEditOxa::ntNone: return u"";
-    case TNumEditOxa::ntInteger: return u"\b-0123456789";
-    case TNumEditOxa::ntCardinal: return u"\b0123456789";
+    case TNumEditOxa::ntNone:
+        return u"";
+    case TNumEditOxa::ntInteger:
+        return u"\b-0123456789";
+    case TNumEditOxa::ntCardinal:
+        return u"\b0123456789";
     case TNumEditOxa::ntDouble:
-    case TNumEditOxa::ntCurrency: return u"\b,-.0123456789";
+    case TNumEditOxa::ntCurrency:
+        return u"\b,-.0123456789";
     }
     return u"";
 }
@@ -95,11 +99,12 @@ double strToFloat(const QString &text)
 // zero at the fifth decimal; false on overflow.
 bool toTenThousandths(QStringView whole, QStringView fraction, qint64 &scaled)
 {
-    const QString digits = whole.toString() + fraction.left(4).toString().leftJustified(4, QLatin1Char('0'));
+    const QString digits =
+        whole.toString() + fraction.left(4).toString().leftJustified(4, QLatin1Char('0'));
     scaled = 0;
     for (QChar digit : digits) {
-        if (qMulOverflow(scaled, qint64(10), &scaled)
-            || qAddOverflow(scaled, qint64(digit.digitValue()), &scaled))
+        if (qMulOverflow(scaled, qint64(10), &scaled) ||
+            qAddOverflow(scaled, qint64(digit.digitValue()), &scaled))
             return false;
     }
     const bool roundUp = fraction.size() > 4 && fraction[4] >= QLatin1Char('5');
@@ -115,8 +120,8 @@ TCurrency strToCurr(const QString &text)
     if (toCNotation(text, c))
         match = amount.match(c);
     qint64 scaled = 0;
-    if (!match.hasMatch() || match.capturedLength(2) + match.capturedLength(3) == 0
-        || !toTenThousandths(match.capturedView(2), match.capturedView(3), scaled))
+    if (!match.hasMatch() || match.capturedLength(2) + match.capturedLength(3) == 0 ||
+        !toTenThousandths(match.capturedView(2), match.capturedView(3), scaled))
         throw notANumber(text);
     return TCurrency::FromScaled(match.capturedView(1) == QStringView(u"-") ? -scaled : scaled);
 }
@@ -152,16 +157,20 @@ QString currToStr(TCurrency value, int digits)
     QString text = rounded < 0 ? QString(kMinus) : QString();
     text += QString::number(magnitude / unit);
     if (digits > 0)
-        text += DecimalSeparator() + QString::number(magnitude % unit).rightJustified(digits, QLatin1Char('0'));
+        text += DecimalSeparator() +
+            QString::number(magnitude % unit).rightJustified(digits, QLatin1Char('0'));
     return text;
 }
 
 Qt::Alignment horizontalAlignment(TNumEditOxa::TAlignment alignment)
 {
     switch (alignment) {
-    case TNumEditOxa::taRightJustify: return Qt::AlignRight;
-    case TNumEditOxa::taCenter: return Qt::AlignHCenter;
-    case TNumEditOxa::taLeftJustify: break;
+    case TNumEditOxa::taRightJustify:
+        return Qt::AlignRight;
+    case TNumEditOxa::taCenter:
+        return Qt::AlignHCenter;
+    case TNumEditOxa::taLeftJustify:
+        break;
     }
     return Qt::AlignLeft;
 }
@@ -184,15 +193,14 @@ QChar DecimalSeparator()
 
 void SetDecimalSeparator(QChar separator)
 {
-    if (separator.isNull() || separator.isDigit() || separator == kMinus
-        || separator == QLatin1Char('+'))
+    if (separator.isNull() || separator.isDigit() || separator == kMinus ||
+        separator == QLatin1Char('+'))
         throw EInvalidOperation(
             QStringLiteral("'%1' nemůže oddělovat desetinná místa").arg(separator));
     gDecimalSeparator = separator;
 }
 
-TNumEditOxa::TNumEditOxa(QWidget *parent)
-    : TEditOxa(parent)
+TNumEditOxa::TNumEditOxa(QWidget *parent) : TEditOxa(parent)
 {
     // Dropped text would pass by both the typed-character check and the
     // rewrite; the platform's edits take no drops either.
@@ -286,11 +294,20 @@ QString TNumEditOxa::GetMaska() const
 void TNumEditOxa::Refresh()
 {
     switch (fNumType) {
-    case ntNone: break;
-    case ntInteger: setInteger(getInteger()); break;
-    case ntCardinal: setCardinal(getCardinal()); break;
-    case ntDouble: setDouble(getDouble()); break;
-    case ntCurrency: setCurrency(getCurrency()); break;
+    case ntNone:
+        break;
+    case ntInteger:
+        setInteger(getInteger());
+        break;
+    case ntCardinal:
+        setCardinal(getCardinal());
+        break;
+    case ntDouble:
+        setDouble(getDouble());
+        break;
+    case ntCurrency:
+        setCurrency(getCurrency());
+        break;
     }
 }
 
@@ -320,7 +337,8 @@ bool TNumEditOxa::IsAccepted(QChar Key) const
 void TNumEditOxa::KeyDown(Word &Key, TShiftState Shift)
 {
     TEditOxa::KeyDown(Key, Shift);
-    if ((Shift & ssCtrl) && (Key == VK_Letter('C') || Key == VK_Letter('V') || Key == VK_Letter('X')))
+    if ((Shift & ssCtrl) &&
+        (Key == VK_Letter('C') || Key == VK_Letter('V') || Key == VK_Letter('X')))
         fCtrlKey = Key;
 }
 

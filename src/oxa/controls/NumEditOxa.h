@@ -16,7 +16,10 @@ class OXA_EXPORT TCurrency
 {
 public:
     constexpr TCurrency() = default;
-    static constexpr TCurrency FromScaled(qint64 tenThousandths) { return TCurrency(tenThousandths); }
+    static constexpr TCurrency FromScaled(qint64 tenThousandths)
+    {
+        return TCurrency(tenThousandths);
+    }
     // Rounds to four decimals; EConvertError for a value out of range.
     static TCurrency FromDouble(double value);
 
@@ -26,7 +29,7 @@ public:
     friend constexpr auto operator<=>(TCurrency, TCurrency) = default;
 
 private:
-    constexpr explicit TCurrency(qint64 scaled) : m_scaled(scaled) {}
+    constexpr explicit TCurrency(qint64 scaled) : m_scaled(scaled) { }
     qint64 m_scaled = 0;
 };
 

@@ -1,8 +1,8 @@
 #include "oxa/controls/OxaEditCis.h"
 
 #include "oxa/toolkit/Catalogue.h"
-#include "oxa/toolkit/OwnerFollower.h"
 #include "oxa/toolkit/Exceptions.h"
+#include "oxa/toolkit/OwnerFollower.h"
 
 #include <QEvent>
 #include <QMetaProperty>
@@ -23,19 +23,18 @@ bool hasWritableText(const QWidget *control)
 } // namespace
 
 TOxaEditCis::TOxaEditCis(QWidget *parent)
-    : TEditOxa(parent)
-    , FButton(new QToolButton(parent))
-    , FBtnHint(QStringLiteral("Otevřít číselník"))
+    : TEditOxa(parent), FButton(new QToolButton(parent)),
+      FBtnHint(QStringLiteral("Otevřít číselník"))
 {
     FButton->setObjectName(QStringLiteral("SubButton"));
     FButton->setText(QStringLiteral("..."));
     // A speed button: clicking it leaves the focus where it is.
     FButton->setFocusPolicy(Qt::NoFocus);
-    connect(FButton, &QToolButton::clicked, this, [this] {
-        HandleExceptions(this, [this] { BtnClick(FButton); });
-    });
+    connect(FButton, &QToolButton::clicked, this,
+            [this] { HandleExceptions(this, [this] { BtnClick(FButton); }); });
     SetBtnHint(FBtnHint);
-    new TOwnerFollower(this, FButton, [this] { placeButton(); }, TOwnerFollower::FollowEnabled);
+    new TOwnerFollower(
+        this, FButton, [this] { placeButton(); }, TOwnerFollower::FollowEnabled);
 }
 
 TOxaEditCis::~TOxaEditCis()

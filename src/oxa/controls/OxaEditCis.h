@@ -14,8 +14,7 @@ namespace oxa {
 // Asked for the new text of the edit; Text comes in as the edit's text.
 using TOxaEditBtnClick = std::function<void(QObject *Sender, QString &Text)>;
 // The same with the text of the second edit, which comes in empty.
-using TOxaEditBtnClick2 =
-    std::function<void(QObject *Sender, QString &Text, QString &SecondText)>;
+using TOxaEditBtnClick2 = std::function<void(QObject *Sender, QString &Text, QString &SecondText)>;
 
 // A TEditOxa for values of a code list kept by the host. A square "..."
 // button stands right of the edit on the edit's parent; the button, the

@@ -22,8 +22,7 @@ bool VyberZnakZMapy(QWidget *owner, QChar &znak)
     return true;
 }
 
-TOxaPopUpMenu::TOxaPopUpMenu(QWidget *owner)
-    : QMenu(owner)
+TOxaPopUpMenu::TOxaPopUpMenu(QWidget *owner) : QMenu(owner)
 {
     addItem(QStringLiteral("_zpet"), QStringLiteral("Zpět"), &TOxaPopUpMenu::PopUpZpet);
     addSeparatorItem(QStringLiteral("_1"));
@@ -36,8 +35,7 @@ TOxaPopUpMenu::TOxaPopUpMenu(QWidget *owner)
     addSeparatorItem(QStringLiteral("_2"));
     addItem(QStringLiteral("_vybratvse"), QStringLiteral("Vybrat vše"),
             &TOxaPopUpMenu::PopUpVybratVse);
-    addItem(QStringLiteral("_popupmapaznaku"), MapaZnakuCaption(),
-            &TOxaPopUpMenu::PopUpMapaZnaku);
+    addItem(QStringLiteral("_popupmapaznaku"), MapaZnakuCaption(), &TOxaPopUpMenu::PopUpMapaZnaku);
 
     connect(this, &QMenu::aboutToShow, this, [this] {
         if (OnPopup)

@@ -8,8 +8,7 @@ namespace oxa {
 
 TStringGridOxa::TStringGridOxa(QWidget *parent)
     : TFocusNavigation<TStringGridOxa, TStringGrid>(parent)
-{
-}
+{ }
 
 void TStringGridOxa::SetCantSelectColor(TColor Value)
 {

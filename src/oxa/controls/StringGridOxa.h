@@ -23,11 +23,14 @@ namespace oxa {
 class OXA_EXPORT TStringGridOxa : public TFocusNavigation<TStringGridOxa, TStringGrid>
 {
     Q_OBJECT
-    Q_PROPERTY(uint CantSelectColor READ CantSelectColor WRITE SetCantSelectColor NOTIFY cantSelectColorChanged)
+    Q_PROPERTY(uint CantSelectColor READ CantSelectColor WRITE SetCantSelectColor NOTIFY
+                   cantSelectColorChanged)
     Q_PROPERTY(uint ActiveColor READ ActiveColor WRITE SetActiveColor NOTIFY activeColorChanged)
     Q_PROPERTY(uint DefaultColor READ DefaultColor WRITE SetDefaultColor NOTIFY defaultColorChanged)
-    Q_PROPERTY(uint DeactiveTextColor READ DeactiveTextColor WRITE SetDeactiveTextColor NOTIFY deactiveTextColorChanged)
-    Q_PROPERTY(uint DeactiveColor READ DeactiveColor WRITE SetDeactiveColor NOTIFY deactiveColorChanged)
+    Q_PROPERTY(uint DeactiveTextColor READ DeactiveTextColor WRITE SetDeactiveTextColor NOTIFY
+                   deactiveTextColorChanged)
+    Q_PROPERTY(
+        uint DeactiveColor READ DeactiveColor WRITE SetDeactiveColor NOTIFY deactiveColorChanged)
     Q_PROPERTY(QWidget *FocUp READ FocUp WRITE SetFocUp NOTIFY focUpChanged)
     Q_PROPERTY(QWidget *FocDown READ FocDown WRITE SetFocDown NOTIFY focDownChanged)
     Q_PROPERTY(QWidget *FocLeft READ FocLeft WRITE SetFocLeft NOTIFY focLeftChanged)

@@ -1,8 +1,8 @@
 #include "oxa/spreadsheet/XLSfile.h"
 #include "oxa/spreadsheet/XLSfile_p.h"
 
-#include "oxa/toolkit/CodePage1250.h"
 #include "oxa/toolkit/Catalogue.h"
+#include "oxa/toolkit/CodePage1250.h"
 
 #include <QDir>
 #include <QFile>
@@ -119,7 +119,8 @@ public:
     TBackground(QIODevice &stream, std::vector<std::vector<char>> spare,
                 std::function<bool()> prepare)
         : m_stream(stream), m_prepare(std::move(prepare)), m_spare(std::move(spare)),
-          m_blocks(1 + int(m_spare.size())), m_busy(bool(m_prepare)), m_thread(&TBackground::Enter, static_cast<void *>(this))
+          m_blocks(1 + int(m_spare.size())), m_busy(bool(m_prepare)),
+          m_thread(&TBackground::Enter, static_cast<void *>(this))
     { }
 
     ~TBackground() { Stop(); }
@@ -915,8 +916,9 @@ void TXLSfile::write()
     // records did meanwhile.
     const auto throwIfNotCreated = [&] {
         if (!file.isOpen()) {
-            throw EFCreateError(QStringLiteral("Nelze vytvořit soubor „%1“: %2")
-                                    .arg(QDir::toNativeSeparators(d->FFileName), file.errorString()));
+            throw EFCreateError(
+                QStringLiteral("Nelze vytvořit soubor „%1“: %2")
+                    .arg(QDir::toNativeSeparators(d->FFileName), file.errorString()));
         }
     };
     d->FDispatcher->SetStream(&file);

@@ -13,7 +13,8 @@ Catalogue &Catalogue::Instance()
 void Catalogue::RegisterComponents(const QList<TComponentEntry> &entries)
 {
     for (const TComponentEntry &entry : entries) {
-        m_components.removeIf([&](const TComponentEntry &e) { return e.ClassName == entry.ClassName; });
+        m_components.removeIf(
+            [&](const TComponentEntry &e) { return e.ClassName == entry.ClassName; });
         m_components.append(entry);
     }
 }

@@ -14,9 +14,9 @@ namespace oxa {
 // One class offered on a palette page.
 struct OXA_EXPORT TComponentEntry
 {
-    QString Page;       // "Oxa", "Oxa Edits", "Oxa Diar", ...
-    QString ClassName;  // "TEditOxa"
-    QString Unit;       // the unit whose Register added it: "EditOxa"
+    QString Page;      // "Oxa", "Oxa Edits", "Oxa Diar", ...
+    QString ClassName; // "TEditOxa"
+    QString Unit;      // the unit whose Register added it: "EditOxa"
     bool IsWidget = true;
     QString IncludeFile; // header a form includes for the class
     std::function<QObject *(QWidget *owner)> Factory;
@@ -59,21 +59,21 @@ private:
 };
 
 // An entry for a widget class T constructed as T(QWidget *parent).
-template <class T>
+template<class T>
 TComponentEntry WidgetEntry(const QString &page, const QString &className, const QString &unit,
                             const QString &includeFile)
 {
-    return {page, className, unit, true, includeFile,
-            [](QWidget *owner) -> QObject * { return new T(owner); }};
+    return {page, className,   unit,
+            true, includeFile, [](QWidget *owner) -> QObject * { return new T(owner); }};
 }
 
 // An entry for a non-visual class T constructed as T(QObject *owner).
-template <class T>
+template<class T>
 TComponentEntry ComponentEntry(const QString &page, const QString &className, const QString &unit,
                                const QString &includeFile)
 {
-    return {page, className, unit, false, includeFile,
-            [](QWidget *owner) -> QObject * { return new T(owner); }};
+    return {page,  className,   unit,
+            false, includeFile, [](QWidget *owner) -> QObject * { return new T(owner); }};
 }
 
 } // namespace oxa

@@ -17,29 +17,57 @@ struct NamedColor
 
 // The toolkit's colour names, in its own order.
 constexpr NamedColor kNamedColors[] = {
-    {clBlack, "clBlack"}, {clMaroon, "clMaroon"}, {clGreen, "clGreen"},
-    {clOlive, "clOlive"}, {clNavy, "clNavy"}, {clPurple, "clPurple"},
-    {clTeal, "clTeal"}, {clGray, "clGray"}, {clSilver, "clSilver"},
-    {clRed, "clRed"}, {clLime, "clLime"}, {clYellow, "clYellow"},
-    {clBlue, "clBlue"}, {clFuchsia, "clFuchsia"}, {clAqua, "clAqua"},
-    {clWhite, "clWhite"}, {clMoneyGreen, "clMoneyGreen"}, {clSkyBlue, "clSkyBlue"},
-    {clCream, "clCream"}, {clMedGray, "clMedGray"},
-    {clActiveBorder, "clActiveBorder"}, {clActiveCaption, "clActiveCaption"},
-    {clAppWorkSpace, "clAppWorkSpace"}, {clBackground, "clBackground"},
-    {clBtnFace, "clBtnFace"}, {clBtnHighlight, "clBtnHighlight"},
-    {clBtnShadow, "clBtnShadow"}, {clBtnText, "clBtnText"},
-    {clCaptionText, "clCaptionText"}, {clDefault, "clDefault"},
+    {clBlack, "clBlack"},
+    {clMaroon, "clMaroon"},
+    {clGreen, "clGreen"},
+    {clOlive, "clOlive"},
+    {clNavy, "clNavy"},
+    {clPurple, "clPurple"},
+    {clTeal, "clTeal"},
+    {clGray, "clGray"},
+    {clSilver, "clSilver"},
+    {clRed, "clRed"},
+    {clLime, "clLime"},
+    {clYellow, "clYellow"},
+    {clBlue, "clBlue"},
+    {clFuchsia, "clFuchsia"},
+    {clAqua, "clAqua"},
+    {clWhite, "clWhite"},
+    {clMoneyGreen, "clMoneyGreen"},
+    {clSkyBlue, "clSkyBlue"},
+    {clCream, "clCream"},
+    {clMedGray, "clMedGray"},
+    {clActiveBorder, "clActiveBorder"},
+    {clActiveCaption, "clActiveCaption"},
+    {clAppWorkSpace, "clAppWorkSpace"},
+    {clBackground, "clBackground"},
+    {clBtnFace, "clBtnFace"},
+    {clBtnHighlight, "clBtnHighlight"},
+    {clBtnShadow, "clBtnShadow"},
+    {clBtnText, "clBtnText"},
+    {clCaptionText, "clCaptionText"},
+    {clDefault, "clDefault"},
     {clGradientActiveCaption, "clGradientActiveCaption"},
     {clGradientInactiveCaption, "clGradientInactiveCaption"},
-    {clGrayText, "clGrayText"}, {clHighlight, "clHighlight"},
-    {clHighlightText, "clHighlightText"}, {clHotLight, "clHotLight"},
-    {clInactiveBorder, "clInactiveBorder"}, {clInactiveCaption, "clInactiveCaption"},
-    {clInactiveCaptionText, "clInactiveCaptionText"}, {clInfoBk, "clInfoBk"},
-    {clInfoText, "clInfoText"}, {clMenu, "clMenu"}, {clMenuBar, "clMenuBar"},
-    {clMenuHighlight, "clMenuHighlight"}, {clMenuText, "clMenuText"},
-    {clNone, "clNone"}, {clScrollBar, "clScrollBar"},
-    {cl3DDkShadow, "cl3DDkShadow"}, {cl3DLight, "cl3DLight"},
-    {clWindow, "clWindow"}, {clWindowFrame, "clWindowFrame"},
+    {clGrayText, "clGrayText"},
+    {clHighlight, "clHighlight"},
+    {clHighlightText, "clHighlightText"},
+    {clHotLight, "clHotLight"},
+    {clInactiveBorder, "clInactiveBorder"},
+    {clInactiveCaption, "clInactiveCaption"},
+    {clInactiveCaptionText, "clInactiveCaptionText"},
+    {clInfoBk, "clInfoBk"},
+    {clInfoText, "clInfoText"},
+    {clMenu, "clMenu"},
+    {clMenuBar, "clMenuBar"},
+    {clMenuHighlight, "clMenuHighlight"},
+    {clMenuText, "clMenuText"},
+    {clNone, "clNone"},
+    {clScrollBar, "clScrollBar"},
+    {cl3DDkShadow, "cl3DDkShadow"},
+    {cl3DLight, "cl3DLight"},
+    {clWindow, "clWindow"},
+    {clWindowFrame, "clWindowFrame"},
     {clWindowText, "clWindowText"},
 };
 
@@ -47,32 +75,63 @@ constexpr NamedColor kNamedColors[] = {
 QColor systemColor(int index, const QPalette &p)
 {
     switch (index) {
-    case 0: return p.color(QPalette::Button);             // scroll bar
-    case 1: return p.color(QPalette::Dark);               // desktop
-    case 2: case 27: return p.color(QPalette::Highlight); // active caption
-    case 3: case 28: return p.color(QPalette::Mid);       // inactive caption
-    case 4: case 30: return p.color(QPalette::Window);    // menu
-    case 5: return p.color(QPalette::Base);               // window
-    case 6: return p.color(QPalette::Shadow);             // window frame
-    case 7: return p.color(QPalette::WindowText);         // menu text
-    case 8: return p.color(QPalette::Text);               // window text
-    case 9: return p.color(QPalette::HighlightedText);    // caption text
-    case 10: case 11: return p.color(QPalette::Midlight); // borders
-    case 12: return p.color(QPalette::Mid);               // workspace
-    case 13: case 29: return p.color(QPalette::Highlight);
-    case 14: return p.color(QPalette::HighlightedText);
-    case 15: return p.color(QPalette::Button);            // button face
-    case 16: return p.color(QPalette::Dark);              // button shadow
-    case 17: return p.color(QPalette::Disabled, QPalette::Text);
-    case 18: return p.color(QPalette::ButtonText);
-    case 19: return p.color(QPalette::Disabled, QPalette::WindowText);
-    case 20: return p.color(QPalette::Light);
-    case 21: return p.color(QPalette::Shadow);
-    case 22: return p.color(QPalette::Midlight);
-    case 23: return p.color(QPalette::ToolTipText);
-    case 24: return p.color(QPalette::ToolTipBase);
-    case 26: return p.color(QPalette::Link);
-    default: return p.color(QPalette::Window);
+    case 0:
+        return p.color(QPalette::Button); // scroll bar
+    case 1:
+        return p.color(QPalette::Dark); // desktop
+    case 2:
+    case 27:
+        return p.color(QPalette::Highlight); // active caption
+    case 3:
+    case 28:
+        return p.color(QPalette::Mid); // inactive caption
+    case 4:
+    case 30:
+        return p.color(QPalette::Window); // menu
+    case 5:
+        return p.color(QPalette::Base); // window
+    case 6:
+        return p.color(QPalette::Shadow); // window frame
+    case 7:
+        return p.color(QPalette::WindowText); // menu text
+    case 8:
+        return p.color(QPalette::Text); // window text
+    case 9:
+        return p.color(QPalette::HighlightedText); // caption text
+    case 10:
+    case 11:
+        return p.color(QPalette::Midlight); // borders
+    case 12:
+        return p.color(QPalette::Mid); // workspace
+    case 13:
+    case 29:
+        return p.color(QPalette::Highlight);
+    case 14:
+        return p.color(QPalette::HighlightedText);
+    case 15:
+        return p.color(QPalette::Button); // button face
+    case 16:
+        return p.color(QPalette::Dark); // button shadow
+    case 17:
+        return p.color(QPalette::Disabled, QPalette::Text);
+    case 18:
+        return p.color(QPalette::ButtonText);
+    case 19:
+        return p.color(QPalette::Disabled, QPalette::WindowText);
+    case 20:
+        return p.color(QPalette::Light);
+    case 21:
+        return p.color(QPalette::Shadow);
+    case 22:
+        return p.color(QPalette::Midlight);
+    case 23:
+        return p.color(QPalette::ToolTipText);
+    case 24:
+        return p.color(QPalette::ToolTipBase);
+    case 26:
+        return p.color(QPalette::Link);
+    default:
+        return p.color(QPalette::Window);
     }
 }
 

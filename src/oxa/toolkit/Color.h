@@ -74,7 +74,10 @@ inline constexpr TColor clMenuBar = clSystemColor | 30;
 inline constexpr TColor clNone = 0x1FFFFFFF;
 inline constexpr TColor clDefault = 0x20000000;
 
-inline constexpr bool IsSystemColor(TColor c) { return (c & 0xFF000000u) == clSystemColor; }
+inline constexpr bool IsSystemColor(TColor c)
+{
+    return (c & 0xFF000000u) == clSystemColor;
+}
 
 // Plain colour from its components, as the toolkit's RGB macro builds it.
 inline constexpr TColor RGBColor(int r, int g, int b)

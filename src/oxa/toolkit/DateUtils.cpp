@@ -64,12 +64,12 @@ QString invalidDateMessage(const QString &text)
     return QStringLiteral("'%1' není platné datum").arg(text);
 }
 
-const char *const kLongDayNames[] = {"neděle", "pondělí", "úterý", "středa",
-                                     "čtvrtek", "pátek", "sobota"};
+const char *const kLongDayNames[] = {"neděle",  "pondělí", "úterý", "středa",
+                                     "čtvrtek", "pátek",   "sobota"};
 const char *const kShortDayNames[] = {"ne", "po", "út", "st", "čt", "pá", "so"};
-const char *const kLongMonthNames[] = {"leden", "únor", "březen", "duben",
+const char *const kLongMonthNames[] = {"leden",  "únor",   "březen",   "duben",
                                        "květen", "červen", "červenec", "srpen",
-                                       "září", "říjen", "listopad", "prosinec"};
+                                       "září",   "říjen",  "listopad", "prosinec"};
 const char *const kShortMonthNames[] = {"led", "úno", "bře", "dub", "kvě", "čvn",
                                         "čvc", "srp", "zář", "říj", "lis", "pro"};
 
@@ -95,7 +95,8 @@ bool allDigits(const QString &s)
 bool splitCzechDate(const QString &cleaned, QString &d, QString &m, QString &y)
 {
     static const QString separators = QStringLiteral("./-");
-    if (std::any_of(cleaned.begin(), cleaned.end(), [](QChar c) { return separators.contains(c); })) {
+    if (std::any_of(cleaned.begin(), cleaned.end(),
+                    [](QChar c) { return separators.contains(c); })) {
         QString unified = cleaned;
         for (QChar &c : unified) {
             if (separators.contains(c))
@@ -195,14 +196,16 @@ TDateTime EncodeDate(int year, int month, int day)
     TDateTime result = 0;
     if (!TryEncodeDate(year, month, day, result))
         throw EConvertError(QStringLiteral("Neplatný argument pro zakódování data (%1.%2.%3)")
-                                .arg(day).arg(month).arg(year));
+                                .arg(day)
+                                .arg(month)
+                                .arg(year));
     return result;
 }
 
 TDateTime EncodeTime(int hour, int minute, int second, int msec)
 {
-    if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59
-        || msec < 0 || msec > 999)
+    if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59 ||
+        msec < 0 || msec > 999)
         throw EConvertError(QStringLiteral("Neplatný argument pro zakódování času"));
     return double(((hour * 60 + minute) * 60 + second) * 1000 + msec) / kMsecPerDay;
 }
@@ -313,10 +316,22 @@ QLocale CzechLocale()
     return QLocale(QLocale::Czech, QLocale::CzechRepublic);
 }
 
-QString ShortDateFormat() { return QStringLiteral("dd.mm.yyyy"); }
-QString LongDateFormat() { return QStringLiteral("d. mmmm yyyy"); }
-QString ShortTimeFormat() { return QStringLiteral("h:nn"); }
-QString LongTimeFormat() { return QStringLiteral("h:nn:ss"); }
+QString ShortDateFormat()
+{
+    return QStringLiteral("dd.mm.yyyy");
+}
+QString LongDateFormat()
+{
+    return QStringLiteral("d. mmmm yyyy");
+}
+QString ShortTimeFormat()
+{
+    return QStringLiteral("h:nn");
+}
+QString LongTimeFormat()
+{
+    return QStringLiteral("h:nn:ss");
+}
 
 QString ShortDayName(int dayOfWeek)
 {
@@ -363,12 +378,24 @@ QString FormatDateTime(const QString &format, TDateTime value)
         }
         if (lc == QLatin1Char('d')) {
             switch (std::min(run, 6)) {
-            case 1: out += QString::number(day); break;
-            case 2: out += two(day); break;
-            case 3: out += ShortDayName(DayOfWeek(value)); break;
-            case 4: out += LongDayName(DayOfWeek(value)); break;
-            case 5: out += FormatDateTime(ShortDateFormat(), value); break;
-            default: out += FormatDateTime(LongDateFormat(), value); break;
+            case 1:
+                out += QString::number(day);
+                break;
+            case 2:
+                out += two(day);
+                break;
+            case 3:
+                out += ShortDayName(DayOfWeek(value));
+                break;
+            case 4:
+                out += LongDayName(DayOfWeek(value));
+                break;
+            case 5:
+                out += FormatDateTime(ShortDateFormat(), value);
+                break;
+            default:
+                out += FormatDateTime(LongDateFormat(), value);
+                break;
             }
             afterHour = false;
         } else if (lc == QLatin1Char('m')) {
@@ -376,15 +403,24 @@ QString FormatDateTime(const QString &format, TDateTime value)
                 out += run == 1 ? QString::number(minute) : two(minute);
             } else {
                 switch (std::min(run, 4)) {
-                case 1: out += QString::number(month); break;
-                case 2: out += two(month); break;
-                case 3: out += ShortMonthName(month); break;
-                default: out += LongMonthName(month); break;
+                case 1:
+                    out += QString::number(month);
+                    break;
+                case 2:
+                    out += two(month);
+                    break;
+                case 3:
+                    out += ShortMonthName(month);
+                    break;
+                default:
+                    out += LongMonthName(month);
+                    break;
                 }
             }
             afterHour = false;
         } else if (lc == QLatin1Char('y')) {
-            out += run <= 2 ? two(year % 100) : QStringLiteral("%1").arg(year, 4, 10, QLatin1Char('0'));
+            out += run <= 2 ? two(year % 100)
+                            : QStringLiteral("%1").arg(year, 4, 10, QLatin1Char('0'));
             afterHour = false;
         } else if (lc == QLatin1Char('h')) {
             out += run == 1 ? QString::number(hour) : two(hour);
@@ -396,7 +432,8 @@ QString FormatDateTime(const QString &format, TDateTime value)
             out += run == 1 ? QString::number(second) : two(second);
             afterHour = false;
         } else if (lc == QLatin1Char('z')) {
-            out += run >= 3 ? QStringLiteral("%1").arg(msec, 3, 10, QLatin1Char('0')) : QString::number(msec);
+            out += run >= 3 ? QStringLiteral("%1").arg(msec, 3, 10, QLatin1Char('0'))
+                            : QString::number(msec);
             afterHour = false;
         } else if (lc == QLatin1Char('c') && run == 1) {
             out += FormatDateTime(ShortDateFormat(), value);

@@ -61,11 +61,11 @@ OXA_EXPORT QLocale CzechLocale();
 // Czech locale settings of the short date form.
 inline constexpr QChar DateSeparator = QLatin1Char('.');
 inline constexpr QChar TimeSeparator = QLatin1Char(':');
-OXA_EXPORT QString ShortDateFormat();   // "dd.mm.yyyy"
-QString LongDateFormat();    // "d. mmmm yyyy"
-QString ShortTimeFormat();   // "h:nn"
-QString LongTimeFormat();    // "h:nn:ss"
-QString ShortDayName(int dayOfWeek);   // 1 = Sunday, as the toolkit counts
+OXA_EXPORT QString ShortDateFormat(); // "dd.mm.yyyy"
+QString LongDateFormat();             // "d. mmmm yyyy"
+QString ShortTimeFormat();            // "h:nn"
+QString LongTimeFormat();             // "h:nn:ss"
+QString ShortDayName(int dayOfWeek);  // 1 = Sunday, as the toolkit counts
 QString LongDayName(int dayOfWeek);
 OXA_EXPORT QString ShortMonthName(int month);
 OXA_EXPORT QString LongMonthName(int month);

@@ -4,7 +4,6 @@
 
 #include "oxa/toolkit/WinControl.h"
 
-
 namespace oxa {
 
 // Indices of the neighbour properties, as SetFoc receives them.
@@ -20,7 +19,7 @@ OXA_EXPORT bool FocusDirectionOfKey(Word key, TFocusDirection &direction);
 // Family is the class whose instances the chain may pass through (the class
 // that declares the navigation, e.g. TEditOxa: a derived TNumEditOxa is
 // followed further, any other control ends the chain).
-template <class Family, class QtBase>
+template<class Family, class QtBase>
 class TFocusNavigation : public WinControlOf<QtBase>::type
 {
     using Base = typename WinControlOf<QtBase>::type;
@@ -123,15 +122,14 @@ private:
 // DefaultColor otherwise, and IsFocused tells which. Each member decides in
 // its DoEnter/DoExit whether its own colour work runs before or after the
 // inherited handler; these helpers are that work.
-template <class Family, class QtBase>
+template<class Family, class QtBase>
 class TFocusColorNavigation : public TFocusNavigation<Family, QtBase>
 {
     using Base = TFocusNavigation<Family, QtBase>;
 
 public:
     // The control starts in its DefaultColor.
-    explicit TFocusColorNavigation(QWidget *parent = nullptr)
-        : Base(parent)
+    explicit TFocusColorNavigation(QWidget *parent = nullptr) : Base(parent)
     {
         this->SetColor(m_defaultColor);
     }
@@ -161,7 +159,7 @@ protected:
     void ResetToDefaultColor() { this->SetColor(m_defaultColor); }
 
 private:
-    template <class T>
+    template<class T>
     void SetNotified(T &field, T value, const char *property)
     {
         if (field == value)

@@ -4,8 +4,8 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QPaintEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTimer>
 #include <QWheelEvent>
@@ -24,9 +24,12 @@ constexpr int kWheelStep = 120;
 TMouseButton MouseButtonOf(Qt::MouseButton button)
 {
     switch (button) {
-    case Qt::RightButton: return mbRight;
-    case Qt::MiddleButton: return mbMiddle;
-    default: return mbLeft;
+    case Qt::RightButton:
+        return mbRight;
+    case Qt::MiddleButton:
+        return mbMiddle;
+    default:
+        return mbLeft;
     }
 }
 
@@ -48,7 +51,6 @@ TGridRect GridRect(TGridCoord a, TGridCoord b)
 {
     return {std::min(a.X, b.X), std::min(a.Y, b.Y), std::max(a.X, b.X), std::max(a.Y, b.Y)};
 }
-
 
 // --- construction ------------------------------------------------------------
 
@@ -72,10 +74,22 @@ TCustomGrid::~TCustomGrid()
 
 // --- size --------------------------------------------------------------------
 
-int TCustomGrid::ColCount() const { return d->cols.count; }
-int TCustomGrid::RowCount() const { return d->rows.count; }
-int TCustomGrid::FixedCols() const { return d->cols.fixed; }
-int TCustomGrid::FixedRows() const { return d->rows.fixed; }
+int TCustomGrid::ColCount() const
+{
+    return d->cols.count;
+}
+int TCustomGrid::RowCount() const
+{
+    return d->rows.count;
+}
+int TCustomGrid::FixedCols() const
+{
+    return d->cols.fixed;
+}
+int TCustomGrid::FixedRows() const
+{
+    return d->rows.fixed;
+}
 
 void TCustomGrid::SetColCount(int Value)
 {
@@ -150,8 +164,14 @@ void TCustomGrid::SetFixedRows(int Value)
     d->notifyMoved(before);
 }
 
-int TCustomGrid::DefaultColWidth() const { return d->cols.defaultSize; }
-int TCustomGrid::DefaultRowHeight() const { return d->rows.defaultSize; }
+int TCustomGrid::DefaultColWidth() const
+{
+    return d->cols.defaultSize;
+}
+int TCustomGrid::DefaultRowHeight() const
+{
+    return d->rows.defaultSize;
+}
 
 void TCustomGrid::SetDefaultColWidth(int Value)
 {
@@ -225,7 +245,10 @@ void TCustomGrid::SetTabStops(int ACol, bool Value)
 
 // --- appearance --------------------------------------------------------------
 
-int TCustomGrid::GridLineWidth() const { return d->gridLineWidth; }
+int TCustomGrid::GridLineWidth() const
+{
+    return d->gridLineWidth;
+}
 
 void TCustomGrid::SetGridLineWidth(int Value)
 {
@@ -238,7 +261,10 @@ void TCustomGrid::SetGridLineWidth(int Value)
     Q_EMIT gridLineWidthChanged();
 }
 
-TColor TCustomGrid::FixedColor() const { return d->fixedColor; }
+TColor TCustomGrid::FixedColor() const
+{
+    return d->fixedColor;
+}
 
 void TCustomGrid::SetFixedColor(TColor Value)
 {
@@ -249,7 +275,10 @@ void TCustomGrid::SetFixedColor(TColor Value)
     Q_EMIT fixedColorChanged();
 }
 
-TGridOptions TCustomGrid::Options() const { return d->options; }
+TGridOptions TCustomGrid::Options() const
+{
+    return d->options;
+}
 
 void TCustomGrid::SetOptions(TGridOptions Value)
 {
@@ -270,7 +299,10 @@ void TCustomGrid::SetOptions(TGridOptions Value)
     Q_EMIT optionsChanged();
 }
 
-TScrollStyle TCustomGrid::ScrollBars() const { return d->scrollBars; }
+TScrollStyle TCustomGrid::ScrollBars() const
+{
+    return d->scrollBars;
+}
 
 void TCustomGrid::SetScrollBars(TScrollStyle Value)
 {
@@ -290,7 +322,10 @@ void TCustomGrid::ApplyScrollBarPolicies()
     setVerticalScrollBarPolicy(vert ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
 }
 
-bool TCustomGrid::DefaultDrawing() const { return d->defaultDrawing; }
+bool TCustomGrid::DefaultDrawing() const
+{
+    return d->defaultDrawing;
+}
 
 void TCustomGrid::SetDefaultDrawing(bool Value)
 {
@@ -303,8 +338,14 @@ void TCustomGrid::SetDefaultDrawing(bool Value)
 
 // --- current cell, scrolling, selection ---------------------------------------
 
-int TCustomGrid::Col() const { return d->current.X; }
-int TCustomGrid::Row() const { return d->current.Y; }
+int TCustomGrid::Col() const
+{
+    return d->current.X;
+}
+int TCustomGrid::Row() const
+{
+    return d->current.Y;
+}
 
 void TCustomGrid::SetCol(int Value)
 {
@@ -318,23 +359,40 @@ void TCustomGrid::SetRow(int Value)
         FocusCell(d->current.X, Value, true);
 }
 
-int TCustomGrid::LeftCol() const { return d->cols.first; }
-int TCustomGrid::TopRow() const { return d->rows.first; }
+int TCustomGrid::LeftCol() const
+{
+    return d->cols.first;
+}
+int TCustomGrid::TopRow() const
+{
+    return d->rows.first;
+}
 
-void TCustomGrid::SetLeftCol(int Value) { MoveTopLeft(Value, d->rows.first); }
-void TCustomGrid::SetTopRow(int Value) { MoveTopLeft(d->cols.first, Value); }
+void TCustomGrid::SetLeftCol(int Value)
+{
+    MoveTopLeft(Value, d->rows.first);
+}
+void TCustomGrid::SetTopRow(int Value)
+{
+    MoveTopLeft(d->cols.first, Value);
+}
 
 int TCustomGrid::VisibleColCount() const
 {
-    return std::max(0, d->cols.lastFullVisible(d->viewportWidth(), d->cols.first) - d->cols.first + 1);
+    return std::max(0,
+                    d->cols.lastFullVisible(d->viewportWidth(), d->cols.first) - d->cols.first + 1);
 }
 
 int TCustomGrid::VisibleRowCount() const
 {
-    return std::max(0, d->rows.lastFullVisible(d->viewportHeight(), d->rows.first) - d->rows.first + 1);
+    return std::max(
+        0, d->rows.lastFullVisible(d->viewportHeight(), d->rows.first) - d->rows.first + 1);
 }
 
-TGridRect TCustomGrid::Selection() const { return d->selection(); }
+TGridRect TCustomGrid::Selection() const
+{
+    return d->selection();
+}
 
 void TCustomGrid::SetSelection(const TGridRect &Value)
 {
@@ -444,9 +502,9 @@ QRect TCustomGrid::BoxRect(int ALeft, int ATop, int ARight, int ABottom) const
 {
     const TGridRect box = GridRect({ALeft, ATop}, {ARight, ABottom});
     int left = 0, right = 0, top = 0, bottom = 0;
-    if (!TCustomGridPrivate::spanOf(d->cols, d->viewportWidth(), box.Left, box.Right, left, right)
-        || !TCustomGridPrivate::spanOf(d->rows, d->viewportHeight(), box.Top, box.Bottom, top,
-                                       bottom))
+    if (!TCustomGridPrivate::spanOf(d->cols, d->viewportWidth(), box.Left, box.Right, left,
+                                    right) ||
+        !TCustomGridPrivate::spanOf(d->rows, d->viewportHeight(), box.Top, box.Bottom, top, bottom))
         return {};
     return QRect(QPoint(left, top), QPoint(right - 1, bottom - 1));
 }
@@ -483,11 +541,20 @@ int TCustomGrid::GridHeight() const
 
 // Invalidation covers the cells with their trailing grid lines, which the
 // cells paint.
-void TCustomGrid::InvalidateCell(int ACol, int ARow) { InvalidateRect({ACol, ARow, ACol, ARow}); }
+void TCustomGrid::InvalidateCell(int ACol, int ARow)
+{
+    InvalidateRect({ACol, ARow, ACol, ARow});
+}
 
-void TCustomGrid::InvalidateCol(int ACol) { InvalidateRect({ACol, 0, ACol, d->rows.count - 1}); }
+void TCustomGrid::InvalidateCol(int ACol)
+{
+    InvalidateRect({ACol, 0, ACol, d->rows.count - 1});
+}
 
-void TCustomGrid::InvalidateRow(int ARow) { InvalidateRect({0, ARow, d->cols.count - 1, ARow}); }
+void TCustomGrid::InvalidateRow(int ARow)
+{
+    InvalidateRect({0, ARow, d->cols.count - 1, ARow});
+}
 
 void TCustomGrid::InvalidateRect(const TGridRect &ARect)
 {
@@ -496,7 +563,10 @@ void TCustomGrid::InvalidateRect(const TGridRect &ARect)
         viewport()->update(r);
 }
 
-void TCustomGrid::InvalidateGrid() { viewport()->update(); }
+void TCustomGrid::InvalidateGrid()
+{
+    viewport()->update();
+}
 
 void TCustomGrid::ColWidthsChanged()
 {
@@ -565,7 +635,10 @@ void TCustomGrid::RowMoved(int FromIndex, int ToIndex)
         OnRowMoved(this, FromIndex, ToIndex);
 }
 
-TGridState TCustomGrid::GridState() const { return d->gridState; }
+TGridState TCustomGrid::GridState() const
+{
+    return d->gridState;
+}
 
 // --- virtual handlers ------------------------------------------------------------
 
@@ -620,8 +693,8 @@ void TCustomGrid::SetEditText(int ACol, int ARow, const QString &Value)
 
 bool TCustomGrid::CanEditShow() const
 {
-    return d->options.testFlag(goEditing) && !d->options.testFlag(goRowSelect) && isVisible()
-        && !d->isFixed(d->current.X, d->current.Y);
+    return d->options.testFlag(goEditing) && !d->options.testFlag(goRowSelect) && isVisible() &&
+        !d->isFixed(d->current.X, d->current.Y);
 }
 
 // --- keyboard ------------------------------------------------------------------
@@ -640,8 +713,12 @@ void TCustomGrid::KeyDown(Word &Key, TShiftState Shift)
 
     if (Shift.testFlag(ssCtrl)) {
         switch (Key) {
-        case VK_UP: --topLeft.Y; break;
-        case VK_DOWN: ++topLeft.Y; break;
+        case VK_UP:
+            --topLeft.Y;
+            break;
+        case VK_DOWN:
+            ++topLeft.Y;
+            break;
         case VK_LEFT:
             if (!rowSelect) {
                 cell.X -= pageWidth;
@@ -654,18 +731,29 @@ void TCustomGrid::KeyDown(Word &Key, TShiftState Shift)
                 topLeft.X += pageWidth;
             }
             break;
-        case VK_PRIOR: cell.Y = d->rows.first; break;
+        case VK_PRIOR:
+            cell.Y = d->rows.first;
+            break;
         case VK_NEXT:
             cell.Y = d->rows.lastFullVisible(d->viewportHeight(), d->rows.first);
             break;
-        case VK_HOME: cell = {d->cols.fixed, d->rows.fixed}; break;
-        case VK_END: cell = {d->cols.count - 1, d->rows.count - 1}; break;
-        default: return;
+        case VK_HOME:
+            cell = {d->cols.fixed, d->rows.fixed};
+            break;
+        case VK_END:
+            cell = {d->cols.count - 1, d->rows.count - 1};
+            break;
+        default:
+            return;
         }
     } else {
         switch (Key) {
-        case VK_UP: --cell.Y; break;
-        case VK_DOWN: ++cell.Y; break;
+        case VK_UP:
+            --cell.Y;
+            break;
+        case VK_DOWN:
+            ++cell.Y;
+            break;
         case VK_LEFT:
             if (rowSelect)
                 --topLeft.X;
@@ -707,7 +795,8 @@ void TCustomGrid::KeyDown(Word &Key, TShiftState Shift)
         case VK_F2:
             SetEditorMode(true);
             break;
-        default: return;
+        default:
+            return;
         }
     }
     Key = 0;
@@ -808,7 +897,10 @@ void TCustomGrid::focusOutEvent(QFocusEvent *event)
 
 // --- in-place editor -----------------------------------------------------------------
 
-bool TCustomGrid::EditorMode() const { return d->editorMode; }
+bool TCustomGrid::EditorMode() const
+{
+    return d->editorMode;
+}
 
 void TCustomGrid::SetEditorMode(bool Value)
 {
@@ -818,7 +910,10 @@ void TCustomGrid::SetEditorMode(bool Value)
         HideEditor();
 }
 
-QLineEdit *TCustomGrid::InplaceEditor() const { return d->editor; }
+QLineEdit *TCustomGrid::InplaceEditor() const
+{
+    return d->editor;
+}
 
 void TCustomGrid::ShowEditor()
 {
@@ -884,12 +979,14 @@ bool TCustomGrid::EditorKeyPress(QKeyEvent *event)
         return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        guarded([this, alwaysShow] {
-            if (alwaysShow)
-                SetEditText(d->editCell.X, d->editCell.Y, d->editor->text());
-            else
-                HideEditor(true);
-        }, failed);
+        guarded(
+            [this, alwaysShow] {
+                if (alwaysShow)
+                    SetEditText(d->editCell.X, d->editCell.Y, d->editor->text());
+                else
+                    HideEditor(true);
+            },
+            failed);
         return true;
     case Qt::Key_Up:
     case Qt::Key_Down:
@@ -981,8 +1078,8 @@ void TCustomGrid::StartMouseAction(TShiftState Shift, int X, int Y)
         if (d->options.testFlag(goColMoving) && cell.Y < d->rows.fixed && cell.X >= d->cols.fixed) {
             d->gridState = gsColMoving;
             d->dragIndex = cell.X;
-        } else if (d->options.testFlag(goRowMoving) && cell.X < d->cols.fixed
-                   && cell.Y >= d->rows.fixed) {
+        } else if (d->options.testFlag(goRowMoving) && cell.X < d->cols.fixed &&
+                   cell.Y >= d->rows.fixed) {
             d->gridState = gsRowMoving;
             d->dragIndex = cell.Y;
         }
@@ -1030,11 +1127,11 @@ void TCustomGrid::UpdateSizingCursor(int X, int Y)
     if (!d->options.testAnyFlags(goColSizing | goRowSizing))
         return;
     Qt::CursorShape shape = Qt::ArrowCursor;
-    if (d->options.testFlag(goColSizing) && Y < d->rows.fixedExtent()
-        && TCustomGridPrivate::sizingLineAt(d->cols, d->viewportWidth(), X) >= 0)
+    if (d->options.testFlag(goColSizing) && Y < d->rows.fixedExtent() &&
+        TCustomGridPrivate::sizingLineAt(d->cols, d->viewportWidth(), X) >= 0)
         shape = Qt::SplitHCursor;
-    else if (d->options.testFlag(goRowSizing) && X < d->cols.fixedExtent()
-             && TCustomGridPrivate::sizingLineAt(d->rows, d->viewportHeight(), Y) >= 0)
+    else if (d->options.testFlag(goRowSizing) && X < d->cols.fixedExtent() &&
+             TCustomGridPrivate::sizingLineAt(d->rows, d->viewportHeight(), Y) >= 0)
         shape = Qt::SplitVCursor;
     if (shape == Qt::ArrowCursor)
         viewport()->unsetCursor();
@@ -1049,22 +1146,31 @@ void TCustomGrid::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y)
         MouseMove(Shift, X, Y);
     d->gridState = gsNormal;
     switch (state) {
-    case gsSelecting: Click(); break;
-    case gsColSizing: ColWidthsChanged(); break;
-    case gsRowSizing: RowHeightsChanged(); break;
+    case gsSelecting:
+        Click();
+        break;
+    case gsColSizing:
+        ColWidthsChanged();
+        break;
+    case gsRowSizing:
+        RowHeightsChanged();
+        break;
     case gsColMoving: {
-        const int to = d->cols.indexAt(std::clamp(X, 0, d->viewportWidth() - 1), d->viewportWidth());
+        const int to =
+            d->cols.indexAt(std::clamp(X, 0, d->viewportWidth() - 1), d->viewportWidth());
         if (to >= d->cols.fixed)
             MoveColumn(d->dragIndex, to);
         break;
     }
     case gsRowMoving: {
-        const int to = d->rows.indexAt(std::clamp(Y, 0, d->viewportHeight() - 1), d->viewportHeight());
+        const int to =
+            d->rows.indexAt(std::clamp(Y, 0, d->viewportHeight() - 1), d->viewportHeight());
         if (to >= d->rows.fixed)
             MoveRow(d->dragIndex, to);
         break;
     }
-    case gsNormal: break;
+    case gsNormal:
+        break;
     }
     if (OnMouseUp)
         OnMouseUp(this, Button, Shift, X, Y);
@@ -1150,17 +1256,18 @@ void TCustomGrid::scrollContentsBy(int dx, int dy)
     if (d->syncingScrollBars)
         return;
     bool failed = false;
-    guarded([this] {
-        MoveTopLeft(horizontalScrollBar()->value(), verticalScrollBar()->value());
-    }, failed);
+    guarded([this] { MoveTopLeft(horizontalScrollBar()->value(), verticalScrollBar()->value()); },
+            failed);
 }
 
 void TCustomGrid::resizeEvent(QResizeEvent *event)
 {
     GridBase::resizeEvent(event);
     // A grown viewport may show the end of the grid with an earlier first line.
-    const int left = std::min(d->cols.first, std::max(d->cols.fixed, d->cols.maxFirst(d->viewportWidth())));
-    const int top = std::min(d->rows.first, std::max(d->rows.fixed, d->rows.maxFirst(d->viewportHeight())));
+    const int left =
+        std::min(d->cols.first, std::max(d->cols.fixed, d->cols.maxFirst(d->viewportWidth())));
+    const int top =
+        std::min(d->rows.first, std::max(d->rows.fixed, d->rows.maxFirst(d->viewportHeight())));
     bool failed = false;
     guarded([this, left, top] { MoveTopLeft(left, top); }, failed);
     d->updateScrollBars();
@@ -1188,14 +1295,20 @@ void TCustomGrid::changeEvent(QEvent *event)
 
 // --- painting ------------------------------------------------------------------------
 
-QPainter *TCustomGrid::Canvas() const { return d->canvas; }
+QPainter *TCustomGrid::Canvas() const
+{
+    return d->canvas;
+}
 
 QColor TCustomGrid::BackgroundColor() const
 {
     return ColorToQColor(Color(), QApplication::palette(this));
 }
 
-QColor TCustomGrid::TextColor() const { return palette().color(QPalette::Text); }
+QColor TCustomGrid::TextColor() const
+{
+    return palette().color(QPalette::Text);
+}
 
 QColor TCustomGrid::FixedBackgroundColor() const
 {
@@ -1277,7 +1390,8 @@ void TCustomGrid::paintEvent(QPaintEvent *event)
     colors.fixedBackground = FixedBackgroundColor();
     colors.highlight = appPalette.color(QPalette::Highlight);
     colors.highlightText = appPalette.color(QPalette::HighlightedText);
-    colors.line = colors.background == QColor(Qt::lightGray) ? QColor(Qt::gray) : QColor(0xC0, 0xC0, 0xC0);
+    colors.line =
+        colors.background == QColor(Qt::lightGray) ? QColor(Qt::gray) : QColor(0xC0, 0xC0, 0xC0);
     colors.fixedLine = Qt::black;
     colors.edgeLight = appPalette.color(QPalette::Light);
     colors.edgeDark = appPalette.color(QPalette::Dark);
@@ -1300,7 +1414,8 @@ void TCustomGrid::paintEvent(QPaintEvent *event)
     const bool active = Entered();
     const bool rowSelect = d->options.testFlag(goRowSelect);
     const bool drawFocusSelected = d->options.testAnyFlags(goDrawFocusSelected | goRowSelect);
-    const bool fullEditor = d->options.testFlag(goEditing) && d->options.testFlag(goAlwaysShowEditor);
+    const bool fullEditor =
+        d->options.testFlag(goEditing) && d->options.testFlag(goAlwaysShowEditor);
 
     d->canvas = &painter;
     try {
@@ -1325,11 +1440,11 @@ void TCustomGrid::paintEvent(QPaintEvent *event)
                 } else {
                     if (sel.Contains(col.index, row.index))
                         state |= gdSelected;
-                    if (active && row.index == d->current.Y
-                        && (rowSelect || col.index == d->current.X))
+                    if (active && row.index == d->current.Y &&
+                        (rowSelect || col.index == d->current.X))
                         state |= gdFocused;
-                    if (state.testFlag(gdSelected)
-                        && (!state.testFlag(gdFocused) || drawFocusSelected))
+                    if (state.testFlag(gdSelected) &&
+                        (!state.testFlag(gdFocused) || drawFocusSelected))
                         kind = ckHighlight;
                 }
                 if (painter.brush() != brushes[kind])
@@ -1337,9 +1452,10 @@ void TCustomGrid::paintEvent(QPaintEvent *event)
                 if (painter.pen() != pens[kind])
                     painter.setPen(pens[kind]);
                 if (d->defaultDrawing)
-                    painter.fillRect(rect, kind == ckNormal ? colors.background
-                                           : kind == ckFixed ? colors.fixedBackground
-                                                             : colors.highlight);
+                    painter.fillRect(rect,
+                                     kind == ckNormal      ? colors.background
+                                         : kind == ckFixed ? colors.fixedBackground
+                                                           : colors.highlight);
 
                 DrawCell(col.index, row.index, rect, state);
 
@@ -1347,12 +1463,16 @@ void TCustomGrid::paintEvent(QPaintEvent *event)
                     painter.setFont(cellFont);
                 if (d->defaultDrawing && fixed) {
                     if (d->options.testFlag(goFixedVertLine)) {
-                        painter.fillRect(rect.left(), rect.top(), 1, rect.height(), colors.edgeLight);
-                        painter.fillRect(rect.right(), rect.top(), 1, rect.height(), colors.edgeDark);
+                        painter.fillRect(rect.left(), rect.top(), 1, rect.height(),
+                                         colors.edgeLight);
+                        painter.fillRect(rect.right(), rect.top(), 1, rect.height(),
+                                         colors.edgeDark);
                     }
                     if (d->options.testFlag(goFixedHorzLine)) {
-                        painter.fillRect(rect.left(), rect.top(), rect.width(), 1, colors.edgeLight);
-                        painter.fillRect(rect.left(), rect.bottom(), rect.width(), 1, colors.edgeDark);
+                        painter.fillRect(rect.left(), rect.top(), rect.width(), 1,
+                                         colors.edgeLight);
+                        painter.fillRect(rect.left(), rect.bottom(), rect.width(), 1,
+                                         colors.edgeDark);
                     }
                 }
                 if (d->defaultDrawing && state.testFlag(gdFocused) && !rowSelect && !fullEditor) {
@@ -1366,9 +1486,8 @@ void TCustomGrid::paintEvent(QPaintEvent *event)
         d->canvas = nullptr;
         // Reported after painting: a message box must not open inside a paint.
         const QString message = QString::fromUtf8(error.what());
-        QTimer::singleShot(0, this, [this, message] {
-            MessageService::ShowException(Exception(message), this);
-        });
+        QTimer::singleShot(
+            0, this, [this, message] { MessageService::ShowException(Exception(message), this); });
         return;
     }
     d->canvas = nullptr;

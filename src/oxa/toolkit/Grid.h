@@ -68,17 +68,17 @@ enum TGridOption {
     goFixedHorzLine = 0x0002,
     goVertLine = 0x0004,
     goHorzLine = 0x0008,
-    goRangeSelect = 0x0010,      // Shift+keys and mouse drags select a range
+    goRangeSelect = 0x0010,       // Shift+keys and mouse drags select a range
     goDrawFocusSelected = 0x0020, // the focused cell is drawn as selected
-    goRowSizing = 0x0040,        // row heights are dragged in the fixed columns
-    goColSizing = 0x0080,        // column widths are dragged in the fixed rows
-    goRowMoving = 0x0100,        // rows are dragged by their fixed cell
-    goColMoving = 0x0200,        // columns are dragged by their fixed cell
-    goEditing = 0x0400,          // cells are edited in place
-    goTabs = 0x0800,             // Tab and Shift+Tab move between cells
-    goRowSelect = 0x1000,        // whole rows are selected
-    goAlwaysShowEditor = 0x2000, // with goEditing: the editor stays open
-    goThumbTracking = 0x4000,    // the grid follows a dragged scroll-bar thumb
+    goRowSizing = 0x0040,         // row heights are dragged in the fixed columns
+    goColSizing = 0x0080,         // column widths are dragged in the fixed rows
+    goRowMoving = 0x0100,         // rows are dragged by their fixed cell
+    goColMoving = 0x0200,         // columns are dragged by their fixed cell
+    goEditing = 0x0400,           // cells are edited in place
+    goTabs = 0x0800,              // Tab and Shift+Tab move between cells
+    goRowSelect = 0x1000,         // whole rows are selected
+    goAlwaysShowEditor = 0x2000,  // with goEditing: the editor stays open
+    goThumbTracking = 0x4000,     // the grid follows a dragged scroll-bar thumb
 };
 Q_DECLARE_FLAGS(TGridOptions, TGridOption)
 Q_DECLARE_OPERATORS_FOR_FLAGS(TGridOptions)
@@ -97,7 +97,8 @@ using TDrawCellEvent = std::function<void(QObject *Sender, int ACol, int ARow, c
                                           TGridDrawState State)>;
 using TSelectCellEvent = std::function<void(QObject *Sender, int ACol, int ARow, bool &CanSelect)>;
 using TGetEditEvent = std::function<void(QObject *Sender, int ACol, int ARow, QString &Value)>;
-using TSetEditEvent = std::function<void(QObject *Sender, int ACol, int ARow, const QString &Value)>;
+using TSetEditEvent =
+    std::function<void(QObject *Sender, int ACol, int ARow, const QString &Value)>;
 using TMovedEvent = std::function<void(QObject *Sender, int FromIndex, int ToIndex)>;
 using TMouseEvent =
     std::function<void(QObject *Sender, TMouseButton Button, TShiftState Shift, int X, int Y)>;
@@ -138,17 +139,24 @@ class OXA_EXPORT TCustomGrid : public TWinControl<QAbstractScrollArea>
     Q_PROPERTY(int RowCount READ RowCount WRITE SetRowCount NOTIFY rowCountChanged)
     Q_PROPERTY(int FixedCols READ FixedCols WRITE SetFixedCols NOTIFY fixedColsChanged)
     Q_PROPERTY(int FixedRows READ FixedRows WRITE SetFixedRows NOTIFY fixedRowsChanged)
-    Q_PROPERTY(int DefaultColWidth READ DefaultColWidth WRITE SetDefaultColWidth NOTIFY defaultColWidthChanged)
-    Q_PROPERTY(int DefaultRowHeight READ DefaultRowHeight WRITE SetDefaultRowHeight NOTIFY defaultRowHeightChanged)
-    Q_PROPERTY(int GridLineWidth READ GridLineWidth WRITE SetGridLineWidth NOTIFY gridLineWidthChanged)
+    Q_PROPERTY(int DefaultColWidth READ DefaultColWidth WRITE SetDefaultColWidth NOTIFY
+                   defaultColWidthChanged)
+    Q_PROPERTY(int DefaultRowHeight READ DefaultRowHeight WRITE SetDefaultRowHeight NOTIFY
+                   defaultRowHeightChanged)
+    Q_PROPERTY(
+        int GridLineWidth READ GridLineWidth WRITE SetGridLineWidth NOTIFY gridLineWidthChanged)
     Q_PROPERTY(uint FixedColor READ FixedColor WRITE SetFixedColor NOTIFY fixedColorChanged)
     Q_PROPERTY(oxa::TGridOptions Options READ Options WRITE SetOptions NOTIFY optionsChanged)
-    Q_PROPERTY(oxa::TScrollStyle ScrollBars READ ScrollBars WRITE SetScrollBars NOTIFY scrollBarsChanged)
-    Q_PROPERTY(bool DefaultDrawing READ DefaultDrawing WRITE SetDefaultDrawing NOTIFY defaultDrawingChanged)
+    Q_PROPERTY(
+        oxa::TScrollStyle ScrollBars READ ScrollBars WRITE SetScrollBars NOTIFY scrollBarsChanged)
+    Q_PROPERTY(bool DefaultDrawing READ DefaultDrawing WRITE SetDefaultDrawing NOTIFY
+                   defaultDrawingChanged)
     Q_PROPERTY(int Col READ Col WRITE SetCol NOTIFY colChanged DESIGNABLE false STORED false)
     Q_PROPERTY(int Row READ Row WRITE SetRow NOTIFY rowChanged DESIGNABLE false STORED false)
-    Q_PROPERTY(int LeftCol READ LeftCol WRITE SetLeftCol NOTIFY leftColChanged DESIGNABLE false STORED false)
-    Q_PROPERTY(int TopRow READ TopRow WRITE SetTopRow NOTIFY topRowChanged DESIGNABLE false STORED false)
+    Q_PROPERTY(int LeftCol READ LeftCol WRITE SetLeftCol NOTIFY leftColChanged
+                   DESIGNABLE false STORED false)
+    Q_PROPERTY(
+        int TopRow READ TopRow WRITE SetTopRow NOTIFY topRowChanged DESIGNABLE false STORED false)
 
 public:
     explicit TCustomGrid(QWidget *parent = nullptr);
@@ -376,7 +384,8 @@ private:
     void UpdateSizingCursor(int X, int Y);
     void ApplyScrollBarPolicies();
     struct PaintColors;
-    void PaintGridLines(QPainter &painter, const PaintColors &colors, int gridRight, int gridBottom);
+    void PaintGridLines(QPainter &painter, const PaintColors &colors, int gridRight,
+                        int gridBottom);
 
     friend class TCustomGridPrivate;
     std::unique_ptr<TCustomGridPrivate> d;

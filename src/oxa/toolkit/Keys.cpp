@@ -16,35 +16,39 @@ struct KeyPair
 
 // Keys whose code does not follow from a range.
 constexpr KeyPair kKeys[] = {
-    {Qt::Key_Backspace, VK_BACK}, {Qt::Key_Tab, VK_TAB}, {Qt::Key_Backtab, VK_TAB},
-    {Qt::Key_Return, VK_RETURN}, {Qt::Key_Enter, VK_RETURN}, {Qt::Key_Shift, VK_SHIFT},
-    {Qt::Key_Control, VK_CONTROL}, {Qt::Key_Alt, VK_MENU}, {Qt::Key_Pause, VK_PAUSE},
-    {Qt::Key_CapsLock, VK_CAPITAL}, {Qt::Key_Escape, VK_ESCAPE}, {Qt::Key_Space, VK_SPACE},
-    {Qt::Key_PageUp, VK_PRIOR}, {Qt::Key_PageDown, VK_NEXT}, {Qt::Key_End, VK_END},
-    {Qt::Key_Home, VK_HOME}, {Qt::Key_Left, VK_LEFT}, {Qt::Key_Up, VK_UP},
-    {Qt::Key_Right, VK_RIGHT}, {Qt::Key_Down, VK_DOWN}, {Qt::Key_Print, VK_SNAPSHOT},
-    {Qt::Key_Insert, VK_INSERT}, {Qt::Key_Delete, VK_DELETE}, {Qt::Key_Meta, VK_LWIN},
-    {Qt::Key_Menu, VK_APPS}, {Qt::Key_NumLock, VK_NUMLOCK}, {Qt::Key_ScrollLock, VK_SCROLL},
-    {Qt::Key_Semicolon, VK_OEM_1}, {Qt::Key_Equal, VK_OEM_PLUS}, {Qt::Key_Plus, VK_OEM_PLUS},
-    {Qt::Key_Comma, VK_OEM_COMMA}, {Qt::Key_Minus, VK_OEM_MINUS},
+    {Qt::Key_Backspace, VK_BACK},    {Qt::Key_Tab, VK_TAB},
+    {Qt::Key_Backtab, VK_TAB},       {Qt::Key_Return, VK_RETURN},
+    {Qt::Key_Enter, VK_RETURN},      {Qt::Key_Shift, VK_SHIFT},
+    {Qt::Key_Control, VK_CONTROL},   {Qt::Key_Alt, VK_MENU},
+    {Qt::Key_Pause, VK_PAUSE},       {Qt::Key_CapsLock, VK_CAPITAL},
+    {Qt::Key_Escape, VK_ESCAPE},     {Qt::Key_Space, VK_SPACE},
+    {Qt::Key_PageUp, VK_PRIOR},      {Qt::Key_PageDown, VK_NEXT},
+    {Qt::Key_End, VK_END},           {Qt::Key_Home, VK_HOME},
+    {Qt::Key_Left, VK_LEFT},         {Qt::Key_Up, VK_UP},
+    {Qt::Key_Right, VK_RIGHT},       {Qt::Key_Down, VK_DOWN},
+    {Qt::Key_Print, VK_SNAPSHOT},    {Qt::Key_Insert, VK_INSERT},
+    {Qt::Key_Delete, VK_DELETE},     {Qt::Key_Meta, VK_LWIN},
+    {Qt::Key_Menu, VK_APPS},         {Qt::Key_NumLock, VK_NUMLOCK},
+    {Qt::Key_ScrollLock, VK_SCROLL}, {Qt::Key_Semicolon, VK_OEM_1},
+    {Qt::Key_Equal, VK_OEM_PLUS},    {Qt::Key_Plus, VK_OEM_PLUS},
+    {Qt::Key_Comma, VK_OEM_COMMA},   {Qt::Key_Minus, VK_OEM_MINUS},
     {Qt::Key_Period, VK_OEM_PERIOD}, {Qt::Key_Slash, VK_OEM_2},
-    {Qt::Key_QuoteLeft, VK_OEM_3}, {Qt::Key_BracketLeft, VK_OEM_4},
-    {Qt::Key_Backslash, VK_OEM_5}, {Qt::Key_BracketRight, VK_OEM_6},
+    {Qt::Key_QuoteLeft, VK_OEM_3},   {Qt::Key_BracketLeft, VK_OEM_4},
+    {Qt::Key_Backslash, VK_OEM_5},   {Qt::Key_BracketRight, VK_OEM_6},
     {Qt::Key_Apostrophe, VK_OEM_7},
 };
 
 // Keys that have codes of their own on the numeric keypad.
 constexpr KeyPair kKeypadKeys[] = {
-    {Qt::Key_Asterisk, VK_MULTIPLY}, {Qt::Key_Plus, VK_ADD}, {Qt::Key_Minus, VK_SUBTRACT},
-    {Qt::Key_Period, VK_DECIMAL}, {Qt::Key_Comma, VK_DECIMAL}, {Qt::Key_Slash, VK_DIVIDE},
+    {Qt::Key_Asterisk, VK_MULTIPLY}, {Qt::Key_Plus, VK_ADD},      {Qt::Key_Minus, VK_SUBTRACT},
+    {Qt::Key_Period, VK_DECIMAL},    {Qt::Key_Comma, VK_DECIMAL}, {Qt::Key_Slash, VK_DIVIDE},
     {Qt::Key_Enter, VK_RETURN},
 };
 
 const char *const kKeyNames[][2] = {
-    {"\x08", "BkSp"}, {"\x09", "Tab"}, {"\x0D", "Enter"}, {"\x1B", "Esc"},
-    {"\x20", "Space"}, {"\x21", "PgUp"}, {"\x22", "PgDn"}, {"\x23", "End"},
-    {"\x24", "Home"}, {"\x25", "Left"}, {"\x26", "Up"}, {"\x27", "Right"},
-    {"\x28", "Down"}, {"\x2D", "Ins"}, {"\x2E", "Del"},
+    {"\x08", "BkSp"}, {"\x09", "Tab"},   {"\x0D", "Enter"}, {"\x1B", "Esc"},  {"\x20", "Space"},
+    {"\x21", "PgUp"}, {"\x22", "PgDn"},  {"\x23", "End"},   {"\x24", "Home"}, {"\x25", "Left"},
+    {"\x26", "Up"},   {"\x27", "Right"}, {"\x28", "Down"},  {"\x2D", "Ins"},  {"\x2E", "Del"},
 };
 
 QString keyName(Word key)
@@ -93,7 +97,8 @@ TShiftState ShiftStateFromMouse(Qt::KeyboardModifiers modifiers, Qt::MouseButton
 
 TShiftState KeyboardShiftState()
 {
-    return ShiftStateFromMouse(QApplication::queryKeyboardModifiers(), QApplication::mouseButtons());
+    return ShiftStateFromMouse(QApplication::queryKeyboardModifiers(),
+                               QApplication::mouseButtons());
 }
 
 Word QtKeyToVirtualKey(int qtKey, Qt::KeyboardModifiers modifiers)

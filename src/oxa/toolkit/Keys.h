@@ -3,8 +3,8 @@
 #include "oxa/oxa_export.h"
 
 #include <QFlags>
-#include <QtGlobal>
 #include <Qt>
+#include <QtGlobal>
 
 class QKeyEvent;
 class QWidget;
@@ -77,9 +77,18 @@ inline constexpr Word VK_OEM_5 = 0xDC;      // backslash
 inline constexpr Word VK_OEM_6 = 0xDD;      // ]
 inline constexpr Word VK_OEM_7 = 0xDE;      // '
 
-constexpr Word VK_Letter(char c) { return Word(VK_A + (c >= 'a' ? c - 'a' : c - 'A')); }
-constexpr Word VK_Digit(int d) { return Word(VK_0 + d); }
-constexpr Word VK_Function(int n) { return Word(VK_F1 + n - 1); }
+constexpr Word VK_Letter(char c)
+{
+    return Word(VK_A + (c >= 'a' ? c - 'a' : c - 'A'));
+}
+constexpr Word VK_Digit(int d)
+{
+    return Word(VK_0 + d);
+}
+constexpr Word VK_Function(int n)
+{
+    return Word(VK_F1 + n - 1);
+}
 // The digit a key types, from the main keys or the keypad; -1 for any other key.
 constexpr int TypedDigit(Word key)
 {
@@ -106,8 +115,8 @@ Q_DECLARE_OPERATORS_FOR_FLAGS(TShiftState)
 // Shift, Alt and Ctrl from Qt's keyboard modifiers.
 OXA_EXPORT TShiftState ShiftStateFromModifiers(Qt::KeyboardModifiers modifiers);
 // Keyboard modifiers plus mouse buttons (and the double-click flag).
-OXA_EXPORT TShiftState ShiftStateFromMouse(Qt::KeyboardModifiers modifiers, Qt::MouseButtons buttons,
-                                bool doubleClick = false);
+OXA_EXPORT TShiftState ShiftStateFromMouse(Qt::KeyboardModifiers modifiers,
+                                           Qt::MouseButtons buttons, bool doubleClick = false);
 // The keyboard's shift state right now, as GetKeyboardState reports it.
 OXA_EXPORT TShiftState KeyboardShiftState();
 

@@ -34,11 +34,16 @@ void refuseModalLoopWithoutScreen(const QString &what)
 QString defaultCaption(TMsgDlgType type)
 {
     switch (type) {
-    case mtWarning: return QStringLiteral("Upozornění");
-    case mtError: return QStringLiteral("Chyba");
-    case mtInformation: return QStringLiteral("Informace");
-    case mtConfirmation: return QStringLiteral("Potvrzení");
-    case mtCustom: break;
+    case mtWarning:
+        return QStringLiteral("Upozornění");
+    case mtError:
+        return QStringLiteral("Chyba");
+    case mtInformation:
+        return QStringLiteral("Informace");
+    case mtConfirmation:
+        return QStringLiteral("Potvrzení");
+    case mtCustom:
+        break;
     }
     return QApplication::applicationDisplayName();
 }
@@ -46,11 +51,16 @@ QString defaultCaption(TMsgDlgType type)
 QMessageBox::Icon iconOf(TMsgDlgType type)
 {
     switch (type) {
-    case mtWarning: return QMessageBox::Warning;
-    case mtError: return QMessageBox::Critical;
-    case mtInformation: return QMessageBox::Information;
-    case mtConfirmation: return QMessageBox::Question;
-    case mtCustom: break;
+    case mtWarning:
+        return QMessageBox::Warning;
+    case mtError:
+        return QMessageBox::Critical;
+    case mtInformation:
+        return QMessageBox::Information;
+    case mtConfirmation:
+        return QMessageBox::Question;
+    case mtCustom:
+        break;
     }
     return QMessageBox::NoIcon;
 }
@@ -135,7 +145,8 @@ TModalResult MessageService::MessageBox(QWidget *parent, const QString &text,
                                         const QString &caption, TMsgDlgType type,
                                         TMsgDlgButtons buttons)
 {
-    return MessageDlg(text, type, buttons, parent, caption.isEmpty() ? QStringLiteral(" ") : caption);
+    return MessageDlg(text, type, buttons, parent,
+                      caption.isEmpty() ? QStringLiteral(" ") : caption);
 }
 
 void MessageService::ShowException(const std::exception &error, QWidget *parent)

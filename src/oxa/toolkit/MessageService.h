@@ -65,9 +65,8 @@ public:
     using DialogAnswerer = std::function<TModalResult(QDialog *)>;
 
     // Shows a message box and returns the button the user pressed.
-    static TModalResult MessageDlg(const QString &text, TMsgDlgType type,
-                                   TMsgDlgButtons buttons, QWidget *parent = nullptr,
-                                   const QString &caption = QString(),
+    static TModalResult MessageDlg(const QString &text, TMsgDlgType type, TMsgDlgButtons buttons,
+                                   QWidget *parent = nullptr, const QString &caption = QString(),
                                    TMsgDlgButtons defaultButton = {});
     static void ShowMessage(const QString &text, QWidget *parent = nullptr);
     static void ShowError(const QString &text, QWidget *parent = nullptr);

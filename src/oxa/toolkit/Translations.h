@@ -14,6 +14,7 @@ namespace oxa {
 //     oxa::InstallCzechTranslations();
 // Returns false, and changes nothing, when Qt's Czech translation is not
 // installed (Debian: qt6-translations-l10n) or there is no application.
-OXA_EXPORT bool InstallCzechTranslations(QCoreApplication *application = QCoreApplication::instance());
+OXA_EXPORT bool
+InstallCzechTranslations(QCoreApplication *application = QCoreApplication::instance());
 
 } // namespace oxa

@@ -28,8 +28,8 @@ void SetFocusTo(QWidget *control)
 
 bool IsControlFocusChange(const QFocusEvent *event)
 {
-    return event->reason() != Qt::ActiveWindowFocusReason
-        && event->reason() != Qt::PopupFocusReason;
+    return event->reason() != Qt::ActiveWindowFocusReason &&
+        event->reason() != Qt::PopupFocusReason;
 }
 
 void NotifyPropertyChanged(QObject *object, const char *property)

@@ -50,7 +50,7 @@ using TKeyPressEvent = std::function<void(QObject *sender, QChar &key)>;
 //   focusInEvent    -> DoEnter(), focusOutEvent -> DoExit()
 // and keeps the toolkit's Color and its free notifications. An exception that
 // escapes a handler is shown through the message service.
-template <class QtBase>
+template<class QtBase>
 class TWinControl : public QtBase
 {
 public:
@@ -82,9 +82,9 @@ public:
     {
         if (!component || component == this)
             return;
-        m_freeNotifications.append(QObject::connect(
-            component, &QObject::destroyed, this,
-            [this](QObject *gone) { Notification(gone, opRemove); }));
+        m_freeNotifications.append(
+            QObject::connect(component, &QObject::destroyed, this,
+                             [this](QObject *gone) { Notification(gone, opRemove); }));
     }
 
     TNotifyEvent OnEnter;
@@ -126,7 +126,7 @@ protected:
     }
     // Called once after the control's properties were set by whoever built
     // it (a .ui form, the host's code) and before it is first shown.
-    virtual void Loaded() {}
+    virtual void Loaded() { }
 
     bool event(QEvent *event) override
     {
@@ -209,7 +209,7 @@ protected:
     }
 
     // Runs a handler; an escaping exception is shown to the user.
-    template <class Fn>
+    template<class Fn>
     void guarded(Fn &&fn, bool &failed)
     {
         try {
@@ -222,13 +222,13 @@ protected:
 
     // Runs a handler of the host; an exception it raises is shown to the
     // user, and a given answer (Allow, Accept) becomes false.
-    template <class Fn>
+    template<class Fn>
     void Safely(Fn &&fn)
     {
         bool failed = false;
         guarded(std::forward<Fn>(fn), failed);
     }
-    template <class Fn>
+    template<class Fn>
     void Safely(Fn &&fn, bool &answer)
     {
         bool failed = false;
@@ -247,12 +247,12 @@ private:
 };
 
 // TWinControl<T>, unless T already is one (a grid of the toolkit, say).
-template <class T, class = void>
+template<class T, class = void>
 struct WinControlOf
 {
     using type = TWinControl<T>;
 };
-template <class T>
+template<class T>
 struct WinControlOf<T, std::void_t<typename T::OxaWinControlTag>>
 {
     using type = T;

@@ -174,10 +174,7 @@ void TVlaknoEx::Synchronize(const std::function<void()> &method)
         std::rethrow_exception(call->error);
 }
 
-TBackgroundWorker::TBackgroundWorker(QObject *owner)
-    : QObject(owner)
-{
-}
+TBackgroundWorker::TBackgroundWorker(QObject *owner) : QObject(owner) { }
 
 TBackgroundWorker::~TBackgroundWorker()
 {
@@ -197,15 +194,19 @@ void TBackgroundWorker::Run(QObject *aData)
     auto *vlakno = new TVlaknoEx();
     vlakno->fDoInBackgroudProc = [this](QObject *Sender) { DoInBackground(Sender); };
     vlakno->fDoneProc = [this](const QString &aError, TDateTime aTime) { DoDone(aError, aTime); };
-    vlakno->fProgressProc = [this](qint16 aProc, const QString &aText) { DoProgress(aProc, aText); };
-    connect(vlakno, &QThread::finished, this, [this, vlakno] { finishJob(vlakno); },
-            Qt::QueuedConnection);
+    vlakno->fProgressProc = [this](qint16 aProc, const QString &aText) {
+        DoProgress(aProc, aText);
+    };
+    connect(
+        vlakno, &QThread::finished, this, [this, vlakno] { finishJob(vlakno); },
+        Qt::QueuedConnection);
     fVlakno = vlakno;
     vlakno->start();
     // A thread the platform refused to create never finishes: complete the
     // job at once, with the text of a job that never ran.
     if (!vlakno->isRunning() && !vlakno->isFinished())
-        QMetaObject::invokeMethod(this, [this, vlakno] { finishJob(vlakno); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, vlakno] { finishJob(vlakno); }, Qt::QueuedConnection);
 }
 
 void TBackgroundWorker::Progress(qint16 aProc, const QString &aText)
@@ -276,10 +277,7 @@ void TBackgroundWorker::abandonJob()
     delete std::exchange(fVlakno, nullptr);
 }
 
-TWorkerData::TWorkerData(QObject *parent)
-    : QObject(parent)
-{
-}
+TWorkerData::TWorkerData(QObject *parent) : QObject(parent) { }
 
 void RegisterBackgroundWorker()
 {

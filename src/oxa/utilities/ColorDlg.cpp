@@ -23,8 +23,8 @@ constexpr TColor kGlyphFrameColor = 255;
 constexpr int kMargin = 4;
 constexpr int kButtonSize = 22;
 constexpr int kSpacing = 2;
-constexpr int kRowWidth = TColorForm::ButtonsPerRow * kButtonSize
-                          + (TColorForm::ButtonsPerRow - 1) * kSpacing;
+constexpr int kRowWidth =
+    TColorForm::ButtonsPerRow * kButtonSize + (TColorForm::ButtonsPerRow - 1) * kSpacing;
 
 const char *const kTagProperty = "Tag";
 
@@ -65,9 +65,8 @@ const TOthersButtonsProperties &TColorForm::OthersButtons(int number)
 }
 
 TColorForm::TColorForm(QWidget *owner)
-    : QWidget(owner, Qt::Tool | Qt::FramelessWindowHint)
-    , bvlCenter(new QFrame(this))
-    , FButtonGroup(new QButtonGroup(this))
+    : QWidget(owner, Qt::Tool | Qt::FramelessWindowHint), bvlCenter(new QFrame(this)),
+      FButtonGroup(new QButtonGroup(this))
 {
     setObjectName(QStringLiteral("ColorForm"));
     setWindowTitle(QStringLiteral("ColorForm"));
@@ -103,21 +102,23 @@ void TColorForm::CreateButtons()
         const TOthersButtonsProperties &special = OthersButtons(number);
         FSpecialButton = CreateButton(-1, special.Caption, special.Hint, special.Color, true, true,
                                       kMargin, top);
-        connect(FSpecialButton, &QToolButton::clicked, this, [this] { BtnNoneClick(FSpecialButton); });
+        connect(FSpecialButton, &QToolButton::clicked, this,
+                [this] { BtnNoneClick(FSpecialButton); });
         top += kButtonSize + kSpacing;
     }
     for (int i = 0; i < PaletteSize; ++i) {
         const TButtonsProperties &entry = ButtonsProperties().at(std::size_t(i));
         const int left = kMargin + (i % ButtonsPerRow) * (kButtonSize + kSpacing);
         const int rowTop = top + (i / ButtonsPerRow) * (kButtonSize + kSpacing);
-        QToolButton *button = CreateButton(i, QString(), entry.Hint, entry.Color, false, true, left,
-                                           rowTop);
+        QToolButton *button =
+            CreateButton(i, QString(), entry.Hint, entry.Color, false, true, left, rowTop);
         connect(button, &QToolButton::clicked, this, [this, button] { BtnClick(button); });
         FPaletteButtons.append(button);
     }
     top += (PaletteSize / ButtonsPerRow) * (kButtonSize + kSpacing);
     const TOthersButtonsProperties &more = OthersButtons(MoreColorsButton);
-    FOthersButton = CreateButton(-1, more.Caption, more.Hint, more.Color, true, false, kMargin, top);
+    FOthersButton =
+        CreateButton(-1, more.Caption, more.Hint, more.Color, true, false, kMargin, top);
     connect(FOthersButton, &QToolButton::clicked, this, [this] { BtnOthersClick(FOthersButton); });
     top += kButtonSize;
 
@@ -225,7 +226,8 @@ void TColorForm::BtnOthersClick(QObject *)
 
     QColor picked;
     if (dialog) {
-        picked = dialog->selectedColor().isValid() ? dialog->selectedColor() : dialog->currentColor();
+        picked =
+            dialog->selectedColor().isValid() ? dialog->selectedColor() : dialog->currentColor();
         delete dialog.data();
     }
     if (result == mrOk && picked.isValid()) {
