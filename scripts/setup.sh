@@ -20,6 +20,7 @@ OXA_FUZZ_PACKAGES=(
     clang libclang-rt-14-dev
 )
 OXA_TEST_PACKAGES=(
+    clang-format
     python3 python3-xlrd libreoffice-calc-nogui
     xvfb xauth
     postgresql

@@ -15,6 +15,9 @@ export QT_QPA_PLATFORM=offscreen
 export OXA_REQUIRE_READERS=1
 export OXA_REQUIRE_POSTGRES=1
 
+echo "== Formatting"
+bash "$OXA_ROOT/scripts/check-format.sh"
+
 echo "== Build"
 oxa_build "$build" -DCMAKE_BUILD_TYPE=Release -DOXA_BUILD_BENCH=ON
 
