@@ -12,8 +12,31 @@
 #include <QStringList>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QVariant>
 
 namespace oxa::test {
+
+// The connection a test works on, and a second one to the same database that
+// sees only what was committed.
+inline const QString kMain = QStringLiteral("main");
+inline const QString kOther = QStringLiteral("other");
+
+// Runs a statement the test cannot go on without.
+inline void exec(const QSqlDatabase &db, const QString &sql)
+{
+    QSqlQuery query(db);
+    if (!query.exec(sql))
+        qFatal("%s: %s", qPrintable(sql), qPrintable(query.lastError().text()));
+}
+
+// The first value of a query on the second connection: what is committed.
+inline QVariant scalar(const QString &sql)
+{
+    QSqlQuery query(QSqlDatabase::database(kOther));
+    if (!query.exec(sql) || !query.next())
+        return QVariant(QStringLiteral("<%1>").arg(query.lastError().text()));
+    return query.value(0);
+}
 
 inline QStringList DatabaseKinds()
 {

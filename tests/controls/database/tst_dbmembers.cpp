@@ -14,25 +14,15 @@
 #include <QtTest>
 
 using namespace oxa;
+using oxa::test::kMain;
+using oxa::test::kOther;
+using oxa::test::scalar;
 
 namespace {
 
-const QString kMain = QStringLiteral("main");
-const QString kOther = QStringLiteral("other");
-
 void exec(const QString &sql)
 {
-    QSqlQuery query(QSqlDatabase::database(kMain));
-    if (!query.exec(sql))
-        qFatal("%s: %s", qPrintable(sql), qPrintable(query.lastError().text()));
-}
-
-QVariant scalar(const QString &sql)
-{
-    QSqlQuery query(QSqlDatabase::database(kOther));
-    if (!query.exec(sql) || !query.next())
-        return QVariant(QStringLiteral("<%1>").arg(query.lastError().text()));
-    return query.value(0);
+    test::exec(QSqlDatabase::database(test::kMain), sql);
 }
 
 } // namespace

@@ -12,26 +12,9 @@
 #include <QtTest>
 
 using namespace oxa;
+using namespace oxa::test;
 
 namespace {
-
-const QString kMain = QStringLiteral("main");
-const QString kOther = QStringLiteral("other");
-
-void exec(const QSqlDatabase &db, const QString &sql)
-{
-    QSqlQuery query(db);
-    if (!query.exec(sql))
-        qFatal("%s: %s", qPrintable(sql), qPrintable(query.lastError().text()));
-}
-
-QVariant scalar(const QString &sql)
-{
-    QSqlQuery query(QSqlDatabase::database(kOther));
-    if (!query.exec(sql) || !query.next())
-        return QVariant(QStringLiteral("<%1>").arg(query.lastError().text()));
-    return query.value(0);
-}
 
 void createPatients(int count)
 {
