@@ -538,22 +538,28 @@ void TDataSet::First()
         AfterScroll(this);
 }
 
+// The window becomes the last page of records, unless it holds it already.
+void TDataSet::LoadLastWindow()
+{
+    if (d->atEnd)
+        return;
+    d->window.clear();
+    for (const TRecordValues &row : FetchLast(d->packet))
+        d->window.append({row, false});
+    d->atEnd = true;
+    d->atStart = d->window.size() < d->packet;
+    d->firstRecNo = d->atStart ? 1
+        : d->recordCount >= 0  ? d->recordCount - int(d->window.size()) + 1
+                               : 0;
+}
+
 void TDataSet::Last()
 {
     CheckActive();
     CheckBrowseMode();
     if (BeforeScroll)
         BeforeScroll(this);
-    if (!d->atEnd) {
-        d->window.clear();
-        for (const TRecordValues &row : FetchLast(d->packet))
-            d->window.append({row, false});
-        d->atEnd = true;
-        d->atStart = d->window.size() < d->packet;
-        d->firstRecNo = d->atStart ? 1
-            : d->recordCount >= 0  ? d->recordCount - int(d->window.size()) + 1
-                                   : 0;
-    }
+    LoadLastWindow();
     d->cur = int(d->window.size()) - 1;
     d->eof = true;
     d->bof = d->window.isEmpty();
@@ -801,16 +807,7 @@ void TDataSet::Append()
         BeforeInsert(this);
     if (BeforeScroll)
         BeforeScroll(this);
-    if (!d->atEnd) {
-        d->window.clear();
-        for (const TRecordValues &row : FetchLast(d->packet))
-            d->window.append({row, false});
-        d->atEnd = true;
-        d->atStart = d->window.size() < d->packet;
-        d->firstRecNo = d->atStart ? 1
-            : d->recordCount >= 0  ? d->recordCount - int(d->window.size()) + 1
-                                   : 0;
-    }
+    LoadLastWindow();
     d->insertReturn = int(d->window.size()) - 1;
     d->window.append({emptyRecord(RecordWidth()), true});
     d->cur = int(d->window.size()) - 1;

@@ -236,6 +236,7 @@ private:
     friend class TDataSource;
     void CheckActive() const;
     void SetState(TDataSetState Value);
+    void LoadLastWindow();
 
     struct OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
