@@ -126,6 +126,34 @@ struct Diar
     TDayListView *List(TDate d) { return panel.GetDayGroupBox(d)->DayListView(); }
 };
 
+// The entries shown selected in all the panel's lists.
+QList<qint32> ShownSelection(const TDiarPanel &panel)
+{
+    QList<qint32> ids;
+    for (int i = 0; i < panel.DayGroupBoxCount(); ++i) {
+        for (QTreeWidgetItem *item : panel.DayGroupBox(i)->DayListView()->selectedItems())
+            ids << TDayListView::ItemRecord(item)->ID_DIAR;
+    }
+    return ids;
+}
+
+QList<qint32> Ids(const QList<TDayRecord> &zaznamy)
+{
+    QList<qint32> ids;
+    for (const TDayRecord &z : zaznamy)
+        ids << z.ID_DIAR;
+    return ids;
+}
+
+// The active box, the focused list and the selection the user sees agree.
+void CheckOneSelection(const TDiarPanel &panel, qint32 expected)
+{
+    const QList<qint32> none;
+    QCOMPARE(ShownSelection(panel), expected < 0 ? none : QList<qint32>{expected});
+    QCOMPARE(panel.GetSelectedItemID(), expected);
+    QCOMPARE(QApplication::focusWidget(), panel.DayListView());
+}
+
 } // namespace
 
 class TestDiarPanel : public QObject
@@ -146,6 +174,8 @@ private Q_SLOTS:
     void dragAndDrop();
     void keyboardMoveDeleteAndInsert();
     void selectionEvents();
+    void oneSelection_data();
+    void oneSelection();
     void propertiesNotify_data();
     void propertiesNotify();
 };
@@ -569,6 +599,94 @@ void TestDiarPanel::selectionEvents()
     d.panel.GotoDate(Nov(18));
     QCOMPARE(events.size(), 3);
     QCOMPARE(d.panel.GetSelectedItemID(), -1);
+}
+
+// Each view keeps one selection: after clicks into other days, a drop, a
+// move of the period by the host and a reload, every key and menu command
+// reaches the host with the entry the user sees selected, or does nothing.
+void TestDiarPanel::oneSelection_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<QString>("sequence");
+    QTest::addColumn<int>("expected");
+    const QList<std::pair<const char *, TDiarSize>> views{
+        {"day", dsDay}, {"work week", dsWorkWeek}, {"week", dsWeek}, {"month", dsMonth}};
+    for (const auto &[name, size] : views) {
+        const bool boxes = size == dsWorkWeek || size == dsWeek;
+        QTest::addRow("%s click", name) << int(size) << "click" << 1;
+        if (boxes) {
+            QTest::addRow("%s drop", name) << int(size) << "drop" << 1;
+            // Tab does not walk into another day's list behind its back.
+            QTest::addRow("%s Tab", name) << int(size) << "tab" << 1;
+        }
+        QTest::addRow("%s GotoDate", name) << int(size) << "goto" << -1;
+        QTest::addRow("%s reload", name) << int(size) << "reload" << -1;
+    }
+}
+
+void TestDiarPanel::oneSelection()
+{
+    QFETCH(int, size);
+    QFETCH(QString, sequence);
+    QFETCH(int, expected);
+    Diar d{TDiarSize(size)};
+    QVERIFY(test::ShowAndActivate(&d.panel));
+    const bool boxes = size == dsWorkWeek || size == dsWeek;
+    TDayListView *tuesday = d.List(Nov(17));
+    // Another day (or another entry) selected first.
+    if (boxes)
+        QTest::mouseClick(d.List(Nov(19))->viewport(), Qt::LeftButton, {},
+                          ItemCenter(d.List(Nov(19)), 0));
+    else
+        QTest::mouseClick(tuesday->viewport(), Qt::LeftButton, {}, ItemCenter(tuesday, 0));
+
+    if (sequence == QLatin1String("drop")) {
+        // The button goes down on the entry; the drag ends on Wednesday.
+        QTest::mousePress(tuesday->viewport(), Qt::LeftButton, {}, ItemCenter(tuesday, 1));
+        TTextDragObject entry(tuesday->topLevelItem(1));
+        std::unique_ptr<QDrag> drag(entry.CreateDrag(tuesday));
+        QVERIFY(DragOnto(d.List(Nov(18)), drag.get()));
+        QTest::mouseRelease(d.List(Nov(18))->viewport(), Qt::LeftButton, {}, QPoint(20, 20));
+        QCOMPARE(d.dragMoves.size(), 1);
+        QCOMPARE(d.dragMoves.first().first.ID_DIAR, 1);
+    } else {
+        QTest::mouseClick(tuesday->viewport(), Qt::LeftButton, {}, ItemCenter(tuesday, 1));
+        QCOMPARE(d.panel.GetSelectedItemID(), 1);
+    }
+    if (sequence == QLatin1String("tab")) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    } else if (sequence == QLatin1String("goto")) {
+        d.panel.GotoDate(Nov(19));
+    } else if (sequence == QLatin1String("reload")) {
+        d.panel.Clear();
+        d.panel.AddDayRecord_BeginUpdate();
+        d.panel.AddDayRecord(Zaznam(1, Nov(17), Cas(10, 0), Cas(11, 0), "Kontrola", zkPacient));
+        d.panel.AddDayRecord(Zaznam(2, Nov(17), Cas(8, 0), Cas(9, 0), "Porada", zkPartner));
+        d.panel.AddDayRecord(Zaznam(3, Nov(19), Cas(8, 30), Cas(9, 30), "Odběr"));
+        d.panel.AddDayRecord_EndUpdate();
+    }
+    CheckOneSelection(d.panel, expected);
+    if (QTest::currentTestFailed())
+        return;
+
+    const QList<qint32> none;
+    const QList<qint32> once = expected < 0 ? none : QList<qint32>{expected};
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    d.panel.MenuItemEdit()->trigger();
+    d.panel.MenuItemPacient()->trigger();
+    QCOMPARE(Ids(d.edited), expected < 0 ? none : (QList<qint32>{expected, expected}));
+    QCOMPARE(Ids(d.pacient), once);
+
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right, Qt::ControlModifier);
+    QList<qint32> moved;
+    for (const auto &move : std::as_const(d.keyMoves))
+        moved << move.first.ID_DIAR;
+    QCOMPARE(moved, once);
+    CheckOneSelection(d.panel, expected);
+    if (QTest::currentTestFailed())
+        return;
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
+    QCOMPARE(d.askedToDelete, once);
 }
 
 // Each published property that changes at run time reports a change once,

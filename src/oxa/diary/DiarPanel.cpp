@@ -87,6 +87,7 @@ TDiarPanel::~TDiarPanel()
     // The boxes are freed with the panel's children, after this part of it.
     for (TDayGroupBox *box : std::as_const(d->fBoxPool)) {
         box->removeEventFilter(this);
+        box->DayListView()->removeEventFilter(this);
         box->DayListView()->viewport()->removeEventFilter(this);
         box->DayListView()->selectionModel()->disconnect(this);
     }
@@ -194,7 +195,9 @@ TDayGroupBox *TDiarPanel::CreateDayGroupBox()
         DoubleClickDayEvent(Sender, aZaznam);
     };
     box->installEventFilter(this);
+    list->installEventFilter(this);
     list->viewport()->installEventFilter(this);
+    d->fListFocusPolicy = list->focusPolicy();
 
     list->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(list, &QWidget::customContextMenuRequested, this,
@@ -397,11 +400,46 @@ void TDiarPanel::UpdateActiveBox()
         if (box->Active() != active)
             box->SetActive(active);
     }
+    KeepOneSelection();
     TDayListView *list = DayListView();
     if (list != d->fReportedList) {
         d->fReportedList = list;
         Q_EMIT dayListViewChanged(list);
     }
+}
+
+// One selection per panel: only the active box's list shows a selected
+// entry, only that list is a tab stop, and a focus on another day list moves
+// to it. The keys reach the focused list and the menu asks the active one,
+// so every command acts on the entry the user sees selected.
+void TDiarPanel::KeepOneSelection()
+{
+    TDayListView *active = DayListView();
+    for (TDayGroupBox *box : std::as_const(d->fBoxPool)) {
+        TDayListView *list = box->DayListView();
+        list->setFocusPolicy(list == active ? d->fListFocusPolicy : Qt::ClickFocus);
+        if (list == active)
+            continue;
+        // The host hears of the deselection: its detail must not keep it.
+        if (list->selectionModel()->hasSelection())
+            list->clearSelection();
+        if (list->currentItem())
+            list->setCurrentItem(nullptr, 0, QItemSelectionModel::NoUpdate);
+    }
+    FocusActiveList();
+}
+
+// A day list took the focus (a click, or the host's setFocus): its day
+// becomes the selected one.
+void TDiarPanel::ListFocused(TDayListView *aList, Qt::FocusReason aReason)
+{
+    TDayGroupBox *box = aList->DayGroupBox();
+    if (!box || box->Active() || !d->FDayGroupBoxArray.contains(box))
+        return;
+    GotoDate(box->Date());
+    // A click reports its day when the button is released.
+    if (aReason != Qt::MouseFocusReason)
+        FireDayClick(d->model.SelectedDay());
 }
 
 void TDiarPanel::RearangeDays()
@@ -470,6 +508,7 @@ void TDiarPanel::RefreshBoxes()
 {
     for (TDayGroupBox *box : std::as_const(d->FDayGroupBoxArray))
         FillBox(box);
+    UpdateActiveBox();
 }
 
 void TDiarPanel::ShowRecordChange(TDate aDatum)
@@ -564,6 +603,8 @@ bool TDiarPanel::SelectItem(qint32 aID)
     ++d->fSilentSelection;
     list->setCurrentItem(item);
     --d->fSilentSelection;
+    // The active box may have changed without the period moving.
+    UpdateActiveBox();
     return true;
 }
 
@@ -924,11 +965,12 @@ void TDiarPanel::OnDayMove(QObject *Sender, Word &Key, TShiftState Shift)
     FocusActiveList();
 }
 
+// Only a focus on a day list moves: one on the month grid stays there.
 void TDiarPanel::FocusActiveList()
 {
     TDayListView *list = DayListView();
-    QWidget *focused = focusWidget();
-    if (list && focused && isAncestorOf(focused) && focused != list)
+    auto *focused = qobject_cast<TDayListView *>(window()->focusWidget());
+    if (list && focused && focused != list && d->fBoxPool.contains(focused->DayGroupBox()))
         list->setFocus(Qt::OtherFocusReason);
 }
 
@@ -1066,6 +1108,11 @@ void TDiarPanel::wheelEvent(QWheelEvent *event)
 
 bool TDiarPanel::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() == QEvent::FocusIn) {
+        if (auto *focused = qobject_cast<TDayListView *>(watched))
+            ListFocused(focused, static_cast<QFocusEvent *>(event)->reason());
+        return TWinControl<QFrame>::eventFilter(watched, event);
+    }
     auto *box = qobject_cast<TDayGroupBox *>(watched);
     TDayListView *list = nullptr;
     if (!box && watched->parent()) {

@@ -238,6 +238,8 @@ private:
     void FillBox(TDayGroupBox *aBox);
     void RefreshBoxes();
     void UpdateActiveBox();
+    void KeepOneSelection();
+    void ListFocused(TDayListView *aList, Qt::FocusReason aReason);
     void ShowRecordChange(TDate aDatum);
     void ShowPeriod(bool aMonthChanged);
     void ShowNewMonth();

@@ -36,6 +36,9 @@ public:
     std::optional<qint32> fDragID; // the entry of the drag over a list
     bool fMonthGridDirty = true;   // the grid's cells lag behind the store
     TMonthGrid *FMonthGrid = nullptr;
+    // The focus policy of the active box's list; the others take the focus
+    // only by a click, so that Tab enters and leaves the panel by the active one.
+    Qt::FocusPolicy fListFocusPolicy = Qt::StrongFocus;
     // The list last reported by dayListViewChanged.
     QPointer<TDayListView> fReportedList;
 };
