@@ -768,7 +768,8 @@ static TRecordValues emptyRecord(int width)
     return TRecordValues(width);
 }
 
-void TDataSet::Insert()
+// What Insert and Append check and announce before the new record exists.
+void TDataSet::PrepareNewRecord()
 {
     CheckActive();
     CheckBrowseMode();
@@ -778,10 +779,13 @@ void TDataSet::Insert()
         BeforeInsert(this);
     if (BeforeScroll)
         BeforeScroll(this);
-    const int at = std::max(0, d->cur);
-    d->insertReturn = d->cur;
-    d->window.insert(at, {emptyRecord(RecordWidth()), true});
-    d->cur = at;
+}
+
+// The record at the cursor, just added to the window, becomes the one being
+// inserted: empty values, the new-record handler, then the links and the
+// after-events.
+void TDataSet::StartNewRecord()
+{
     d->buffer = emptyRecord(RecordWidth());
     d->original = d->buffer;
     d->modified = false;
@@ -797,34 +801,25 @@ void TDataSet::Insert()
         AfterScroll(this);
 }
 
+void TDataSet::Insert()
+{
+    PrepareNewRecord();
+    const int at = std::max(0, d->cur);
+    d->insertReturn = d->cur;
+    d->window.insert(at, {emptyRecord(RecordWidth()), true});
+    d->cur = at;
+    StartNewRecord();
+}
+
 void TDataSet::Append()
 {
-    CheckActive();
-    CheckBrowseMode();
-    if (!DoCanModify())
-        throw EDatabaseError(QStringLiteral("Tato data nelze měnit."));
-    if (BeforeInsert)
-        BeforeInsert(this);
-    if (BeforeScroll)
-        BeforeScroll(this);
+    PrepareNewRecord();
     LoadLastWindow();
     d->insertReturn = int(d->window.size()) - 1;
     d->window.append({emptyRecord(RecordWidth()), true});
     d->cur = int(d->window.size()) - 1;
-    d->buffer = emptyRecord(RecordWidth());
-    d->original = d->buffer;
-    d->modified = false;
     d->eof = true;
-    d->state = dsInsert;
-    if (OnNewRecord)
-        OnNewRecord(this);
-    d->window[d->cur].values = d->buffer;
-    NotifyLinks(deUpdateState);
-    NotifyLinks(deDataSetChange);
-    if (AfterInsert)
-        AfterInsert(this);
-    if (AfterScroll)
-        AfterScroll(this);
+    StartNewRecord();
 }
 
 // Fills the window around a record: the records before and after it by

@@ -237,6 +237,8 @@ private:
     void CheckActive() const;
     void SetState(TDataSetState Value);
     void LoadLastWindow();
+    void PrepareNewRecord();
+    void StartNewRecord();
 
     struct OXA_NO_EXPORT Private;
     std::unique_ptr<Private> const d;
