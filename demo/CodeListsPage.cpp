@@ -27,6 +27,9 @@ enum DiagnosisColumn { colMark, colKod, colNazev };
 CodeListsPage::CodeListsPage(QWidget *parent)
     : QWidget(parent), m_collator(QLocale(QLocale::Czech, QLocale::CzechRepublic))
 {
+    setProperty("statusHint",
+                QStringLiteral("Klik na záhlaví třídí, mezerník nebo Enter zaškrtne "
+                               "diagnózu, mezerník ve stromu zaškrtne vyšetření."));
     auto *layout = new QHBoxLayout(this);
     layout->addWidget(BuildDiagnoses(), 3);
     layout->addWidget(BuildExaminations(), 2);

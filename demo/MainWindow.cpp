@@ -43,6 +43,8 @@ QStringList MainWindow::SaveScreenshots(const QString &directory)
 {
     QDir().mkpath(directory);
     QStringList written;
+    // A size at which every page's texts are whole (the week view's too).
+    resize(1600, 1000);
     show();
     for (int i = 0; i < m_tabs->count(); ++i) {
         m_tabs->setCurrentIndex(i);

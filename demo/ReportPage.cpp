@@ -19,6 +19,9 @@ using namespace oxa;
 
 ReportPage::ReportPage(QWidget *parent) : QWidget(parent)
 {
+    setProperty("statusHint",
+                QStringLiteral("Ctrl+B, Ctrl+I a Ctrl+U formátují, Insert přepíná "
+                               "přepisování; zpráva se ukládá k vybranému pacientovi."));
     QString error;
     QSqlDatabase db = SampleDatabase::Database();
     if (db.isOpen() && !SampleDatabase::EnsureReportSchema(db, &error))

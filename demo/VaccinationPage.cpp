@@ -94,6 +94,9 @@ bool VaccinationPage::EnsureTables(QString *error)
 VaccinationPage::VaccinationPage(QWidget *parent, const QString &connectionName)
     : QWidget(parent), m_vaccinations(new TSqlDataSet), m_doctors(new TSqlDataSet)
 {
+    setProperty("statusHint",
+                QStringLiteral("Mezerník, plus a minus mění stav, Ctrl+šipka dolů přejde "
+                               "k podrobnostem; každá změna se ukládá hned."));
     QString error;
     if (!EnsureTables(&error))
         MessageService::ShowError(QStringLiteral("Tabulky očkování nelze vytvořit: %1").arg(error),
