@@ -43,6 +43,23 @@ inline QStringList DatabaseKinds()
     return {QStringLiteral("sqlite"), QStringLiteral("postgresql")};
 }
 
+// The "database" column of a data-driven test: one row per kind.
+inline void AddDatabaseRows()
+{
+    QTest::addColumn<QString>("database");
+    for (const QString &kind : DatabaseKinds())
+        QTest::newRow(qPrintable(kind)) << kind;
+}
+
+// Closes and forgets the test's two connections.
+inline void CloseTestConnections()
+{
+    for (const QString &name : {kMain, kOther}) {
+        QSqlDatabase::database(name, false).close();
+        QSqlDatabase::removeDatabase(name);
+    }
+}
+
 // The socket directory of the test server, or why there is none.
 inline bool PostgresSocketDir(QString &dir, QString &why)
 {
@@ -122,6 +139,15 @@ inline QSqlDatabase CloneTestDatabase(const QString &connection, const QString &
 }
 
 } // namespace oxa::test
+
+// A database the test could not prepare: a failure where the full test
+// command requires the PostgreSQL server, a skip with the reason elsewhere.
+#define OXA_REQUIRE_DATABASE(prepared, reason) \
+    if (!(prepared)) { \
+        if (qEnvironmentVariableIsSet("OXA_REQUIRE_POSTGRES")) \
+            QFAIL(qPrintable(reason)); \
+        QSKIP(qPrintable(reason)); \
+    }
 
 // Opens the database of the test's "database" column, or skips with the
 // reason; when OXA_REQUIRE_POSTGRES is set a missing server fails instead.

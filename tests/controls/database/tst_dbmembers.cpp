@@ -70,18 +70,11 @@ class TestDBMembers : public QObject
     }
     TField *field(const char *name) const { return m_shots->FieldByName(QLatin1String(name)); }
 
-#define PREPARE() \
-    if (!prepare()) { \
-        if (qEnvironmentVariableIsSet("OXA_REQUIRE_POSTGRES")) \
-            QFAIL(qPrintable(m_skip)); \
-        QSKIP(qPrintable(m_skip)); \
-    }
+#define PREPARE() OXA_REQUIRE_DATABASE(prepare(), m_skip)
 
     void databases()
     {
-        QTest::addColumn<QString>("database");
-        for (const QString &kind : test::DatabaseKinds())
-            QTest::newRow(qPrintable(kind)) << kind;
+        test::AddDatabaseRows();
     }
 
 private Q_SLOTS:
@@ -92,10 +85,7 @@ private Q_SLOTS:
         m_doctorSource.reset();
         m_shots.reset();
         m_doctors.reset();
-        for (const QString &name : {kMain, kOther}) {
-            QSqlDatabase::database(name, false).close();
-            QSqlDatabase::removeDatabase(name);
-        }
+        test::CloseTestConnections();
     }
 
     void editWritesTheField_data()

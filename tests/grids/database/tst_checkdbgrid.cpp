@@ -90,18 +90,11 @@ class TestCheckDBGrid : public QObject
     int id() const { return int(m_set->FieldByName(QStringLiteral("id"))->AsInteger()); }
     int state() const { return int(m_set->FieldByName(QStringLiteral("state"))->AsInteger()); }
 
-#define PREPARE(...) \
-    if (!prepare(__VA_ARGS__)) { \
-        if (qEnvironmentVariableIsSet("OXA_REQUIRE_POSTGRES")) \
-            QFAIL(qPrintable(m_skip)); \
-        QSKIP(qPrintable(m_skip)); \
-    }
+#define PREPARE(...) OXA_REQUIRE_DATABASE(prepare(__VA_ARGS__), m_skip)
 
     void databases()
     {
-        QTest::addColumn<QString>("database");
-        for (const QString &kind : test::DatabaseKinds())
-            QTest::newRow(qPrintable(kind)) << kind;
+        test::AddDatabaseRows();
     }
 
 private Q_SLOTS:
@@ -110,10 +103,7 @@ private Q_SLOTS:
         m_form.reset();
         m_source.reset();
         m_set.reset();
-        for (const QString &name : {kMain, kOther}) {
-            QSqlDatabase::database(name, false).close();
-            QSqlDatabase::removeDatabase(name);
-        }
+        test::CloseTestConnections();
     }
 
     void probe_data()

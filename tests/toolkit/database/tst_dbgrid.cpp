@@ -92,18 +92,11 @@ class TestDBGrid : public QObject
         QTest::keyClick(target, k, m);
     }
 
-#define PREPARE(count) \
-    if (!prepare(count)) { \
-        if (qEnvironmentVariableIsSet("OXA_REQUIRE_POSTGRES")) \
-            QFAIL(qPrintable(m_skip)); \
-        QSKIP(qPrintable(m_skip)); \
-    }
+#define PREPARE(count) OXA_REQUIRE_DATABASE(prepare(count), m_skip)
 
     void databases()
     {
-        QTest::addColumn<QString>("database");
-        for (const QString &kind : test::DatabaseKinds())
-            QTest::newRow(qPrintable(kind)) << kind;
+        test::AddDatabaseRows();
     }
 
 private Q_SLOTS:
@@ -112,10 +105,7 @@ private Q_SLOTS:
         m_grid.reset();
         m_source.reset();
         m_set.reset();
-        for (const QString &name : {kMain, kOther}) {
-            QSqlDatabase::database(name, false).close();
-            QSqlDatabase::removeDatabase(name);
-        }
+        test::CloseTestConnections();
     }
 
     void paintsOnlyTheRecordsItShows_data()

@@ -100,27 +100,17 @@ private:
     }
     QString m_skip;
 
-#define PREPARE(...) \
-    if (!prepare(__VA_ARGS__)) { \
-        if (qEnvironmentVariableIsSet("OXA_REQUIRE_POSTGRES")) \
-            QFAIL(qPrintable(m_skip)); \
-        QSKIP(qPrintable(m_skip)); \
-    }
+#define PREPARE(...) OXA_REQUIRE_DATABASE(prepare(__VA_ARGS__), m_skip)
 
     void databases()
     {
-        QTest::addColumn<QString>("database");
-        for (const QString &kind : test::DatabaseKinds())
-            QTest::newRow(qPrintable(kind)) << kind;
+        test::AddDatabaseRows();
     }
 
 private Q_SLOTS:
     void cleanup()
     {
-        for (const QString &name : {kMain, kOther}) {
-            QSqlDatabase::database(name, false).close();
-            QSqlDatabase::removeDatabase(name);
-        }
+        test::CloseTestConnections();
     }
 
     void pagesByKeyInABoundedWindow_data()
