@@ -52,7 +52,7 @@ QString MenuCaption(const TDayRecord &aZaznam)
 // --- construction --------------------------------------------------------------
 
 TDiarPanel::TDiarPanel(QWidget *AOwner)
-    : TWinControl<QFrame>(AOwner), d(std::make_unique<TDiarPanelPrivate>())
+    : TWinControl<QFrame>(AOwner), d(std::make_unique<TDiarPanelPrivate>(this))
 {
     setMinimumSize(120, 80);
 
@@ -70,13 +70,14 @@ TDiarPanel::TDiarPanel(QWidget *AOwner)
     d->fMonthGridMenu->setObjectName(QStringLiteral("MonthGridMenu"));
 
     connect(&d->model, &TDiarModel::periodChanged, this,
-            [this](bool aMonthChanged) { ShowPeriod(aMonthChanged); });
-    connect(&d->model, &TDiarModel::monthChanged, this, [this] { ShowNewMonth(); });
-    connect(&d->model, &TDiarModel::entryAdded, this,
-            [this](const TDayRecord &aZaznam, double aDatum) { ShowEntryAdded(aZaznam, aDatum); });
+            [this](bool aMonthChanged) { d->ShowPeriod(aMonthChanged); });
+    connect(&d->model, &TDiarModel::monthChanged, this, [this] { d->ShowNewMonth(); });
+    connect(
+        &d->model, &TDiarModel::entryAdded, this,
+        [this](const TDayRecord &aZaznam, double aDatum) { d->ShowEntryAdded(aZaznam, aDatum); });
     connect(&d->model, &TDiarModel::entryRemoved, this,
-            [this](qint32 aID, double aDatum) { ShowEntryRemoved(aID, aDatum); });
-    connect(&d->model, &TDiarModel::entriesReset, this, [this] { RefreshBoxes(); });
+            [this](qint32 aID, double aDatum) { d->ShowEntryRemoved(aID, aDatum); });
+    connect(&d->model, &TDiarModel::entriesReset, this, [this] { d->RefreshBoxes(); });
     // Queued: the month grid takes its new row heights from the same signal.
     connect(
         TGeometryScale::Instance(), &TGeometryScale::factorChanged, this,
@@ -99,7 +100,7 @@ TDiarPanel::~TDiarPanel()
     }
     // The grid is freed with the children too, when the model has gone.
     if (d->FMonthGrid)
-        UnhookMonthGrid(d->FMonthGrid);
+        d->UnhookMonthGrid(d->FMonthGrid);
 }
 
 // --- accessors -----------------------------------------------------------------
@@ -192,41 +193,42 @@ QAction *TDiarPanel::MenuItemPacient() const
     return d->fMenuItemPacient;
 }
 
-TDayGroupBox *TDiarPanel::CreateDayGroupBox()
+TDayGroupBox *TDiarPanelPrivate::CreateDayGroupBox()
 {
-    auto *box = new TDayGroupBox(this);
+    auto *box = new TDayGroupBox(q);
     TDayListView *list = box->DayListView();
     box->OnSelectDayItem = [this, box](QObject *, int) { SelectBoxDay(box); };
     box->OnDoubleClickDayItem = [this](QObject *Sender, const TDayRecord &aZaznam) {
-        DoubleClickDayEvent(Sender, aZaznam);
+        q->DoubleClickDayEvent(Sender, aZaznam);
     };
-    box->installEventFilter(this);
-    list->installEventFilter(this);
-    list->viewport()->installEventFilter(this);
-    d->fListFocusPolicy = list->focusPolicy();
+    box->installEventFilter(q);
+    list->installEventFilter(q);
+    list->viewport()->installEventFilter(q);
+    fListFocusPolicy = list->focusPolicy();
 
     list->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(list, &QWidget::customContextMenuRequested, this,
-            [this, box](const QPoint &pos) { ShowEntryMenu(box, pos); });
-    connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            [this, list](const QItemSelection &selected, const QItemSelection &deselected) {
-                ListSelectionChanged(list, selected, deselected);
-            });
+    QObject::connect(list, &QWidget::customContextMenuRequested, q,
+                     [this, box](const QPoint &pos) { ShowEntryMenu(box, pos); });
+    QObject::connect(
+        list->selectionModel(), &QItemSelectionModel::selectionChanged, q,
+        [this, list](const QItemSelection &selected, const QItemSelection &deselected) {
+            ListSelectionChanged(list, selected, deselected);
+        });
 
     list->OnStartDrag = [this](QObject *, TTextDragObject &DragObject, bool &Allow) {
-        Allow = !d->FReadOnly && TDayListView::ItemRecord(DragObject.DataItem);
+        Allow = !FReadOnly && TDayListView::ItemRecord(DragObject.DataItem);
     };
     list->OnDragOver = [this, box](QObject *, QObject *, const QPoint &, bool &Accept) {
         Accept = CanDropOn(box);
     };
     list->OnDragDrop = [this, box](QObject *, QObject *, const QPoint &) { DropOn(box); };
-    d->fBoxPool.append(box);
+    fBoxPool.append(box);
     return box;
 }
 
 // --- the shown period ----------------------------------------------------------
 
-int TDiarPanel::BoxCountFor(TDiarSize aSize) const
+int TDiarPanelPrivate::BoxCountFor(TDiarSize aSize) const
 {
     switch (aSize) {
     case dsWorkWeek:
@@ -247,7 +249,7 @@ void TDiarPanel::SetDiarSize(TDiarSize Value)
     d->model.SetDiarSize(Value);
     GenerujBunky();
     if (Value == dsMonth) {
-        EnsureMonthGrid();
+        d->EnsureMonthGrid();
         d->FMonthGrid->show();
     } else if (d->FMonthGrid) {
         d->FMonthGrid->hide();
@@ -279,20 +281,20 @@ void TDiarPanel::GotoDate(int aDay, qint16 aMonthYear)
 
 // The model moved: the boxes show the new period; the month grid follows
 // through its own connections.
-void TDiarPanel::ShowPeriod(bool aMonthChanged)
+void TDiarPanelPrivate::ShowPeriod(bool aMonthChanged)
 {
     if (aMonthChanged)
-        d->fBoxesStale = true;
-    InitDays();
+        fBoxesStale = true;
+    q->InitDays();
 }
 
 // Reported once every view shows the new month: the host loads its entries.
-void TDiarPanel::ShowNewMonth()
+void TDiarPanelPrivate::ShowNewMonth()
 {
     // Months differ in length, and so does the month grid.
-    if (d->model.DiarSize() == dsMonth)
-        RearangeDays();
-    Q_EMIT monthYearChanged(d->model.MonthYear().Packed());
+    if (model.DiarSize() == dsMonth)
+        q->RearangeDays();
+    Q_EMIT q->monthYearChanged(model.MonthYear().Packed());
 }
 
 void TDiarPanel::GotoMonth(int aMonth, int aYear)
@@ -347,9 +349,9 @@ TDayListView *TDiarPanel::DayListView() const
 
 void TDiarPanel::GenerujBunky()
 {
-    const int count = BoxCountFor(d->model.DiarSize());
+    const int count = d->BoxCountFor(d->model.DiarSize());
     while (d->fBoxPool.size() < count)
-        CreateDayGroupBox();
+        d->CreateDayGroupBox();
     d->FDayGroupBoxArray = d->fBoxPool.mid(0, count);
     // Boxes the view does not need wait hidden and empty for another view.
     for (int i = 0; i < d->fBoxPool.size(); ++i) {
@@ -364,29 +366,29 @@ void TDiarPanel::GenerujBunky()
     d->fBoxesStale = true;
 }
 
-TDate TDiarPanel::FirstShownDate() const
+TDate TDiarPanelPrivate::FirstShownDate() const
 {
-    switch (d->model.DiarSize()) {
+    switch (model.DiarSize()) {
     case dsWorkWeek:
     case dsWeek:
-        return d->model.VisibleDateMin() + 1; // the Monday
+        return model.VisibleDateMin() + 1; // the Monday
     case dsDay:
     case dsMonth:
         break;
     }
-    return d->model.SelectedDay();
+    return model.SelectedDay();
 }
 
 void TDiarPanel::InitDays()
 {
-    const TDate first = FirstShownDate();
+    const TDate first = d->FirstShownDate();
     for (int i = 0; i < d->FDayGroupBoxArray.size(); ++i) {
         const TDate datum = first + i;
         if (d->fBoxesStale || !SameDate(d->FDayGroupBoxArray.at(i)->Date(), datum))
             SetDayGroupBox(i, datum);
     }
     d->fBoxesStale = false;
-    UpdateActiveBox();
+    d->UpdateActiveBox();
 }
 
 void TDiarPanel::SetDayGroupBox(int Index, TDate aDatum)
@@ -395,22 +397,22 @@ void TDiarPanel::SetDayGroupBox(int Index, TDate aDatum)
     if (!box)
         throw EInvalidOperation(QStringLiteral("Den %1 panel nezobrazuje").arg(Index));
     box->SetDate(DateOf(aDatum));
-    FillBox(box);
+    d->FillBox(box);
     box->SetActive(SameDate(aDatum, d->model.SelectedDay()));
 }
 
-void TDiarPanel::UpdateActiveBox()
+void TDiarPanelPrivate::UpdateActiveBox()
 {
-    for (TDayGroupBox *box : std::as_const(d->FDayGroupBoxArray)) {
-        const bool active = SameDate(box->Date(), d->model.SelectedDay());
+    for (TDayGroupBox *box : std::as_const(FDayGroupBoxArray)) {
+        const bool active = SameDate(box->Date(), model.SelectedDay());
         if (box->Active() != active)
             box->SetActive(active);
     }
     KeepOneSelection();
-    TDayListView *list = DayListView();
-    if (list != d->fReportedList) {
-        d->fReportedList = list;
-        Q_EMIT dayListViewChanged(list);
+    TDayListView *list = q->DayListView();
+    if (list != fReportedList) {
+        fReportedList = list;
+        Q_EMIT q->dayListViewChanged(list);
     }
 }
 
@@ -418,12 +420,12 @@ void TDiarPanel::UpdateActiveBox()
 // entry, only that list is a tab stop, and a focus on another day list moves
 // to it. The keys reach the focused list and the menu asks the active one,
 // so every command acts on the entry the user sees selected.
-void TDiarPanel::KeepOneSelection()
+void TDiarPanelPrivate::KeepOneSelection()
 {
-    TDayListView *active = DayListView();
-    for (TDayGroupBox *box : std::as_const(d->fBoxPool)) {
+    TDayListView *active = q->DayListView();
+    for (TDayGroupBox *box : std::as_const(fBoxPool)) {
         TDayListView *list = box->DayListView();
-        list->setFocusPolicy(list == active ? d->fListFocusPolicy : Qt::ClickFocus);
+        list->setFocusPolicy(list == active ? fListFocusPolicy : Qt::ClickFocus);
         if (list == active)
             continue;
         // The host hears of the deselection: its detail must not keep it.
@@ -437,15 +439,15 @@ void TDiarPanel::KeepOneSelection()
 
 // A day list took the focus (a click, or the host's setFocus): its day
 // becomes the selected one.
-void TDiarPanel::ListFocused(TDayListView *aList, Qt::FocusReason aReason)
+void TDiarPanelPrivate::ListFocused(TDayListView *aList, Qt::FocusReason aReason)
 {
     TDayGroupBox *box = aList->DayGroupBox();
-    if (!box || box->Active() || !d->FDayGroupBoxArray.contains(box))
+    if (!box || box->Active() || !FDayGroupBoxArray.contains(box))
         return;
-    GotoDate(box->Date());
+    q->GotoDate(box->Date());
     // A click reports its day when the button is released.
     if (aReason != Qt::MouseFocusReason)
-        FireDayClick(d->model.SelectedDay());
+        FireDayClick(model.SelectedDay());
 }
 
 void TDiarPanel::RearangeDays()
@@ -454,7 +456,7 @@ void TDiarPanel::RearangeDays()
         return;
     QRect area = contentsRect();
     if (d->model.DiarSize() == dsMonth && d->FMonthGrid) {
-        int gridHeight = MonthGridHeight();
+        int gridHeight = d->MonthGridHeight();
         const int minBoxHeight = ScalePixels(MinBoxHeight);
         if (area.height() - gridHeight < minBoxHeight)
             gridHeight = std::max(area.height() * 2 / 3, area.height() - minBoxHeight);
@@ -472,13 +474,13 @@ void TDiarPanel::RearangeDays()
 }
 
 // The height that shows every day of the month without a vertical scroll bar.
-int TDiarPanel::MonthGridHeight() const
+int TDiarPanelPrivate::MonthGridHeight() const
 {
-    const int line = d->FMonthGrid->GridLineWidth();
-    int height = 2 * d->FMonthGrid->frameWidth() +
-        style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, d->FMonthGrid);
-    for (int row = 0; row < d->FMonthGrid->RowCount(); ++row)
-        height += d->FMonthGrid->RowHeights(row) + line;
+    const int line = FMonthGrid->GridLineWidth();
+    int height = 2 * FMonthGrid->frameWidth() +
+        q->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, FMonthGrid);
+    for (int row = 0; row < FMonthGrid->RowCount(); ++row)
+        height += FMonthGrid->RowHeights(row) + line;
     return height;
 }
 
@@ -490,17 +492,17 @@ void TDiarPanel::resizeEvent(QResizeEvent *event)
 
 // --- the store -----------------------------------------------------------------
 
-void TDiarPanel::FillBox(TDayGroupBox *aBox)
+void TDiarPanelPrivate::FillBox(TDayGroupBox *aBox)
 {
     TDayListView *list = aBox->DayListView();
     const TDayRecord *selected = list->SelectedRecord();
     const qint32 selectedID = selected ? selected->ID_DIAR : -1;
-    ++d->fSilentSelection;
+    ++fSilentSelection;
     list->setUpdatesEnabled(false);
     list->Clear();
-    if (!d->model.IsUpdating()) {
+    if (!model.IsUpdating()) {
         for (const TDayRecord &zaznam :
-             d->model.Records().GetDayRecordArray(d->model.SlotOfDate(aBox->Date()), false))
+             model.Records().GetDayRecordArray(model.SlotOfDate(aBox->Date()), false))
             list->AddItem(zaznam);
         if (selectedID >= 0) {
             if (QTreeWidgetItem *item = list->topLevelItem(list->VratIndexPrvku(selectedID)))
@@ -508,45 +510,45 @@ void TDiarPanel::FillBox(TDayGroupBox *aBox)
         }
     }
     list->setUpdatesEnabled(true);
-    --d->fSilentSelection;
+    --fSilentSelection;
 }
 
-void TDiarPanel::RefreshBoxes()
+void TDiarPanelPrivate::RefreshBoxes()
 {
-    for (TDayGroupBox *box : std::as_const(d->FDayGroupBoxArray))
+    for (TDayGroupBox *box : std::as_const(FDayGroupBoxArray))
         FillBox(box);
     UpdateActiveBox();
 }
 
-void TDiarPanel::ShowRecordChange(TDate aDatum)
+void TDiarPanelPrivate::ShowRecordChange(TDate aDatum)
 {
-    if (!d->model.MonthYear().Contains(aDatum))
+    if (!model.MonthYear().Contains(aDatum))
         return;
-    if (!MonthGridShowing()) {
-        d->fMonthGridDirty = true;
+    if (!q->MonthGridShowing()) {
+        fMonthGridDirty = true;
         return;
     }
     int year = 0, month = 0, day = 0;
     DecodeDate(aDatum, year, month, day);
-    d->FMonthGrid->InitVykreslovani(day);
-    d->FMonthGrid->InvalidateRow(day);
+    FMonthGrid->InitVykreslovani(day);
+    FMonthGrid->InvalidateRow(day);
 }
 
-void TDiarPanel::ShowEntryAdded(const TDayRecord &aZaznam, TDate aDatum)
+void TDiarPanelPrivate::ShowEntryAdded(const TDayRecord &aZaznam, TDate aDatum)
 {
-    if (TDayGroupBox *box = GetDayGroupBox(aDatum)) {
-        ++d->fSilentSelection;
+    if (TDayGroupBox *box = q->GetDayGroupBox(aDatum)) {
+        ++fSilentSelection;
         box->DayListView()->AddItem(aZaznam);
-        --d->fSilentSelection;
+        --fSilentSelection;
     }
 }
 
-void TDiarPanel::ShowEntryRemoved(qint32 aID, TDate aDatum)
+void TDiarPanelPrivate::ShowEntryRemoved(qint32 aID, TDate aDatum)
 {
-    if (TDayGroupBox *box = GetDayGroupBox(aDatum)) {
-        ++d->fSilentSelection;
+    if (TDayGroupBox *box = q->GetDayGroupBox(aDatum)) {
+        ++fSilentSelection;
         box->DayListView()->RemoveItem(aID);
-        --d->fSilentSelection;
+        --fSilentSelection;
     }
 }
 
@@ -611,7 +613,7 @@ bool TDiarPanel::SelectItem(qint32 aID)
     list->setCurrentItem(item);
     --d->fSilentSelection;
     // The active box may have changed without the period moving.
-    UpdateActiveBox();
+    d->UpdateActiveBox();
     return true;
 }
 
@@ -645,9 +647,9 @@ void TDiarPanel::SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni)
     if (dilek != d->fDilekMinut) {
         d->fDilekMinut = dilek;
         // The grid's columns are fixed by its slot length: a new grid.
-        DiscardMonthGrid();
+        d->DiscardMonthGrid();
         if (d->model.DiarSize() == dsMonth) {
-            EnsureMonthGrid();
+            d->EnsureMonthGrid();
             d->FMonthGrid->show();
             RearangeDays();
         }
@@ -655,7 +657,7 @@ void TDiarPanel::SetDiarNastaveni(const TDiarNastaveni &aDiarNastaveni)
     if (d->FMonthGrid) {
         d->FMonthGrid->SetDiarNastaveni(d->FDiarNastaveni);
         d->fMonthGridDirty = true;
-        SyncMonthGrid();
+        d->SyncMonthGrid();
     }
 }
 
@@ -666,50 +668,50 @@ TMonthGrid *TDiarPanel::MonthGrid() const
     return d->FMonthGrid;
 }
 
-void TDiarPanel::EnsureMonthGrid()
+void TDiarPanelPrivate::EnsureMonthGrid()
 {
-    if (d->FMonthGrid)
+    if (FMonthGrid)
         return;
-    auto *grid = new TMonthGrid(this, d->fDilekMinut);
-    d->FMonthGrid = grid;
+    auto *grid = new TMonthGrid(q, fDilekMinut);
+    FMonthGrid = grid;
     grid->setObjectName(QStringLiteral("MonthGrid"));
-    grid->SetDiarNastaveni(d->FDiarNastaveni);
-    grid->SetZaznamy(&d->model.Records());
+    grid->SetDiarNastaveni(FDiarNastaveni);
+    grid->SetZaznamy(&model.Records());
     grid->OnSelectCell = [this](QObject *Sender, int ACol, int ARow, bool &CanSelect) {
-        OnMonthGridSelectCell(Sender, ACol, ARow, CanSelect);
+        q->OnMonthGridSelectCell(Sender, ACol, ARow, CanSelect);
     };
     grid->OnClick = [this](QObject *Sender) {
-        if (Sender == d->FMonthGrid)
-            FireDayClick(d->model.SelectedDay());
+        if (Sender == FMonthGrid)
+            FireDayClick(model.SelectedDay());
     };
-    grid->OnDblClick = [this](QObject *Sender) { OnMonthGridDblClick(Sender); };
+    grid->OnDblClick = [this](QObject *Sender) { q->OnMonthGridDblClick(Sender); };
     grid->OnKeyDown = [this](QObject *Sender, Word &Key, TShiftState Shift) {
-        OnMonthGridKeyDown(Sender, Key, Shift);
+        q->OnMonthGridKeyDown(Sender, Key, Shift);
     };
     // The grid observes the model on its own; these end with the grid.
-    connect(&d->model, &TDiarModel::periodChanged, grid, [this](bool aMonthChanged) {
+    QObject::connect(&model, &TDiarModel::periodChanged, grid, [this](bool aMonthChanged) {
         if (aMonthChanged)
-            d->fMonthGridDirty = true;
+            fMonthGridDirty = true;
         SyncMonthGrid();
     });
-    connect(&d->model, &TDiarModel::entryAdded, grid,
-            [this](const TDayRecord &, double aDatum) { ShowRecordChange(aDatum); });
-    connect(&d->model, &TDiarModel::entryRemoved, grid,
-            [this](qint32, double aDatum) { ShowRecordChange(aDatum); });
-    connect(&d->model, &TDiarModel::entriesReset, grid, [this] {
-        d->fMonthGridDirty = true;
+    QObject::connect(&model, &TDiarModel::entryAdded, grid,
+                     [this](const TDayRecord &, double aDatum) { ShowRecordChange(aDatum); });
+    QObject::connect(&model, &TDiarModel::entryRemoved, grid,
+                     [this](qint32, double aDatum) { ShowRecordChange(aDatum); });
+    QObject::connect(&model, &TDiarModel::entriesReset, grid, [this] {
+        fMonthGridDirty = true;
         SyncMonthGrid();
     });
-    d->fMonthGridDirty = true;
+    fMonthGridDirty = true;
     SyncMonthGrid();
 }
 
-void TDiarPanel::DiscardMonthGrid()
+void TDiarPanelPrivate::DiscardMonthGrid()
 {
-    if (!d->FMonthGrid)
+    if (!FMonthGrid)
         return;
-    TMonthGrid *grid = d->FMonthGrid;
-    d->FMonthGrid = nullptr;
+    TMonthGrid *grid = FMonthGrid;
+    FMonthGrid = nullptr;
     grid->hide();
     UnhookMonthGrid(grid);
     // It may be the grid whose handler got here.
@@ -717,9 +719,9 @@ void TDiarPanel::DiscardMonthGrid()
 }
 
 // Cuts the grid off the panel and its model.
-void TDiarPanel::UnhookMonthGrid(TMonthGrid *aGrid)
+void TDiarPanelPrivate::UnhookMonthGrid(TMonthGrid *aGrid)
 {
-    d->model.disconnect(aGrid);
+    model.disconnect(aGrid);
     aGrid->SetZaznamy(nullptr);
     aGrid->OnSelectCell = nullptr;
     aGrid->OnClick = nullptr;
@@ -729,16 +731,16 @@ void TDiarPanel::UnhookMonthGrid(TMonthGrid *aGrid)
 
 // Brings the grid to the selected day and, when the store changed, rebuilds
 // its cells. A grid that is not shown waits until it is.
-void TDiarPanel::SyncMonthGrid()
+void TDiarPanelPrivate::SyncMonthGrid()
 {
-    if (!d->FMonthGrid || d->model.DiarSize() != dsMonth)
+    if (!FMonthGrid || model.DiarSize() != dsMonth)
         return;
     // A date the grid already shows (its own row) changes nothing.
-    d->FMonthGrid->SetDatum(d->model.SelectedDay());
-    if (d->fMonthGridDirty && !d->model.IsUpdating()) {
-        d->fMonthGridDirty = false;
-        d->FMonthGrid->Init();
-        d->FMonthGrid->InvalidateGrid();
+    FMonthGrid->SetDatum(model.SelectedDay());
+    if (fMonthGridDirty && !model.IsUpdating()) {
+        fMonthGridDirty = false;
+        FMonthGrid->Init();
+        FMonthGrid->InvalidateGrid();
     }
 }
 
@@ -807,7 +809,7 @@ void TDiarPanel::OnMonthGridDblClick(QObject *Sender)
         return;
     }
     if (zaznamy.size() == 1) {
-        OpenEntry(d->FMonthGrid, zaznamy.front());
+        d->OpenEntry(d->FMonthGrid, zaznamy.front());
         return;
     }
     int number = 0;
@@ -820,7 +822,7 @@ void TDiarPanel::OnMonthGridDblClick(QObject *Sender)
             // The entry as it is stored now; one deleted meanwhile opens nothing.
             if (PDayRecord stored = d->model.Find(id)) {
                 const TDayRecord copy = *stored;
-                OpenEntry(d->FMonthGrid, copy);
+                d->OpenEntry(d->FMonthGrid, copy);
             }
         });
     }
@@ -840,18 +842,18 @@ void TDiarPanel::OnMonthGridKeyDown(QObject *Sender, Word &Key, TShiftState Shif
 
 // --- events of the day boxes ---------------------------------------------------
 
-void TDiarPanel::FireDayClick(TDate aDate)
+void TDiarPanelPrivate::FireDayClick(TDate aDate)
 {
-    if (OnDayClick)
-        Safely([this, aDate] { OnDayClick(this, aDate); });
+    if (q->OnDayClick)
+        q->Safely([this, aDate] { q->OnDayClick(q, aDate); });
 }
 
-void TDiarPanel::SelectBoxDay(TDayGroupBox *aBox)
+void TDiarPanelPrivate::SelectBoxDay(TDayGroupBox *aBox)
 {
-    if (!d->FDayGroupBoxArray.contains(aBox))
+    if (!FDayGroupBoxArray.contains(aBox))
         return;
-    GotoDate(aBox->Date());
-    FireDayClick(d->model.SelectedDay());
+    q->GotoDate(aBox->Date());
+    FireDayClick(model.SelectedDay());
 }
 
 void TDiarPanel::DayDeleteEvent(QObject *Sender, PDayRecord aData, bool &AllowDelete)
@@ -872,34 +874,34 @@ void TDiarPanel::DoubleClickDayEvent(QObject *Sender, const TDayRecord &aZaznam)
     // The box opens its selected entry; below the entries the user meant the day.
     if (!d->fDblClickOnItem)
         return;
-    OpenEntry(Sender, aZaznam);
+    d->OpenEntry(Sender, aZaznam);
 }
 
-void TDiarPanel::OpenEntry(QObject *Sender, const TDayRecord &aZaznam)
+void TDiarPanelPrivate::OpenEntry(QObject *Sender, const TDayRecord &aZaznam)
 {
-    if (d->FReadOnly)
+    if (FReadOnly)
         return;
-    if (OnDoubleClickItemEvent) {
-        Safely([&] { OnDoubleClickItemEvent(Sender, aZaznam); });
-    } else if (d->FDiarNastaveni.dblklikSchuzkaChangePac &&
-               aZaznam.TABULKA_REFERENCE == zkPacient && OnChangePacient) {
-        Safely([&] { OnChangePacient(this, aZaznam); });
-    } else if (OnDayEditEvent) {
-        Safely([&] { OnDayEditEvent(this, aZaznam); });
+    if (q->OnDoubleClickItemEvent) {
+        q->Safely([&] { q->OnDoubleClickItemEvent(Sender, aZaznam); });
+    } else if (FDiarNastaveni.dblklikSchuzkaChangePac && aZaznam.TABULKA_REFERENCE == zkPacient &&
+               q->OnChangePacient) {
+        q->Safely([&] { q->OnChangePacient(q, aZaznam); });
+    } else if (q->OnDayEditEvent) {
+        q->Safely([&] { q->OnDayEditEvent(q, aZaznam); });
     }
 }
 
-void TDiarPanel::ListSelectionChanged(TDayListView *aList, const QItemSelection &aSelected,
-                                      const QItemSelection &aDeselected)
+void TDiarPanelPrivate::ListSelectionChanged(TDayListView *aList, const QItemSelection &aSelected,
+                                             const QItemSelection &aDeselected)
 {
-    if (d->fSilentSelection || !OnDaySelectItemEvent)
+    if (fSilentSelection || !q->OnDaySelectItemEvent)
         return;
     const auto report = [this, aList](const QItemSelection &selection, bool selected) {
         for (const QModelIndex &index : selection.indexes()) {
             if (index.column() != 0)
                 continue;
             if (QTreeWidgetItem *item = aList->topLevelItem(index.row()))
-                Safely([&] { OnDaySelectItemEvent(aList, item, selected); });
+                q->Safely([&] { q->OnDaySelectItemEvent(aList, item, selected); });
         }
     };
     report(aDeselected, false);
@@ -911,9 +913,9 @@ void TDiarPanel::ListSelectionChanged(TDayListView *aList, const QItemSelection 
 // The days an arrow key moves: Left and Right by a day, Up and Down by a
 // week in the week views (the days stand side by side) and by a day in the
 // day and month views (the month grid has a row per day). 0 for other keys.
-int TDiarPanel::DayStep(Word Key) const
+int TDiarPanelPrivate::DayStep(Word Key) const
 {
-    const bool weekView = d->model.DiarSize() == dsWorkWeek || d->model.DiarSize() == dsWeek;
+    const bool weekView = model.DiarSize() == dsWorkWeek || model.DiarSize() == dsWeek;
     switch (Key) {
     case VK_LEFT:
         return -1;
@@ -929,10 +931,10 @@ int TDiarPanel::DayStep(Word Key) const
 }
 
 // The day aStep days from aFrom; the work week steps over the weekend.
-TDate TDiarPanel::StepDate(TDate aFrom, int aStep) const
+TDate TDiarPanelPrivate::StepDate(TDate aFrom, int aStep) const
 {
     TDate datum = DateOf(aFrom) + aStep;
-    if (d->model.DiarSize() == dsWorkWeek && IsWeekend(datum)) {
+    if (model.DiarSize() == dsWorkWeek && IsWeekend(datum)) {
         const int dow = DayOfTheWeek(datum);
         datum = aStep > 0 ? datum + (8 - dow) : datum - (dow - 5);
     }
@@ -954,36 +956,36 @@ void TDiarPanel::OnDayMove(QObject *Sender, Word &Key, TShiftState Shift)
         Key = 0;
         if (const TDayRecord *selected = box->DayListView()->SelectedRecord()) {
             const TDayRecord zaznam = *selected;
-            OpenEntry(box, zaznam);
+            d->OpenEntry(box, zaznam);
         }
         return;
     }
-    const int step = DayStep(Key);
+    const int step = d->DayStep(Key);
     if (step == 0 || Shift.testFlag(ssShift) || Shift.testFlag(ssAlt))
         return;
     Key = 0;
     if (Shift.testFlag(ssCtrl)) {
         if (box)
-            MoveEntryByKey(box, step);
+            d->MoveEntryByKey(box, step);
         return;
     }
-    GotoDate(StepDate(from, step));
-    FireDayClick(d->model.SelectedDay());
-    FocusActiveList();
+    GotoDate(d->StepDate(from, step));
+    d->FireDayClick(d->model.SelectedDay());
+    d->FocusActiveList();
 }
 
 // Only a focus on a day list moves: one on the month grid stays there.
-void TDiarPanel::FocusActiveList()
+void TDiarPanelPrivate::FocusActiveList()
 {
-    TDayListView *list = DayListView();
-    auto *focused = qobject_cast<TDayListView *>(window()->focusWidget());
-    if (list && focused && focused != list && d->fBoxPool.contains(focused->DayGroupBox()))
+    TDayListView *list = q->DayListView();
+    auto *focused = qobject_cast<TDayListView *>(q->window()->focusWidget());
+    if (list && focused && focused != list && fBoxPool.contains(focused->DayGroupBox()))
         list->setFocus(Qt::OtherFocusReason);
 }
 
 // --- moving entries ------------------------------------------------------------
 
-bool TDiarPanel::MoveEntry(const TDayRecord &aZaznam, TDate aTarget, bool aByDrag)
+bool TDiarPanelPrivate::MoveEntry(const TDayRecord &aZaznam, TDate aTarget, bool aByDrag)
 {
     int year = 0, month = 0, day = 0;
     DecodeDate(aTarget, year, month, day);
@@ -992,65 +994,65 @@ bool TDiarPanel::MoveEntry(const TDayRecord &aZaznam, TDate aTarget, bool aByDra
     nove.RokMesic = TMesicRok::FromDate(aTarget).Packed();
 
     bool allow = true;
-    if (OnDayItemBeforeMoveEvent)
-        Safely([&] { OnDayItemBeforeMoveEvent(this, aZaznam, nove, allow); }, allow);
+    if (q->OnDayItemBeforeMoveEvent)
+        q->Safely([&] { q->OnDayItemBeforeMoveEvent(q, aZaznam, nove, allow); }, allow);
     if (!allow)
         return false;
-    RemoveDayRecord(aZaznam);
-    AddDayRecord(nove);
-    const TOnDayMoveEvent &told = aByDrag ? OnDayItemMoveEvent : OnDayMoveEvent;
+    q->RemoveDayRecord(aZaznam);
+    q->AddDayRecord(nove);
+    const TOnDayMoveEvent &told = aByDrag ? q->OnDayItemMoveEvent : q->OnDayMoveEvent;
     if (told)
-        Safely([&] { told(this, aZaznam, nove); });
+        q->Safely([&] { told(q, aZaznam, nove); });
     return true;
 }
 
-void TDiarPanel::MoveEntryByKey(TDayGroupBox *aBox, int aStep)
+void TDiarPanelPrivate::MoveEntryByKey(TDayGroupBox *aBox, int aStep)
 {
     const TDayRecord *selected = aBox->DayListView()->SelectedRecord();
-    if (d->FReadOnly || !selected)
+    if (FReadOnly || !selected)
         return;
     const TDayRecord zaznam = *selected;
     const TDate target = StepDate(aBox->Date(), aStep);
     if (!MoveEntry(zaznam, target, false))
         return;
     // The entry stays under the cursor: its new day becomes the selected one.
-    GotoDate(target);
-    SelectItem(zaznam.ID_DIAR);
-    FireDayClick(d->model.SelectedDay());
+    q->GotoDate(target);
+    q->SelectItem(zaznam.ID_DIAR);
+    FireDayClick(model.SelectedDay());
     FocusActiveList();
 }
 
-bool TDiarPanel::CanDropOn(TDayGroupBox *aBox) const
+bool TDiarPanelPrivate::CanDropOn(TDayGroupBox *aBox)
 {
-    if (d->FReadOnly || !d->fDragID || !d->FDayGroupBoxArray.contains(aBox))
+    if (FReadOnly || !fDragID || !FDayGroupBoxArray.contains(aBox))
         return false;
-    PDayRecord zaznam = d->model.Find(*d->fDragID);
+    PDayRecord zaznam = model.Find(*fDragID);
     return zaznam && !SameDate(TDiarModel::RecordDate(*zaznam), aBox->Date());
 }
 
-void TDiarPanel::DropOn(TDayGroupBox *aBox)
+void TDiarPanelPrivate::DropOn(TDayGroupBox *aBox)
 {
     if (!CanDropOn(aBox))
         return;
-    const TDayRecord zaznam = *d->model.Find(*d->fDragID);
-    d->fDragID.reset();
+    const TDayRecord zaznam = *model.Find(*fDragID);
+    fDragID.reset();
     const TDate target = aBox->Date();
     if (!MoveEntry(zaznam, target, true))
         return;
-    GotoDate(target);
-    SelectItem(zaznam.ID_DIAR);
-    FireDayClick(d->model.SelectedDay());
+    q->GotoDate(target);
+    q->SelectItem(zaznam.ID_DIAR);
+    FireDayClick(model.SelectedDay());
 }
 
 // --- popup menu ----------------------------------------------------------------
 
-void TDiarPanel::ShowEntryMenu(TDayGroupBox *aBox, const QPoint &aViewportPos)
+void TDiarPanelPrivate::ShowEntryMenu(TDayGroupBox *aBox, const QPoint &aViewportPos)
 {
-    if (!d->FDayGroupBoxArray.contains(aBox))
+    if (!FDayGroupBoxArray.contains(aBox))
         return;
     if (!aBox->Active())
         SelectBoxDay(aBox);
-    d->fPopUpMenu->popup(aBox->DayListView()->viewport()->mapToGlobal(aViewportPos));
+    fPopUpMenu->popup(aBox->DayListView()->viewport()->mapToGlobal(aViewportPos));
 }
 
 void TDiarPanel::fPopUpMenuOnPopUp()
@@ -1082,25 +1084,25 @@ void TDiarPanel::MenuItemEventPacient()
 
 // Wheel down selects the next day up to the last day shown, wheel up the
 // previous one down to the first day of the month.
-void TDiarPanel::MoveSelectionByWheel(int aSteps)
+void TDiarPanelPrivate::MoveSelectionByWheel(int aSteps)
 {
     bool moved = false;
     for (; aSteps != 0; aSteps += aSteps > 0 ? -1 : 1) {
         TDate target = 0;
         if (aSteps > 0) {
-            if (WholeDays(d->model.SelectedDay()) >= WholeDays(d->model.VisibleDateMax()))
+            if (WholeDays(model.SelectedDay()) >= WholeDays(model.VisibleDateMax()))
                 break;
-            target = StepDate(d->model.SelectedDay(), 1);
+            target = StepDate(model.SelectedDay(), 1);
         } else {
-            target = StepDate(d->model.SelectedDay(), -1);
-            if (d->model.Day() == 1 || !d->model.MonthYear().Contains(target))
+            target = StepDate(model.SelectedDay(), -1);
+            if (model.Day() == 1 || !model.MonthYear().Contains(target))
                 break;
         }
-        GotoDate(target);
+        q->GotoDate(target);
         moved = true;
     }
     if (moved)
-        FireDayClick(d->model.SelectedDay());
+        FireDayClick(model.SelectedDay());
 }
 
 void TDiarPanel::wheelEvent(QWheelEvent *event)
@@ -1109,7 +1111,7 @@ void TDiarPanel::wheelEvent(QWheelEvent *event)
     const int steps = d->fWheelDelta / WheelStep;
     d->fWheelDelta -= steps * WheelStep;
     // Rolling the wheel towards the user (a negative delta) goes later.
-    MoveSelectionByWheel(-steps);
+    d->MoveSelectionByWheel(-steps);
     event->accept();
 }
 
@@ -1117,7 +1119,7 @@ bool TDiarPanel::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::FocusIn) {
         if (auto *focused = qobject_cast<TDayListView *>(watched))
-            ListFocused(focused, static_cast<QFocusEvent *>(event)->reason());
+            d->ListFocused(focused, static_cast<QFocusEvent *>(event)->reason());
         return TWinControl<QFrame>::eventFilter(watched, event);
     }
     auto *box = qobject_cast<TDayGroupBox *>(watched);
@@ -1148,7 +1150,7 @@ bool TDiarPanel::eventFilter(QObject *watched, QEvent *event)
         // A click on the box's frame or caption selects its day, as one in
         // its list does.
         if (!list && static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton)
-            SelectBoxDay(box);
+            d->SelectBoxDay(box);
         break;
     case QEvent::MouseButtonDblClick: {
         const auto *mouse = static_cast<QMouseEvent *>(event);

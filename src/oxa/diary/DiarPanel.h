@@ -13,7 +13,6 @@
 #include <memory>
 
 class QAction;
-class QItemSelection;
 class QMenu;
 class QTreeWidgetItem;
 
@@ -231,42 +230,6 @@ protected:
     void OnMonthGridKeyDown(QObject *Sender, Word &Key, TShiftState Shift);
 
 private:
-    TDayGroupBox *CreateDayGroupBox();
-    int BoxCountFor(TDiarSize aSize) const;
-    int MonthGridHeight() const;
-    TDate FirstShownDate() const;
-    void FillBox(TDayGroupBox *aBox);
-    void RefreshBoxes();
-    void UpdateActiveBox();
-    void KeepOneSelection();
-    void ListFocused(TDayListView *aList, Qt::FocusReason aReason);
-    void ShowRecordChange(TDate aDatum);
-    void ShowPeriod(bool aMonthChanged);
-    void ShowNewMonth();
-    void ShowEntryAdded(const TDayRecord &aZaznam, TDate aDatum);
-    void ShowEntryRemoved(qint32 aID, TDate aDatum);
-
-    void SelectBoxDay(TDayGroupBox *aBox);
-    void FireDayClick(TDate aDate);
-    void MoveSelectionByWheel(int aSteps);
-    int DayStep(Word Key) const;
-    TDate StepDate(TDate aFrom, int aStep) const;
-    bool MoveEntry(const TDayRecord &aZaznam, TDate aTarget, bool aByDrag);
-    void MoveEntryByKey(TDayGroupBox *aBox, int aStep);
-    void FocusActiveList();
-
-    void ShowEntryMenu(TDayGroupBox *aBox, const QPoint &aViewportPos);
-    void OpenEntry(QObject *Sender, const TDayRecord &aZaznam);
-    void ListSelectionChanged(TDayListView *aList, const QItemSelection &aSelected,
-                              const QItemSelection &aDeselected);
-    bool CanDropOn(TDayGroupBox *aBox) const;
-    void DropOn(TDayGroupBox *aBox);
-
-    void EnsureMonthGrid();
-    void DiscardMonthGrid();
-    void UnhookMonthGrid(TMonthGrid *aGrid);
-    void SyncMonthGrid();
-
     friend class TDiarPanelPrivate;
     std::unique_ptr<TDiarPanelPrivate> const d;
 };
