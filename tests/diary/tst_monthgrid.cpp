@@ -72,6 +72,8 @@ class TestMonthGrid : public QObject
 
 private Q_SLOTS:
     void easterAgainstIndependentRule();
+    void holidaysOfTheYear_data();
+    void holidaysOfTheYear();
     void holidayCells();
     void layoutAndSelectionTimes_data();
     void layoutAndSelectionTimes();
@@ -97,6 +99,36 @@ void TestMonthGrid::easterAgainstIndependentRule()
         QCOMPARE(NazevSvatku(QDateToDateTime(pondeli.addDays(-3))), QStringLiteral("Velký pátek"));
         QCOMPARE(NazevSvatku(QDateToDateTime(pondeli.addDays(-1))), QString());
     }
+}
+
+// The public holiday rule as hosts call it: every day of a year, the
+// eleven fixed days and the two of Easter, nothing else.
+void TestMonthGrid::holidaysOfTheYear_data()
+{
+    QTest::addColumn<int>("rok");
+    QTest::addColumn<QDate>("patek");
+    QTest::newRow("2026") << 2026 << QDate(2026, 4, 3);
+    QTest::newRow("2027, Easter in March") << 2027 << QDate(2027, 3, 26);
+}
+
+void TestMonthGrid::holidaysOfTheYear()
+{
+    QFETCH(int, rok);
+    QFETCH(QDate, patek);
+    QStringList found;
+    for (QDate day(rok, 1, 1); day.year() == rok; day = day.addDays(1)) {
+        const QString name = NazevSvatku(QDateToDateTime(day));
+        if (!name.isEmpty())
+            found << day.toString(QStringLiteral("d.M. ")) + name;
+    }
+    QCOMPARE(found.size(), 13);
+    QCOMPARE(found.first(), QStringLiteral("1.1. (01.01.) Nový rok"));
+    QVERIFY(
+        found.contains(patek.toString(QStringLiteral("d.M. ")) + QStringLiteral("Velký pátek")));
+    QVERIFY(found.contains(patek.addDays(3).toString(QStringLiteral("d.M. ")) +
+                           QStringLiteral("Velikonoce")));
+    QVERIFY(found.contains(QStringLiteral("17.11. (17.11.) Den boje za svobodu a demokracii")));
+    QCOMPARE(found.last(), QStringLiteral("26.12. (26.12.) 2. svátek vánocní"));
 }
 
 void TestMonthGrid::holidayCells()
