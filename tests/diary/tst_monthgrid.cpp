@@ -101,34 +101,27 @@ void TestMonthGrid::easterAgainstIndependentRule()
     }
 }
 
-// The public holiday rule as hosts call it: every day of a year, the
-// eleven fixed days and the two of Easter, nothing else.
+// The public holiday rule as hosts call it: a year has the eleven fixed
+// days and the two of Easter, nothing else.
 void TestMonthGrid::holidaysOfTheYear_data()
 {
-    QTest::addColumn<int>("rok");
     QTest::addColumn<QDate>("patek");
-    QTest::newRow("2026") << 2026 << QDate(2026, 4, 3);
-    QTest::newRow("2027, Easter in March") << 2027 << QDate(2027, 3, 26);
+    QTest::newRow("2026") << QDate(2026, 4, 3);
+    QTest::newRow("2027, Easter in March") << QDate(2027, 3, 26);
 }
 
 void TestMonthGrid::holidaysOfTheYear()
 {
-    QFETCH(int, rok);
     QFETCH(QDate, patek);
-    QStringList found;
-    for (QDate day(rok, 1, 1); day.year() == rok; day = day.addDays(1)) {
-        const QString name = NazevSvatku(QDateToDateTime(day));
-        if (!name.isEmpty())
-            found << day.toString(QStringLiteral("d.M. ")) + name;
+    QMap<QDate, QString> found;
+    for (QDate day(patek.year(), 1, 1); day.year() == patek.year(); day = day.addDays(1)) {
+        if (const QString name = NazevSvatku(QDateToDateTime(day)); !name.isEmpty())
+            found.insert(day, name);
     }
     QCOMPARE(found.size(), 13);
-    QCOMPARE(found.first(), QStringLiteral("1.1. (01.01.) Nový rok"));
-    QVERIFY(
-        found.contains(patek.toString(QStringLiteral("d.M. ")) + QStringLiteral("Velký pátek")));
-    QVERIFY(found.contains(patek.addDays(3).toString(QStringLiteral("d.M. ")) +
-                           QStringLiteral("Velikonoce")));
-    QVERIFY(found.contains(QStringLiteral("17.11. (17.11.) Den boje za svobodu a demokracii")));
-    QCOMPARE(found.last(), QStringLiteral("26.12. (26.12.) 2. svátek vánocní"));
+    QCOMPARE(found.value(patek), QStringLiteral("Velký pátek"));
+    QCOMPARE(found.value(patek.addDays(3)), QStringLiteral("Velikonoce"));
+    QCOMPARE(found.last(), QStringLiteral("(26.12.) 2. svátek vánocní"));
 }
 
 void TestMonthGrid::holidayCells()
