@@ -77,6 +77,16 @@ QDate StoredDate(const QVariant &value)
     return QDate::fromString(value.toString(), QStringLiteral("d.M.yyyy"));
 }
 
+// The width in which every insurer's name of the code list is shown whole.
+int LongestInsurerName(const QFontMetrics &metrics)
+{
+    int width = 0;
+    QSqlQuery q(QStringLiteral("SELECT nazev FROM pojistovna"), SampleDatabase::Database());
+    while (q.next())
+        width = std::max(width, metrics.horizontalAdvance(q.value(0).toString()));
+    return width + 16; // the frame and the text margins of the edit
+}
+
 // The hidden column of the patient list that holds the patient's key.
 constexpr int IdColumn = 6;
 
@@ -152,6 +162,7 @@ void PatientPage::BuildForm()
     m_pojistovnaNazev->setObjectName(QStringLiteral("editPojistovnaNazev"));
     m_pojistovnaNazev->setReadOnly(true);
     m_pojistovnaNazev->setFocusPolicy(Qt::NoFocus);
+    m_pojistovnaNazev->setMinimumWidth(LongestInsurerName(m_pojistovnaNazev->fontMetrics()));
     m_pojistovna->SetSecondEdit(m_pojistovnaNazev);
     m_pojistovna->OnBtnClick2 = [this](QObject *, QString &code, QString &name) {
         PickInsurer(code, name);

@@ -130,9 +130,11 @@ private Q_SLOTS:
         QTest::keyClick(sex, Qt::Key_Down);
         QTest::keyClick(sex, Qt::Key_Down);
         QCOMPARE(sex->currentText(), QStringLiteral("žena"));
-        Type("editPojistovna", QStringLiteral("111"));
+        Type("editPojistovna", QStringLiteral("211")); // the longest name
         Type("editVaha", QStringLiteral("1,5"));
-        QVERIFY(!Field<QLineEdit>("editPojistovnaNazev")->text().isEmpty());
+        const auto *name = Field<QLineEdit>("editPojistovnaNazev");
+        QVERIFY(!name->text().isEmpty());
+        QVERIFY(name->contentsRect().width() > name->fontMetrics().horizontalAdvance(name->text()));
         QCOMPARE(PressSave(), QStringLiteral("Neuloženo."));
         QCOMPARE(messages.Shown().size(), 1);
         QVERIFY(messages.Texts().first().endsWith(QStringLiteral("Uložit i přesto?")));
