@@ -2,6 +2,8 @@
 
 #include "oxa/diary/DiarPanel.h"
 #include "oxa/diary/EnhancedMonthCalendar.h"
+#include "oxa/diary/MonthGrid.h"
+#include "oxa/toolkit/Color.h"
 #include "oxa/toolkit/MessageService.h"
 
 #include <QButtonGroup>
@@ -15,10 +17,12 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSpinBox>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QTextCharFormat>
 #include <QTimeEdit>
 #include <QVBoxLayout>
 #include <QVariant>
@@ -102,6 +106,9 @@ public:
     {
         setWindowTitle(zaznam.ID_DIAR ? QStringLiteral("Záznam diáře")
                                       : QStringLiteral("Nový záznam"));
+        m_popis->setObjectName(QStringLiteral("editPopis"));
+        m_od->setObjectName(QStringLiteral("timeOd"));
+        m_do->setObjectName(QStringLiteral("timeDo"));
         m_popis->setMaxLength(TShortString<33>::Capacity);
         m_popis->setText(zaznam.Popis);
         m_datum->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
@@ -185,14 +192,16 @@ private:
 
 DiaryPage::DiaryPage(QWidget *parent) : QWidget(parent)
 {
-    setProperty("statusHint",
-                QStringLiteral("Šipky mění den, Ctrl+šipky přesunou vybraný záznam o den "
-                               "nebo týden, Enter jej otevře, Delete smaže."));
+    setProperty(
+        "statusHint",
+        QStringLiteral("Šipky mění den, Ctrl+šipky přesunou vybraný záznam o den "
+                       "nebo týden (Ctrl+Z přesun vrátí), Enter jej otevře, Delete smaže."));
     BuildLayout();
     LoadSettings();
     GoTo(QDate::currentDate());
     LoadEntries();
     WirePanel();
+    MarkHolidays();
 }
 
 void DiaryPage::BuildLayout()
@@ -220,7 +229,19 @@ void DiaryPage::BuildLayout()
         m_panel->setFocus();
     });
     auto *novy = new QPushButton(QStringLiteral("&Nový záznam"), this);
+    novy->setObjectName(QStringLiteral("buttonNovyZaznam"));
     connect(novy, &QPushButton::clicked, this, [this] { NewEntry(m_panel->SelectedDay()); });
+    // Ctrl+arrows move an entry at once, by a day or a week, and are often
+    // pressed a few times in a row; a question at every step would spoil
+    // them, so each move can be taken back instead, the last one first.
+    m_undo = new QPushButton(QStringLiteral("&Vrátit přesun"), this);
+    m_undo->setObjectName(QStringLiteral("buttonVratitPresun"));
+    m_undo->setToolTip(QStringLiteral("Vrátí naposledy přesunutý záznam na jeho den (Ctrl+Z)."));
+    m_undo->setEnabled(false);
+    connect(m_undo, &QPushButton::clicked, this, &DiaryPage::UndoMove);
+    auto *undoKey = new QShortcut(QKeySequence::Undo, this);
+    undoKey->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(undoKey, &QShortcut::activated, this, &DiaryPage::UndoMove);
 
     m_detail = new QLabel(this);
     m_detail->setWordWrap(true);
@@ -240,6 +261,7 @@ void DiaryPage::BuildLayout()
     auto *side = new QVBoxLayout;
     side->addWidget(m_calendar);
     side->addWidget(novy);
+    side->addWidget(m_undo);
     side->addWidget(m_detail, 1);
     side->addWidget(hint);
     auto *main = new QVBoxLayout;
@@ -316,6 +338,7 @@ void DiaryPage::WirePanel()
         if (!m_syncing)
             GoTo(m_calendar->selectedDate());
     });
+    connect(m_calendar, &QCalendarWidget::currentPageChanged, this, &DiaryPage::FollowCalendarPage);
     m_calendar->OnEnhancedGetMonthInfoEvent = [this](QObject *, quint32 month, quint32 year,
                                                      quint32 &bold) {
         bold = BoldDays(int(month), int(year));
@@ -330,9 +353,8 @@ void DiaryPage::WirePanel()
     m_panel->OnDayItemBeforeMoveEvent = [this](QObject *, const TDayRecord &,
                                                const TDayRecord &nove,
                                                bool &allow) { allow = AllowMove(nove); };
-    m_panel->OnDayItemMoveEvent = [this](QObject *, const TDayRecord &, const TDayRecord &nove) {
-        StoreMove(nove);
-    };
+    m_panel->OnDayItemMoveEvent = [this](QObject *, const TDayRecord &stary,
+                                         const TDayRecord &nove) { StoreMove(stary, nove); };
     m_panel->OnDayMoveEvent = m_panel->OnDayItemMoveEvent;
     m_panel->OnChangePacient = [this](QObject *, const TDayRecord &z) {
         m_detail->setText(
@@ -388,6 +410,46 @@ quint32 DiaryPage::BoldDays(int month, int year) const
     return bold;
 }
 
+void DiaryPage::MarkHolidays()
+{
+    const QColor colour = ColorToQColor(m_panel->DiarNastaveni().barvaSvatek, this);
+    const QDate page(m_calendar->yearShown(), m_calendar->monthShown(), 1);
+    // The page shows days of the month before and after as well.
+    for (QDate day = page.addMonths(-1); day < page.addMonths(2); day = day.addDays(1)) {
+        const QString name = NazevSvatku(QDateToDateTime(day));
+        if (name.isEmpty())
+            continue;
+        QTextCharFormat format = m_calendar->dateTextFormat(day);
+        format.setBackground(colour);
+        format.setToolTip(name);
+        m_calendar->setDateTextFormat(day, format);
+    }
+}
+
+// The calendar's month arrows (and its month menu and year) move the diary
+// to the same day of the month shown. A click on a day of the next month
+// changes the page before it selects the day, so the diary follows only
+// once the calendar is done, and only when the page and the diary still
+// differ.
+void DiaryPage::FollowCalendarPage(int, int)
+{
+    MarkHolidays();
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            const QDate selected = DateTimeToQDate(m_panel->SelectedDay());
+            if (m_syncing ||
+                (selected.year() == m_calendar->yearShown() &&
+                 selected.month() == m_calendar->monthShown()))
+                return;
+            m_panel->GotoMonth(m_calendar->monthShown(), m_calendar->yearShown());
+            m_syncing = true;
+            m_calendar->setSelectedDate(DateTimeToQDate(m_panel->SelectedDay()));
+            m_syncing = false;
+        },
+        Qt::QueuedConnection);
+}
+
 void DiaryPage::ShowEntry(const TDayRecord *z)
 {
     if (!z) {
@@ -408,11 +470,8 @@ void DiaryPage::ShowEntry(const TDayRecord *z)
 
 void DiaryPage::EditEntry(const TDayRecord &zaznam)
 {
-    EntryDialog dialog(zaznam, this);
-    if (MessageService::ExecDialog(&dialog) != mrOk)
-        return;
-    TDayRecord zmeneny = dialog.Zaznam();
-    if (!StoreEntry(zmeneny, false))
+    TDayRecord zmeneny = zaznam;
+    if (!AskEntry(zmeneny) || !StoreEntry(zmeneny, false))
         return;
     m_panel->ChangeDayRecord(zmeneny);
     m_calendar->UpdateBoldDays();
@@ -432,14 +491,59 @@ void DiaryPage::NewEntry(double datum)
         zaznam.CasOd = m_panel->getMonthGridSelectStartTime();
         zaznam.CasDo = m_panel->getMonthGridSelectEndTime();
     }
-    EntryDialog dialog(zaznam, this);
-    if (MessageService::ExecDialog(&dialog) != mrOk)
+    if (!AskEntry(zaznam) || !StoreEntry(zaznam, true))
         return;
-    TDayRecord novy = dialog.Zaznam();
-    if (!StoreEntry(novy, true))
-        return;
-    m_panel->AddDayRecord(novy);
+    m_panel->AddDayRecord(zaznam);
     m_calendar->UpdateBoldDays();
+}
+
+QStringList DiaryPage::Overlaps(const TDayRecord &z) const
+{
+    QSqlQuery q(Db());
+    q.prepare(QStringLiteral("SELECT cas_od, cas_do, kontakt, popis FROM diar"
+                             " WHERE datum = ? AND cas_od < ? AND cas_do > ? AND id <> ?"
+                             " ORDER BY cas_od, cas_do"));
+    q.addBindValue(EntryDate(z).toString(Qt::ISODate));
+    q.addBindValue(TimeText(z.CasDo)); // "HH:mm" compares as the times do
+    q.addBindValue(TimeText(z.CasOd));
+    q.addBindValue(z.ID_DIAR);
+    QStringList lines;
+    if (!q.exec())
+        return lines;
+    while (q.next()) {
+        const QString kontakt = q.value(2).toString().trimmed();
+        const QString popis = q.value(3).toString().trimmed();
+        lines << QStringLiteral("%1–%2 %3")
+                     .arg(q.value(0).toString(), q.value(1).toString(),
+                          kontakt.isEmpty() || popis.isEmpty()
+                              ? kontakt + popis
+                              : kontakt + QStringLiteral(": ") + popis);
+    }
+    return lines;
+}
+
+// An overlap is the user's call: "Ne" goes back to the dialog with
+// everything typed, to choose another time.
+bool DiaryPage::AskEntry(TDayRecord &zaznam)
+{
+    for (;;) {
+        EntryDialog dialog(zaznam, this);
+        if (MessageService::ExecDialog(&dialog) != mrOk)
+            return false;
+        zaznam = dialog.Zaznam();
+        const QStringList overlaps = Overlaps(zaznam);
+        if (overlaps.isEmpty())
+            return true;
+        const QString text =
+            QStringLiteral("Záznam %1 dne %2 se překrývá s objednanými záznamy:\n%3\n\n"
+                           "Uložit i přesto?")
+                .arg(SpocitejHodiny(zaznam.CasOd, zaznam.CasDo),
+                     EntryDate(zaznam).toString(QStringLiteral("d.M.yyyy")),
+                     overlaps.join(QLatin1Char('\n')));
+        if (MessageService::MessageDlg(text, mtConfirmation, mbYesNo, this, QString(), mbNo) ==
+            mrYes)
+            return true;
+    }
 }
 
 bool DiaryPage::StoreEntry(TDayRecord &z, bool isNew)
@@ -455,7 +559,8 @@ bool DiaryPage::StoreEntry(TDayRecord &z, bool isNew)
             ? QStringLiteral("INSERT INTO diar (id_porizovaci, parafa, soukrome, datum, cas_od,"
                              " cas_do, popis, id_barvy, id_kontakt, kontakt, rc, tabulka_reference,"
                              " podrobnosti, splneno, upozornit, jedn_upozorneni, id_diar_pristroj)"
-                             " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")
+                             " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"
+                             " RETURNING id")
             : QStringLiteral("UPDATE diar SET ") + columns + QStringLiteral(" WHERE id = ?"));
     const QVariantList values{z.ID_PORIZOVACI,
                               z.Parafa.Text(),
@@ -482,8 +587,16 @@ bool DiaryPage::StoreEntry(TDayRecord &z, bool isNew)
         ReportError(QStringLiteral("Uložení záznamu"), q);
         return false;
     }
-    if (isNew)
-        z.ID_DIAR = q.lastInsertId().toInt();
+    // The new key comes back with the row, as the data sets take it: SQLite
+    // (since 3.35) and PostgreSQL both return it; lastInsertId has nothing
+    // to give for PostgreSQL's serial keys.
+    if (isNew) {
+        if (!q.next()) {
+            ReportError(QStringLiteral("Uložení záznamu"), q);
+            return false;
+        }
+        z.ID_DIAR = q.value(0).toInt();
+    }
     return true;
 }
 
@@ -522,7 +635,7 @@ bool DiaryPage::AllowMove(const TDayRecord &nove)
     return true;
 }
 
-void DiaryPage::StoreMove(const TDayRecord &nove)
+void DiaryPage::StoreMove(const TDayRecord &stary, const TDayRecord &nove)
 {
     QSqlQuery q(Db());
     q.prepare(QStringLiteral("UPDATE diar SET datum = ? WHERE id = ?"));
@@ -532,7 +645,38 @@ void DiaryPage::StoreMove(const TDayRecord &nove)
         ReportError(QStringLiteral("Přesun záznamu"), q);
         return;
     }
+    m_moves.append(stary);
+    m_undo->setEnabled(true);
     m_calendar->UpdateBoldDays();
+}
+
+void DiaryPage::UndoMove()
+{
+    if (m_moves.isEmpty())
+        return;
+    const TDayRecord puvodni = m_moves.takeLast();
+    m_undo->setEnabled(!m_moves.isEmpty());
+    QSqlQuery q(Db());
+    q.prepare(QStringLiteral("UPDATE diar SET datum = ? WHERE id = ?"));
+    q.addBindValue(EntryDate(puvodni).toString(Qt::ISODate));
+    q.addBindValue(puvodni.ID_DIAR);
+    if (!q.exec()) {
+        ReportError(QStringLiteral("Vrácení přesunu"), q);
+        return;
+    }
+    if (q.numRowsAffected() == 0) {
+        MessageService::ShowWarning(
+            QStringLiteral("Záznam %1 už v diáři není.").arg(puvodni.Popis.Text()), this);
+        return;
+    }
+    // Back on its day, selected, as before the move.
+    GoTo(EntryDate(puvodni));
+    LoadEntries();
+    m_panel->SelectItem(puvodni.ID_DIAR);
+    ShowEntry(m_panel->GetSelectedItem());
+    m_calendar->UpdateBoldDays();
+    if (QWidget *list = m_panel->DayListView())
+        list->setFocus();
 }
 
 void DiaryPage::ReportError(const QString &action, const QSqlQuery &query)

@@ -1,15 +1,18 @@
 #pragma once
 
+#include "oxa/diary/DiarShared.h"
+
 #include <QDate>
+#include <QList>
 #include <QWidget>
 
 class QLabel;
+class QPushButton;
 class QSqlQuery;
 
 namespace oxa {
 class TDiarPanel;
 class TEnhancedMonthCalendar;
-struct TDayRecord;
 } // namespace oxa
 
 // The doctor's diary: the diary panel over the diar table, the month
@@ -26,6 +29,9 @@ public:
     oxa::TDiarPanel *Panel() const { return m_panel; }
     oxa::TEnhancedMonthCalendar *Calendar() const { return m_calendar; }
 
+    // Puts the last moved entry back on its day ("Vrátit přesun", Ctrl+Z).
+    void UndoMove();
+
 private:
     void BuildLayout();
     void WirePanel();
@@ -38,9 +44,19 @@ private:
     void NewEntry(double datum);
     bool ConfirmDelete(const oxa::TDayRecord &zaznam);
     bool AllowMove(const oxa::TDayRecord &nove);
-    void StoreMove(const oxa::TDayRecord &nove);
+    void StoreMove(const oxa::TDayRecord &stary, const oxa::TDayRecord &nove);
     void ShowEntry(const oxa::TDayRecord *zaznam);
     quint32 BoldDays(int month, int year) const;
+    // The public holidays of the months the calendar shows, in the diary's
+    // holiday colour, their names as tooltips.
+    void MarkHolidays();
+    void FollowCalendarPage(int year, int month);
+
+    // The booked entries the entry would overlap, one line each.
+    QStringList Overlaps(const oxa::TDayRecord &zaznam) const;
+    // Runs the entry dialog until the user stores an entry that overlaps
+    // nothing or agrees to the overlap; false when the dialog was cancelled.
+    bool AskEntry(oxa::TDayRecord &zaznam);
 
     bool StoreEntry(oxa::TDayRecord &zaznam, bool isNew);
     void ReportError(const QString &action, const QSqlQuery &query);
@@ -48,5 +64,8 @@ private:
     oxa::TDiarPanel *m_panel = nullptr;
     oxa::TEnhancedMonthCalendar *m_calendar = nullptr;
     QLabel *m_detail = nullptr;
+    QPushButton *m_undo = nullptr;
+    // The entries as they were before each move, the last move last.
+    QList<oxa::TDayRecord> m_moves;
     bool m_syncing = false;
 };

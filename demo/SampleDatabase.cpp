@@ -155,6 +155,23 @@ bool SampleDatabase::CreateSchema(QSqlDatabase &db, QString *error)
     return true;
 }
 
+// A birth number the form accepts: three digits after the slash for those
+// born before 1954, four since, the whole number divisible by 11.
+static QString SampleBirthNumber(const QDate &born, int month, int serial)
+{
+    const QString date = QStringLiteral("%1%2%3")
+                             .arg(born.year() % 100, 2, 10, QLatin1Char('0'))
+                             .arg(month, 2, 10, QLatin1Char('0'))
+                             .arg(born.day(), 2, 10, QLatin1Char('0'));
+    if (born.year() < 1954)
+        return date + QStringLiteral("/%1").arg(serial, 3, 10, QLatin1Char('0'));
+    qint64 first9 = date.toLongLong() * 1000 + serial;
+    while (first9 % 11 == 10) // no check digit makes such a number divisible
+        first9 = first9 / 1000 * 1000 + (first9 + 1) % 1000;
+    return date +
+        QStringLiteral("/%1%2").arg(first9 % 1000, 3, 10, QLatin1Char('0')).arg(first9 % 11);
+}
+
 bool SampleDatabase::FillSampleData(QSqlDatabase &db, QString *error)
 {
     QSqlQuery q(db);
@@ -205,11 +222,7 @@ bool SampleDatabase::FillSampleData(QSqlDatabase &db, QString *error)
         const bool female = rng.bounded(2) == 1;
         const QDate born = QDate(1935, 1, 1).addDays(rng.bounded(365 * 85));
         const int month = born.month() + (female ? 50 : 0);
-        const QString rc = QStringLiteral("%1%2%3/%4")
-                               .arg(born.year() % 100, 2, 10, QLatin1Char('0'))
-                               .arg(month, 2, 10, QLatin1Char('0'))
-                               .arg(born.day(), 2, 10, QLatin1Char('0'))
-                               .arg(rng.bounded(10000), 4, 10, QLatin1Char('0'));
+        const QString rc = SampleBirthNumber(born, month, int(rng.bounded(1000)));
         q.addBindValue(female ? surnamesF[rng.bounded(surnamesF.size())]
                               : surnamesM[rng.bounded(surnamesM.size())]);
         q.addBindValue(female ? namesF[rng.bounded(namesF.size())]

@@ -77,6 +77,8 @@ private Q_SLOTS:
     void initTestCase() { TGeometryScale::Instance()->SetFactor(1.0); }
     void cleanupTestCase() { TGeometryScale::Instance()->ResetFactor(); }
     void easterAgainstIndependentRule();
+    void holidaysOfTheYear_data();
+    void holidaysOfTheYear();
     void holidayCells();
     void layoutAndSelectionTimes_data();
     void layoutAndSelectionTimes();
@@ -103,6 +105,29 @@ void TestMonthGrid::easterAgainstIndependentRule()
         QCOMPARE(NazevSvatku(QDateToDateTime(pondeli.addDays(-3))), QStringLiteral("Velký pátek"));
         QCOMPARE(NazevSvatku(QDateToDateTime(pondeli.addDays(-1))), QString());
     }
+}
+
+// The public holiday rule as hosts call it: a year has the eleven fixed
+// days and the two of Easter, nothing else.
+void TestMonthGrid::holidaysOfTheYear_data()
+{
+    QTest::addColumn<QDate>("patek");
+    QTest::newRow("2026") << QDate(2026, 4, 3);
+    QTest::newRow("2027, Easter in March") << QDate(2027, 3, 26);
+}
+
+void TestMonthGrid::holidaysOfTheYear()
+{
+    QFETCH(QDate, patek);
+    QMap<QDate, QString> found;
+    for (QDate day(patek.year(), 1, 1); day.year() == patek.year(); day = day.addDays(1)) {
+        if (const QString name = NazevSvatku(QDateToDateTime(day)); !name.isEmpty())
+            found.insert(day, name);
+    }
+    QCOMPARE(found.size(), 13);
+    QCOMPARE(found.value(patek), QStringLiteral("Velký pátek"));
+    QCOMPARE(found.value(patek.addDays(3)), QStringLiteral("Velikonoce"));
+    QCOMPARE(found.last(), QStringLiteral("(26.12.) 2. svátek vánocní"));
 }
 
 void TestMonthGrid::holidayCells()

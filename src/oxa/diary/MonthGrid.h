@@ -15,6 +15,12 @@ class QTimer;
 
 namespace oxa {
 
+// The name of the public holiday on a date: the fixed table first, then
+// "Velikonoce" (Easter Monday) and "Velký pátek" (Good Friday); empty on
+// other days. The month grid marks these days; hosts mark them elsewhere
+// (a month calendar, say) by the same rule.
+OXA_EXPORT QString NazevSvatku(TDate aDatum);
+
 // The colour of an appointment in the month grid, by its privacy.
 inline constexpr TFixedArray<TColor, false, true> BarvaSchuzkyMonth{{0x0000FF, 0xE0C545}};
 // Colours of configured surgery-hours records.

@@ -31,10 +31,6 @@ extern const std::array<TSvatek, 11> Svatky;
 // Easter Monday of the year by the Gauss rule with the constants of the
 // Gregorian years 1900 to 2099, used for every year.
 TDate VelikonocniPondeli(int aRok);
-// The name of the public holiday on a date: the fixed table first, then
-// "Velikonoce" (Easter Monday) and "Velký pátek" (Good Friday); empty on
-// other days.
-QString NazevSvatku(TDate aDatum);
 
 // What one cell of the month grid shows, prepared by InitVykreslovani.
 struct TMonthGridCell
