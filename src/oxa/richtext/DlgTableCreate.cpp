@@ -178,7 +178,8 @@ void TUpDown::ReadAssociate()
 
 bool TUpDown::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_associate && event->type() == QEvent::KeyPress) {
+    // The type first: a dying edit still sends events, and is no QLineEdit any more.
+    if (event->type() == QEvent::KeyPress && watched == m_associate) {
         const int key = static_cast<QKeyEvent *>(event)->key();
         if (key == Qt::Key_Up || key == Qt::Key_Down) {
             Step(key == Qt::Key_Up ? +1 : -1);
