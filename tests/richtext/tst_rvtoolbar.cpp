@@ -429,6 +429,8 @@ void TestRVToolBar::colourButtonsOpenThePicker()
     QCOMPARE(typ == tbtBgColor ? font.Color : font.BackColor,
              typ == tbtBgColor ? clWindowText : clNone);
     QCOMPARE(b.Hint(tbtUndo), QStringLiteral("Zpět (formátování)"));
+    // The button's bar shows the colour at the caret.
+    QCOMPARE(b.Button(typ)->icon().pixmap(16, 16).toImage().pixelColor(7, 13), QColor(Qt::red));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!picker);
 

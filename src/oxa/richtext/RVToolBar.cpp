@@ -247,6 +247,16 @@ TRVToolButtonType AlignmentType(TRVAlignment alignment)
     }
 }
 
+// A colour button's picture with its bar in the colour at the caret.
+QIcon ColourButtonIcon(int imageIndex, const QColor &colour)
+{
+    QPixmap pixmap = TRVToolBar::Icons().at(imageIndex).pixmap(kIconSize, kIconSize);
+    QPainter p(&pixmap);
+    p.fillRect(QRect(1, 12, 14, 3), colour);
+    p.end();
+    return QIcon(pixmap);
+}
+
 bool IsComboType(TRVToolButtonType typ)
 {
     return typ == tbtFontName || typ == tbtFontSize || typ == tbtTextStyle;
@@ -644,6 +654,7 @@ void TRVToolBar::Clear()
     }
     d->fActions.clear();
     d->fObjects.clear();
+    d->fShownColours.clear();
 }
 
 void TRVToolBar::SetEnable(bool enabled)
@@ -676,6 +687,8 @@ void TRVToolBar::getEditorState()
     if (!editor)
         return;
     const TFontInfo &font = editor->Style().TextStyle(editor->CurTextStyleNo());
+    d->ShowColour(tbtFontColor, font.Color);
+    d->ShowColour(tbtBgColor, font.BackColor);
     d->SyncCombo(tbtFontName, font.FontName);
     d->SyncCombo(tbtFontSize, QString::number(font.Size));
     if (QComboBox *styles = d->Combo(tbtTextStyle)) {
@@ -683,6 +696,17 @@ void TRVToolBar::getEditorState()
         if (styles->currentIndex() != index)
             styles->setCurrentIndex(index);
     }
+}
+
+void TRVToolBarPrivate::ShowColour(TRVToolButtonType typ, TColor color)
+{
+    QToolButton *button = Button(typ);
+    if (!button || fShownColours.value(typ, clDefault) == color)
+        return; // repainted only when the colour changes, not on every key
+    fShownColours.insert(typ, color);
+    const int image = TRVToolBar::ButtonsProperties(typ).ImageIndex;
+    button->setIcon(color == clNone ? TRVToolBar::Icons().at(image)
+                                    : ColourButtonIcon(image, ColorToQColor(color, button)));
 }
 
 void TRVToolBarPrivate::SyncCombo(TRVToolButtonType typ, const QString &text)

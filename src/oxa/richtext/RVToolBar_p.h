@@ -4,6 +4,7 @@
 
 #include "oxa/richtext/RVToolBar.h"
 
+#include <QHash>
 #include <QMetaObject>
 #include <QPointer>
 
@@ -42,6 +43,8 @@ public:
     void OpenColorDialog(QToolButton *button, TColorChangeType type);
     void ApplyCombo(TRVToolButtonType typ, const QString &text, int index);
     void SyncCombo(TRVToolButtonType typ, const QString &text);
+    // The colour buttons show the text's colour and background at the caret.
+    void ShowColour(TRVToolButtonType typ, TColor color);
     void DisconnectEditor();
 
     TRVToolBar *q;
@@ -53,6 +56,7 @@ public:
     QButtonGroup *fAlignGroup = nullptr;
     QList<QMetaObject::Connection> fEditorConnections;
     bool fEnabled = true;
+    QHash<int, TColor> fShownColours; // by button type
 };
 
 } // namespace oxa
