@@ -3,12 +3,14 @@
 #include "SampleDatabase.h"
 
 #include "oxa/richtext/OxaRichView.h"
+#include "oxa/richtext/RVPopupMenu.h"
 #include "oxa/toolkit/Exceptions.h"
 #include "oxa/toolkit/MessageService.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 #include <QSplitter>
 #include <QSqlError>
@@ -20,17 +22,29 @@ using namespace oxa;
 ReportPage::ReportPage(QWidget *parent) : QWidget(parent)
 {
     setProperty("statusHint",
-                QStringLiteral("Ctrl+B, Ctrl+I a Ctrl+U formátují, Insert přepíná "
-                               "přepisování; zpráva se ukládá k vybranému pacientovi."));
+                QStringLiteral("Panel nástrojů formátuje a vkládá z databáze vzory, trvalé léky, "
+                               "anamnézy, diagnózy a bloky; zpráva se ukládá k vybranému "
+                               "pacientovi."));
     QString error;
     QSqlDatabase db = SampleDatabase::Database();
-    if (db.isOpen() && !SampleDatabase::EnsureReportSchema(db, &error))
+    if (db.isOpen() &&
+        (!SampleDatabase::EnsureReportSchema(db, &error) ||
+         !SampleDatabase::EnsureReportInsertions(db, &error)))
         MessageService::ShowError(error, this);
 
     m_patients = new QListWidget(this);
     m_templates = new QListWidget(this);
     m_editor = new TOxaRichView(this);
     m_editor->setObjectName(QStringLiteral("zprava"));
+    m_toolbar = new TRVToolBar(this);
+    m_toolbar->AddObjectGroups(
+        {tbgFontStyle, tbgAlign, tbgClipboard, tbgUndoRedo, tbgColors, tbgInclude, tbgFont}, true);
+    m_toolbar->Init(m_editor);
+    m_toolbar->OnButtonClick = [this](QObject *button, TRVToolButtonType typ, bool &Handled) {
+        Handled = InsertFromDatabase(button, typ);
+    };
+    m_menu = new TRVPopupMenu(this);
+    m_menu->Init(m_editor);
     m_status = new QLabel(this);
     m_save = new QPushButton(QStringLiteral("Uložit zprávu"), this);
     auto *insert = new QPushButton(QStringLiteral("Vložit vzor"), this);
@@ -48,6 +62,7 @@ ReportPage::ReportPage(QWidget *parent) : QWidget(parent)
     rightLayout->addWidget(new QLabel(QStringLiteral("Zpráva (Ctrl+B tučně, Ctrl+I kurzíva, "
                                                      "Ctrl+E na střed, Ctrl+Z zpět)"),
                                       right));
+    rightLayout->addWidget(m_toolbar);
     rightLayout->addWidget(m_editor, 1);
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(m_status, 1);
@@ -119,13 +134,24 @@ bool ReportPage::SaveReport()
 {
     if (m_patientId < 0)
         return false;
-    QSqlQuery q(SampleDatabase::Database());
-    q.prepare(QStringLiteral("INSERT OR REPLACE INTO zprava (pacient, obsah) VALUES (?, ?)"));
+    // Replaced as delete and insert in one transaction: SQLite and PostgreSQL alike.
+    QSqlDatabase db = SampleDatabase::Database();
+    QSqlQuery q(db);
+    const bool began = db.transaction();
+    q.prepare(QStringLiteral("DELETE FROM zprava WHERE pacient = ?"));
     q.addBindValue(m_patientId);
-    q.addBindValue(m_editor->SaveOxaRVFToString());
-    if (!q.exec()) {
-        MessageService::ShowError(QStringLiteral("Zprávu nelze uložit: ") + q.lastError().text(),
-                                  this);
+    bool ok = q.exec();
+    if (ok) {
+        q.prepare(QStringLiteral("INSERT INTO zprava (pacient, obsah) VALUES (?, ?)"));
+        q.addBindValue(m_patientId);
+        q.addBindValue(m_editor->SaveOxaRVFToString());
+        ok = q.exec();
+    }
+    if (!ok || (began && !db.commit())) {
+        const QString reason = q.lastError().text();
+        if (began)
+            db.rollback();
+        MessageService::ShowError(QStringLiteral("Zprávu nelze uložit: ") + reason, this);
         return false;
     }
     m_editor->document()->setModified(false);
@@ -139,4 +165,85 @@ void ReportPage::InsertTemplate()
         m_editor->InsertFormatText(item->data(Qt::UserRole).toString());
         m_editor->setFocus();
     }
+}
+
+bool ReportPage::InsertFromDatabase(QObject *button, TRVToolButtonType typ)
+{
+    QList<QPair<QString, QString>> choices;
+    QSqlQuery q(SampleDatabase::Database());
+    switch (typ) {
+    case tbtInTextoveVzory:
+        q.exec(QStringLiteral("SELECT nazev, text FROM textovy_vzor ORDER BY id"));
+        break;
+    case tbtInBloky:
+        q.exec(QStringLiteral("SELECT nazev, text FROM textovy_blok ORDER BY id"));
+        break;
+    case tbtInTrvaleLeky:
+        Insert(QStringLiteral("<b>Trvalá medikace:</b>\r\n") +
+               PatientTexts(QStringLiteral("trvaly_lek")).join(QString()));
+        return true;
+    case tbtInAnamnezy:
+        Insert(QStringLiteral("<b>Anamnéza:</b>\r\n") +
+               PatientTexts(QStringLiteral("anamneza")).join(QString()));
+        return true;
+    case tbtInTrvaleDiagnozy: {
+        const QStringList diagnoses = PatientTexts(QStringLiteral("trvala_diagnoza"));
+        choices << qMakePair(QStringLiteral("Všechny"), diagnoses.join(QString()));
+        for (const QString &diagnosis : diagnoses)
+            choices << qMakePair(
+                diagnosis.section(QStringLiteral("</b>"), 0, 0).remove(QStringLiteral("<b>")),
+                diagnosis);
+        OfferChoices(button, choices);
+        return true;
+    }
+    case tbtInclude:
+    case tbtIncludeSmall: {
+        // Both offer the five kinds the other buttons insert.
+        auto *menu = new QMenu(this);
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        for (TRVToolButtonType kind :
+             {tbtInTextoveVzory, tbtInTrvaleLeky, tbtInAnamnezy, tbtInTrvaleDiagnozy, tbtInBloky})
+            connect(menu->addAction(TRVToolBar::ButtonsProperties(kind).Hint), &QAction::triggered,
+                    this, [this, button, kind] { InsertFromDatabase(button, kind); });
+        auto *widget = qobject_cast<QWidget *>(button);
+        menu->popup(widget->mapToGlobal(QPoint(0, widget->height())));
+        return true;
+    }
+    default:
+        return false; // the toolbar formats by itself
+    }
+    while (q.next())
+        choices << qMakePair(q.value(0).toString(), q.value(1).toString());
+    OfferChoices(button, choices);
+    return true;
+}
+
+QStringList ReportPage::PatientTexts(const QString &table) const
+{
+    QStringList texts;
+    QSqlQuery q(SampleDatabase::Database());
+    q.prepare(QStringLiteral("SELECT text FROM %1 WHERE pacient = ? ORDER BY poradi").arg(table));
+    q.addBindValue(m_patientId);
+    q.exec();
+    while (q.next())
+        texts << q.value(0).toString() + QStringLiteral("\r\n");
+    return texts;
+}
+
+void ReportPage::OfferChoices(QObject *button, const QList<QPair<QString, QString>> &choices)
+{
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (const auto &[name, text] : choices)
+        connect(menu->addAction(name), &QAction::triggered, this, [this, text] { Insert(text); });
+    if (choices.isEmpty())
+        menu->addAction(QStringLiteral("(nic k vložení)"))->setEnabled(false);
+    auto *widget = qobject_cast<QWidget *>(button);
+    menu->popup(widget->mapToGlobal(QPoint(0, widget->height())));
+}
+
+void ReportPage::Insert(const QString &taggedText)
+{
+    m_editor->InsertFormatText(taggedText);
+    m_editor->setFocus();
 }

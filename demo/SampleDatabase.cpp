@@ -408,3 +408,111 @@ bool SampleDatabase::EnsureReportSchema(QSqlDatabase &db, QString *error)
     }
     return true;
 }
+
+namespace {
+
+// Tagged-text pieces the sample patients get, picked by a fixed sequence.
+const char *const kLeky[] = {
+    "<b>Prestarium Neo</b> 5 mg tbl. 1-0-0", "<b>Metformin</b> 850 mg tbl. 1-0-1 <i>po jídle</i>",
+    "<b>Atoris</b> 20 mg tbl. 0-0-1",        "<b>Euthyrox</b> 50 µg tbl. 1-0-0 <i>nalačno</i>",
+    "<b>Anopyrin</b> 100 mg tbl. 0-1-0",     "<b>Helicid</b> 20 mg cps. 1-0-0",
+    "<b>Concor</b> 5 mg tbl. 1-0-0",         "<b>Ventolin</b> inh. <c=255>při dušnosti</c>",
+};
+const char *const kAnamnezy[] = {
+    "<b>RA:</b> otec hypertenze, matka diabetes mellitus 2. typu",
+    "<b>RA:</b> bez zvláštností",
+    "<b>OA:</b> běžné dětské nemoci, st. p. appendektomii (2004)",
+    "<b>OA:</b> hypertenze od roku 2015, jinak vážněji nestonal(a)",
+    "<b>AA:</b> <c=255><b>PNC</b></c>",
+    "<b>AA:</b> neudává",
+    "<b>SA:</b> žije s rodinou, pracuje v kanceláři",
+    "<b>Abusus:</b> nekouří, alkohol příležitostně",
+};
+const char *const kDiagnozyText[] = {
+    "<b>I10</b> Esenciální (primární) hypertenze",
+    "<b>E11.9</b> Diabetes mellitus 2. typu bez komplikací",
+    "<b>E78.0</b> Čistá hypercholesterolemie",
+    "<b>E03.9</b> Hypotyreóza NS",
+    "<b>J45.9</b> Astma NS",
+    "<b>K21.9</b> Refluxní choroba jícnu bez ezofagitidy",
+    "<b>M17.9</b> Gonartróza NS",
+};
+const char *const kBloky[][2] = {
+    {"Poučení", "<i>Pacient poučen o režimových opatřeních, souhlasí s postupem.</i>\r\n"},
+    {"Kontrola", "Kontrola za <b>3 měsíce</b> s výsledky laboratoře.\r\n"},
+    {"Pracovní neschopnost", "<b>PN</b> od dnešního dne, <u>vycházky povoleny</u>.\r\n"},
+    {"Podpis", "<p=r>MUDr. Jana Dvořáková\r\n<p=r><fs=8>praktický lékař</fs>\r\n"},
+};
+
+// Two or three different pieces of a list for one patient.
+template<std::size_t N>
+QStringList Pick(QRandomGenerator &rng, const char *const (&list)[N])
+{
+    QStringList picked;
+    const int count = 2 + int(rng.bounded(2));
+    while (picked.size() < count) {
+        const QString piece = QString::fromUtf8(list[rng.bounded(int(N))]);
+        if (!picked.contains(piece))
+            picked << piece;
+    }
+    return picked;
+}
+
+} // namespace
+
+bool SampleDatabase::EnsureReportInsertions(QSqlDatabase &db, QString *error)
+{
+    if (db.tables().contains(QStringLiteral("textovy_blok")))
+        return true;
+    QSqlQuery q(db);
+    if (!db.transaction())
+        return false;
+    bool ok = true;
+    for (const char *table : {"trvaly_lek", "anamneza", "trvala_diagnoza"})
+        ok = ok &&
+            exec(q,
+                 QStringLiteral("CREATE TABLE %1 (pacient INTEGER NOT NULL REFERENCES pacient(id),"
+                                " poradi INTEGER NOT NULL, text TEXT NOT NULL,"
+                                " PRIMARY KEY (pacient, poradi))")
+                     .arg(QLatin1String(table)),
+                 error);
+    ok = ok &&
+        exec(q,
+             QStringLiteral("CREATE TABLE textovy_blok (id INTEGER PRIMARY KEY,"
+                            " nazev TEXT NOT NULL, text TEXT NOT NULL)"),
+             error);
+    QList<int> patients;
+    ok = ok && exec(q, QStringLiteral("SELECT id FROM pacient ORDER BY id"), error);
+    while (ok && q.next())
+        patients << q.value(0).toInt();
+    QRandomGenerator rng(20261124);
+    const auto fill = [&](const char *table, const QStringList &pieces, int patient) {
+        ok = ok &&
+            q.prepare(QStringLiteral("INSERT INTO %1 (pacient, poradi, text) VALUES (?, ?, ?)")
+                          .arg(QLatin1String(table)));
+        for (int i = 0; ok && i < pieces.size(); ++i) {
+            q.addBindValue(patient);
+            q.addBindValue(i + 1);
+            q.addBindValue(pieces.at(i));
+            ok = Run(q, error);
+        }
+    };
+    for (int patient : std::as_const(patients)) {
+        fill("trvaly_lek", Pick(rng, kLeky), patient);
+        fill("anamneza", Pick(rng, kAnamnezy), patient);
+        fill("trvala_diagnoza", Pick(rng, kDiagnozyText), patient);
+    }
+    ok = ok &&
+        q.prepare(QStringLiteral("INSERT INTO textovy_blok (id, nazev, text) VALUES (?, ?, ?)"));
+    for (int i = 0; ok && i < int(std::size(kBloky)); ++i) {
+        q.addBindValue(i + 1);
+        q.addBindValue(QString::fromUtf8(kBloky[i][0]));
+        q.addBindValue(QString::fromUtf8(kBloky[i][1]));
+        ok = Run(q, error);
+    }
+    if (!ok) {
+        db.rollback();
+        return false;
+    }
+    return db.commit();
+}

@@ -31,6 +31,12 @@ public:
     // created with their sample templates when missing.
     static bool EnsureReportSchema(QSqlDatabase &db, QString *error);
 
+    // What the report's toolbar inserts, as tagged text: each patient's
+    // long-term medication (trvaly_lek), medical history (anamneza) and
+    // long-term diagnoses (trvala_diagnoza), and the shared text blocks
+    // (textovy_blok). Created and filled when missing.
+    static bool EnsureReportInsertions(QSqlDatabase &db, QString *error);
+
 private:
     static bool CreateSchema(QSqlDatabase &db, QString *error);
     static bool FillSampleData(QSqlDatabase &db, QString *error);

@@ -79,6 +79,9 @@ void TestDesignerPlugin::offersEveryWidgetClassOnItsPage()
          {"oxa::TStringGridCheck", "oxa::TCheckTreeView", "oxa::TCheckTreeViewOxa"})
         QCOMPARE(groups.value(QLatin1String(grid)), QStringLiteral("Oxa"));
     QCOMPARE(groups.value(QStringLiteral("oxa::TOxaRichView")), QStringLiteral("Oxa"));
+    QCOMPARE(groups.value(QStringLiteral("oxa::TRVToolBar")), QStringLiteral("Oxa"));
+    // The context menu is a non-visual component, as the edits' menu is.
+    QVERIFY(!groups.contains(QStringLiteral("oxa::TRVPopupMenu")));
 }
 
 void TestDesignerPlugin::loaderBuildsAFormOfOxaWidgets()

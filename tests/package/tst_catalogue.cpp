@@ -90,6 +90,8 @@ const char *const kBuilt[] = {
     "TStringGridCheck",
     "TCheckTreeView",
     "TCheckTreeViewOxa",
+    "TRVToolBar",
+    "TRVPopupMenu",
 };
 
 // The record grids and the data-aware members, built so far.

@@ -26,6 +26,8 @@
 #include "oxa/grids/StringGridCheck.h"
 #include "oxa/grids/StringListValues.h"
 #include "oxa/richtext/OxaRichView.h"
+#include "oxa/richtext/RVPopupMenu.h"
+#include "oxa/richtext/RVToolBar.h"
 #include "oxa/spreadsheet/XLSfile.h"
 #include "oxa/utilities/BackgroundWorker.h"
 #include "oxa/utilities/ExecApp.h"
@@ -64,6 +66,8 @@ void RegisterAll()
     RegisterCheckTreeView();
     RegisterCheckTreeViewOxa();
     RegisterOxaRichView();
+    RegisterRVPopupMenu();
+    RegisterRVToolBar();
 }
 
 } // namespace oxa

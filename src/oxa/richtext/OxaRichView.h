@@ -89,6 +89,9 @@ public:
 
     // Tables. InsTable beeps when the table cannot be inserted.
     bool InsTable(const TTableCreateInfo &info);
+    // Shows the table dialog and inserts the table the user designed there;
+    // false when the user cancelled or the table could not be inserted.
+    bool InsTableDlg();
     // The table under the caret, or null.
     QTextTable *CurrentTable() const;
     bool DeleteTable();

@@ -1,0 +1,339 @@
+#include "oxa/richtext/DlgTableCreate.h"
+#include "oxa/richtext/DlgTableCreate_p.h"
+#include "oxa/richtext/OxaRichView.h"
+#include "support/TestSupport.h"
+
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTextTable>
+#include <QToolButton>
+
+#include <memory>
+
+using namespace oxa;
+using namespace oxa::test;
+
+namespace {
+
+// A shown dialog and its controls by the names the form gives them.
+struct Dialog
+{
+    std::unique_ptr<TTableCreateDlg> owned;
+    TTableCreateDlg *dlg;
+
+    explicit Dialog(TTableCreateDlg *existing = nullptr)
+        : owned(existing ? nullptr : new TTableCreateDlg), dlg(existing ? existing : owned.get())
+    {
+        ShowAndActivate(dlg);
+    }
+    template<class T = QWidget>
+    T *Control(const char *name) const
+    {
+        return dlg->findChild<T *>(QLatin1String(name));
+    }
+    QLineEdit *Edit(const char *name) const { return Control<QLineEdit>(name); }
+    TUpDown *UpDown(const char *name) const { return Control<TUpDown>(name); }
+    QString Auto() const { return Control<QLabel>("lAuto")->text(); }
+    // Replaces an edit's text by typing.
+    void Type(const char *edit, const QString &text) const
+    {
+        QLineEdit *e = Edit(edit);
+        e->setFocus();
+        e->selectAll();
+        QTest::keyClicks(e, text);
+    }
+    void Press(const char *upDown, bool up, int times = 1) const
+    {
+        for (int i = 0; i < times; ++i)
+            QTest::mouseClick(up ? UpDown(upDown)->UpButton() : UpDown(upDown)->DownButton(),
+                              Qt::LeftButton);
+    }
+    void ChooseBorderColour(int index) const
+    {
+        auto *combo = Control<QComboBox>("RVColorCombo_Border");
+        combo->setFocus();
+        QTest::keyClick(combo, Qt::Key_Home);
+        for (int i = 0; i < index; ++i)
+            QTest::keyClick(combo, Qt::Key_Down);
+    }
+    // The preview's tables.
+    QList<QTextTable *> Tables() const
+    {
+        TOxaRichView *preview = dlg->Preview();
+        QList<QTextTable *> tables;
+        for (int i = 0; i < preview->ItemCount(); ++i) {
+            if (preview->GetItemStyle(i) == rvsTableItem)
+                tables << preview->RVData()->GetItemTable(i);
+        }
+        return tables;
+    }
+    QTextTable *Table() const { return Tables().value(0); }
+};
+
+constexpr int kRed = 9;   // "červená" in the picker's palette
+constexpr int kBlue = 12; // "modrá"
+
+} // namespace
+
+class TestDlgTableCreate : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void designTimeValues();
+    void upDownLimits_data();
+    void upDownLimits();
+    void previewFollowsTheControls();
+    void nonIntegerBorderWidthFails();
+    void showCopiesBackOnlyOnOk_data();
+    void showCopiesBackOnlyOnOk();
+    void editorInsertsThroughTheDialog();
+};
+
+void TestDlgTableCreate::designTimeValues()
+{
+    Dialog d;
+    QCOMPARE(d.dlg->windowTitle(), QStringLiteral("Dialog pro návrh tabulky"));
+    const QList<QPair<const char *, const char *>> labels = {
+        {"Label1", "Sloupce"},      {"Label2", "Řádky"},         {"Label3", "Šířka"},
+        {"lAuto", "automaticky"},   {"Label4", "Barva rámečku"}, {"Label5", "Barva označené buňky"},
+        {"Label6", "Šířka rámečku"}};
+    for (const auto &[name, text] : labels)
+        QCOMPARE(d.Control<QLabel>(name)->text(), QString::fromUtf8(text));
+    const QList<QPair<const char *, const char *>> boxes = {
+        {"GroupBox_Nahled", "Náhled tabulky"},
+        {"GroupBox_rozmery", "Rozměry tabulky"},
+        {"GroupBox_table", "Vlastnosti tabulky"}};
+    for (const auto &[name, title] : boxes) {
+        QCOMPARE(d.Control<QGroupBox>(name)->title(), QString::fromUtf8(title));
+        QVERIFY(d.Control<QGroupBox>(name)->font().bold());
+    }
+    QVERIFY(!d.Control<QLabel>("Label1")->font().bold());
+    QVERIFY(!d.dlg->Preview()->font().bold());
+    QVERIFY(!d.Control("Label5")->isVisible());
+    QVERIFY(!d.Control("RVColorCombo_Bunka")->isVisible());
+
+    const QList<std::tuple<const char *, const char *, QString, int, int, int>> upDowns = {
+        {"udCols", "eCols", "1", 1, 50, 1},
+        {"udRows", "eRows", "1", 1, 50, 1},
+        {"udWidth", "eWidth", "0", 0, 1000, 50},
+        {"UpDown_BorderWidth", "Edit_BorderWidth", "1", 0, 50, 1}};
+    for (const auto &[upDown, edit, text, min, max, step] : upDowns) {
+        QCOMPARE(d.Edit(edit)->text(), text);
+        QCOMPARE(d.UpDown(upDown)->Min(), min);
+        QCOMPARE(d.UpDown(upDown)->Max(), max);
+        QCOMPARE(d.UpDown(upDown)->Increment(), step);
+        QCOMPARE(d.UpDown(upDown)->Associate(), d.Edit(edit));
+    }
+    QVERIFY(d.Edit("eCols")->hasFocus());
+    QCOMPARE(d.Control<QComboBox>("RVColorCombo_Border")->currentText(), QStringLiteral("černá"));
+
+    // The preview shows a table of one cell in its own style sheet.
+    QTextTable *table = d.Table();
+    QVERIFY(table);
+    QCOMPARE(table->rows(), 1);
+    QCOMPARE(table->columns(), 1);
+    QStringList names;
+    for (const TFontInfo &font : d.dlg->Preview()->Style().TextStyles)
+        names << font.StyleName;
+    QCOMPARE(names,
+             QStringList({"Normal text", "Heading", "Subheading", "Keywords", "Jump 1", "Jump 2"}));
+    QCOMPARE(d.dlg->Preview()->Style().TextStyle(2).Color, clNavy);
+    QVERIFY(d.dlg->Preview()->Style().TextStyle(5).Jump);
+    QCOMPARE(d.dlg->Preview()->Style().ParaStyle(1).StyleName, QStringLiteral("Centered"));
+    QCOMPARE(d.dlg->Preview()->Style().ParaStyle(1).Alignment, rvaCenter);
+}
+
+void TestDlgTableCreate::upDownLimits_data()
+{
+    QTest::addColumn<QByteArray>("upDown");
+    QTest::addColumn<QByteArray>("edit");
+    QTest::addColumn<bool>("up");
+    QTest::addColumn<int>("presses");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("unit");
+    QTest::newRow("columns stop at 50")
+        << QByteArray("udCols") << QByteArray("eCols") << true << 60 << "50"
+        << "automaticky";
+    QTest::newRow("columns stop at 1")
+        << QByteArray("udCols") << QByteArray("eCols") << false << 3 << "1"
+        << "automaticky";
+    QTest::newRow("rows stop at 50")
+        << QByteArray("udRows") << QByteArray("eRows") << true << 55 << "50"
+        << "automaticky";
+    QTest::newRow("rows stop at 1")
+        << QByteArray("udRows") << QByteArray("eRows") << false << 1 << "1"
+        << "automaticky";
+    QTest::newRow("one width step")
+        << QByteArray("udWidth") << QByteArray("eWidth") << true << 1 << "50"
+        << "px";
+    QTest::newRow("width stops at 1000")
+        << QByteArray("udWidth") << QByteArray("eWidth") << true << 25 << "1000"
+        << "px";
+    QTest::newRow("width stops at 0")
+        << QByteArray("udWidth") << QByteArray("eWidth") << false << 2 << "0"
+        << "automaticky";
+    QTest::newRow("border stops at 50")
+        << QByteArray("UpDown_BorderWidth") << QByteArray("Edit_BorderWidth") << true << 52 << "50"
+        << "automaticky";
+}
+
+void TestDlgTableCreate::upDownLimits()
+{
+    QFETCH(QByteArray, upDown);
+    QFETCH(QByteArray, edit);
+    QFETCH(bool, up);
+    QFETCH(int, presses);
+    QFETCH(QString, text);
+    QFETCH(QString, unit);
+    {
+        Dialog d;
+        d.Press(upDown.constData(), up, presses);
+        QCOMPARE(d.Edit(edit.constData())->text(), text);
+        QCOMPARE(d.UpDown(upDown.constData())->Position(), text.toInt());
+        QCOMPARE(d.Auto(), unit);
+    }
+    {
+        // The same with the arrow keys in the edit.
+        Dialog d;
+        d.Edit(edit.constData())->setFocus();
+        for (int i = 0; i < presses; ++i)
+            QTest::keyClick(d.Edit(edit.constData()), up ? Qt::Key_Up : Qt::Key_Down);
+        QCOMPARE(d.Edit(edit.constData())->text(), text);
+        QCOMPARE(d.Auto(), unit);
+    }
+}
+
+void TestDlgTableCreate::previewFollowsTheControls()
+{
+    Dialog d;
+    d.Type("eCols", QStringLiteral("4"));
+    d.Press("udRows", true, 2);
+    d.Press("udWidth", true, 3);
+    QTextTable *table = d.Table();
+    QVERIFY(table);
+    QCOMPARE(table->columns(), 4);
+    QCOMPARE(table->rows(), 3);
+    QCOMPARE(RichDocument::TableProps(table).BestWidth, 150);
+    QCOMPARE(d.Auto(), QStringLiteral("px"));
+    QCOMPARE(d.Tables().size(), 1);
+
+    // Colour and border width change the table that is there.
+    d.ChooseBorderColour(kRed);
+    QCOMPARE(d.Table(), table);
+    QCOMPARE(RichDocument::TableProps(table).CellBorderColor, clRed);
+    d.Type("Edit_BorderWidth", QStringLiteral("3"));
+    QCOMPARE(d.Table(), table);
+    QCOMPARE(RichDocument::TableProps(table).CellBorderWidth, 3);
+    QCOMPARE(table->columns(), 4);
+
+    // A typed number beyond the limit makes the largest table.
+    d.Type("eCols", QStringLiteral("70"));
+    QCOMPARE(d.Table()->columns(), 50);
+    QCOMPARE(RichDocument::TableProps(d.Table()).CellBorderColor, clRed);
+    QCOMPARE(RichDocument::TableProps(d.Table()).CellBorderWidth, 3);
+}
+
+void TestDlgTableCreate::nonIntegerBorderWidthFails()
+{
+    MessageRecorder messages;
+    Dialog d;
+    QTextTable *table = d.Table();
+    d.Type("Edit_BorderWidth", QStringLiteral("2x"));
+    QCOMPARE(messages.Texts(), QStringList{QStringLiteral("'2x' není platné celé číslo")});
+    QCOMPARE(messages.Shown().first().Type, mtError);
+    QVERIFY(d.dlg->isVisible());
+    QCOMPARE(d.Table(), table);
+    QVERIFY(d.dlg->Preview()->updatesEnabled());
+
+    // Rebuilding fails the same way until the width is a number again.
+    messages.Clear();
+    d.Press("udCols", true);
+    QCOMPARE(messages.Texts(), QStringList{QStringLiteral("'2x' není platné celé číslo")});
+    QVERIFY(d.dlg->Preview()->updatesEnabled());
+    QVERIFY(d.Tables().isEmpty()); // cleared, then the rebuild failed
+    d.Type("Edit_BorderWidth", QStringLiteral("$A"));
+    QCOMPARE(messages.Texts().size(), 2); // "$" alone is no number yet
+    d.Press("udCols", true);
+    QCOMPARE(messages.Texts().size(), 2);
+    QVERIFY(d.Table());
+    QCOMPARE(d.Table()->columns(), 3);
+    QCOMPARE(RichDocument::TableProps(d.Table()).CellBorderWidth, 10);
+    QVERIFY(d.dlg->isVisible());
+}
+
+void TestDlgTableCreate::showCopiesBackOnlyOnOk_data()
+{
+    QTest::addColumn<QByteArray>("button");
+    QTest::addColumn<bool>("confirmed");
+    QTest::newRow("OK") << QByteArray("BitBtn_OK") << true;
+    QTest::newRow("Cancel") << QByteArray("BitBtn_Cancel") << false;
+}
+
+void TestDlgTableCreate::showCopiesBackOnlyOnOk()
+{
+    QFETCH(QByteArray, button);
+    QFETCH(bool, confirmed);
+    QStringList preset;
+    DialogAnswerer answerer([&](QDialog *dialog) {
+        Dialog d(qobject_cast<TTableCreateDlg *>(dialog));
+        for (const char *edit : {"eCols", "eRows", "eWidth", "Edit_BorderWidth"})
+            preset << d.Edit(edit)->text();
+        preset << d.Control<QComboBox>("RVColorCombo_Border")->currentText();
+        d.Type("eCols", QStringLiteral("5"));
+        d.Press("udRows", false);
+        d.Press("udWidth", true, 2);
+        d.ChooseBorderColour(kBlue);
+        d.Press("UpDown_BorderWidth", true);
+        QTest::mouseClick(d.Control<QPushButton>(button.constData()), Qt::LeftButton);
+        return dialog->result() == QDialog::Accepted ? mrOk : mrCancel;
+    });
+    TTableCreateInfo info{2, 4, 300, clRed, 1};
+    QCOMPARE(ShowDlgTableCreate(info), confirmed);
+    QCOMPARE(answerer.Count(), 1);
+    QCOMPARE(preset, QStringList({"2", "4", "300", "1", "červená"}));
+    const TTableCreateInfo expected =
+        confirmed ? TTableCreateInfo{5, 3, 400, clBlue, 2} : TTableCreateInfo{2, 4, 300, clRed, 1};
+    QCOMPARE(info.Cols, expected.Cols);
+    QCOMPARE(info.Rows, expected.Rows);
+    QCOMPARE(info.Width, expected.Width);
+    QCOMPARE(info.CellBorderColor, expected.CellBorderColor);
+    QCOMPARE(info.CellBorderWidth, expected.CellBorderWidth);
+}
+
+void TestDlgTableCreate::editorInsertsThroughTheDialog()
+{
+    TestForm form;
+    auto *editor = form.Add<TOxaRichView>(150);
+    QVERIFY(form.Show(editor));
+    QTest::keyClicks(editor, QStringLiteral("Tlak:"));
+    TModalResult answer = mrCancel;
+    QList<QWidget *> parents;
+    DialogAnswerer answerer([&](QDialog *dialog) -> TModalResult {
+        parents << dialog->parentWidget();
+        Dialog d(qobject_cast<TTableCreateDlg *>(dialog));
+        d.Type("eCols", QStringLiteral("2"));
+        d.Type("eRows", QStringLiteral("3"));
+        d.ChooseBorderColour(kRed);
+        return answer;
+    });
+    QVERIFY(!editor->InsTableDlg());
+    QCOMPARE(parents, QList<QWidget *>{&form}); // centred on the editor's window
+    QCOMPARE(editor->ItemCount(), 1);
+    answer = mrOk;
+    QVERIFY(editor->InsTableDlg());
+    QTextTable *table = editor->CurrentTable();
+    QVERIFY(table);
+    QCOMPARE(table->columns(), 2);
+    QCOMPARE(table->rows(), 3);
+    QCOMPARE(RichDocument::TableProps(table).CellBorderColor, clRed);
+    QCOMPARE(RichDocument::TableName(table), QStringLiteral("tabulka"));
+    QCOMPARE(editor->UndoAction(), int(utInserting));
+}
+
+QTEST_MAIN(TestDlgTableCreate)
+#include "tst_dlgtablecreate.moc"

@@ -1,0 +1,252 @@
+#include "oxa/richtext/OxaRichView.h"
+#include "oxa/richtext/RVPopupMenu.h"
+#include "oxa/toolkit/Exceptions.h"
+#include "support/TestSupport.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+using namespace oxa;
+using namespace oxa::test;
+
+namespace {
+
+QAction *FindItem(const QMenu *menu, const QString &caption)
+{
+    for (QAction *action : menu->actions()) {
+        if (!action->isSeparator() && action->text() == caption)
+            return action;
+    }
+    return nullptr;
+}
+
+// A shown editor with the menu as its context menu.
+struct Bench
+{
+    TestForm form;
+    TOxaRichView *editor;
+    TRVPopupMenu *menu;
+
+    Bench() : editor(form.Add<TOxaRichView>(150)), menu(new TRVPopupMenu(&form))
+    {
+        form.resize(400, 220);
+        editor->resize(380, 150);
+        menu->Init(editor);
+        form.Show(editor);
+    }
+    QString Text() const { return editor->GetText(0, editor->ItemCount() - 1); }
+    const TFontInfo &Font(int item = 0) const
+    {
+        return editor->Style().TextStyle(editor->GetItemStyle(item));
+    }
+    // Right-clicks the editor; the menu that opened.
+    QMenu *Open() const { return RightClick(editor->viewport()); }
+    // Opens the menu and clicks the item, in the "Formát" submenu when it is there.
+    bool Choose(const QString &caption) const
+    {
+        QMenu *shown = Open();
+        if (shown != menu)
+            return false;
+        if (QAction *item = FindItem(menu, caption); item && item->isEnabled()) {
+            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(item).center());
+            return true;
+        }
+        QMenu *sub = menu->FormatMenu();
+        menu->setActiveAction(sub->menuAction());
+        QTest::keyClick(menu, Qt::Key_Right);
+        if (!WaitFor([sub] { return sub->isVisible(); }, 2000))
+            return false;
+        QAction *item = FindItem(sub, caption);
+        if (!item || !item->isEnabled()) {
+            menu->close();
+            return false;
+        }
+        QTest::mouseClick(sub, Qt::LeftButton, {}, sub->actionGeometry(item).center());
+        return true;
+    }
+};
+
+QStringList Captions(const QMenu *menu)
+{
+    QStringList captions;
+    for (const QAction *action : menu->actions())
+        captions << (action->isSeparator() ? QStringLiteral("-") : action->text());
+    return captions;
+}
+
+} // namespace
+
+class TestRVPopupMenu : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initAcceptsTheEditorOrNothing();
+    void captions();
+    void rightClickOpensTheMenu();
+    void itemsDoWhatTheToolbarDoes_data();
+    void itemsDoWhatTheToolbarDoes();
+    void checksAndEnablingFollowTheEditor();
+    void menuKeyOpensAtTheCaret();
+};
+
+void TestRVPopupMenu::initAcceptsTheEditorOrNothing()
+{
+    QWidget owner;
+    TRVPopupMenu menu(&owner);
+    TOxaRichView editor(&owner);
+    QLineEdit edit(&owner);
+    menu.Init(&editor);
+    QCOMPARE(menu.Editor(), &editor);
+    for (QObject *wrong : {static_cast<QObject *>(&edit), static_cast<QObject *>(&menu),
+                           static_cast<QObject *>(&owner)}) {
+        try {
+            menu.Init(wrong);
+            QFAIL("Init took another object than the editor");
+        } catch (const Exception &e) {
+            QCOMPARE(e.Message(),
+                     QStringLiteral("Povolene parametry jsou \"TOxaRichView\" a \"nil\""));
+        }
+        QCOMPARE(menu.Editor(), &editor);
+    }
+    menu.Init(nullptr);
+    QVERIFY(!menu.Editor());
+
+    auto *gone = new TOxaRichView(&owner);
+    menu.Init(gone);
+    delete gone;
+    QVERIFY(!menu.Editor());
+}
+
+void TestRVPopupMenu::captions()
+{
+    TRVPopupMenu menu;
+    QCOMPARE(Captions(&menu),
+             QStringList({"Vyjmout", "Kopírovat", "Vložit", "Vložit jako text", "-", "Formát"}));
+    QCOMPARE(Captions(menu.FormatMenu()),
+             QStringList({"Tučné", "Kurzíva", "Podtržené", "Preškrtnuté", "-", "Vlevo", "Na střed",
+                          "Vpravo", "Do bloku"}));
+    menu.CreateItems(); // once only
+    QCOMPARE(menu.actions().size(), 6);
+}
+
+void TestRVPopupMenu::rightClickOpensTheMenu()
+{
+    Bench b;
+    QSignalSpy popups(b.editor, &TOxaRichView::OnPopup);
+    QMenu *shown = b.Open();
+    QCOMPARE(shown, b.menu);
+    QCOMPARE(popups.count(), 1);
+    b.menu->close();
+
+    // Unbound, the editor shows its standard menu again.
+    b.menu->Init(nullptr);
+    shown = b.Open();
+    QVERIFY(shown);
+    QVERIFY(shown != b.menu);
+    QCOMPARE(popups.count(), 2);
+    shown->close();
+}
+
+void TestRVPopupMenu::itemsDoWhatTheToolbarDoes_data()
+{
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<int>("style");
+    QTest::addColumn<int>("alignment");
+    QTest::newRow("bold") << "Tučné" << int(fsBold) << int(rvaLeft);
+    QTest::newRow("italic") << "Kurzíva" << int(fsItalic) << int(rvaLeft);
+    QTest::newRow("underline") << "Podtržené" << int(fsUnderline) << int(rvaLeft);
+    QTest::newRow("strike-out") << "Preškrtnuté" << int(fsStrikeOut) << int(rvaLeft);
+    QTest::newRow("center") << "Na střed" << 0 << int(rvaCenter);
+    QTest::newRow("right") << "Vpravo" << 0 << int(rvaRight);
+    QTest::newRow("justify") << "Do bloku" << 0 << int(rvaJustify);
+}
+
+void TestRVPopupMenu::itemsDoWhatTheToolbarDoes()
+{
+    QFETCH(QString, caption);
+    QFETCH(int, style);
+    QFETCH(int, alignment);
+    Bench b;
+    QTest::keyClicks(b.editor, QStringLiteral("anamneza"));
+    QTest::keyClick(b.editor, Qt::Key_A, Qt::ControlModifier);
+    QVERIFY(b.Choose(caption));
+    QCOMPARE(int(b.Font().Style), style);
+    QCOMPARE(int(b.editor->Style().ParaStyle(b.editor->GetItemPara(0)).Alignment), alignment);
+    QCOMPARE(b.Text(), QStringLiteral("anamneza"));
+    QVERIFY(b.editor->hasFocus());
+    // The same item again takes a style off; an alignment stays.
+    QVERIFY(b.Choose(caption));
+    QCOMPARE(int(b.Font().Style), 0);
+    QCOMPARE(int(b.editor->Style().ParaStyle(b.editor->GetItemPara(0)).Alignment), alignment);
+}
+
+void TestRVPopupMenu::checksAndEnablingFollowTheEditor()
+{
+    Bench b;
+    QTest::keyClicks(b.editor, QStringLiteral("TK 130/85"));
+    b.Open();
+    QVERIFY(!b.menu->Item(tbtCut)->isEnabled());
+    QVERIFY(!b.menu->Item(tbtCopy)->isEnabled());
+    QVERIFY(b.menu->Item(tbtPaste)->isEnabled());
+    QVERIFY(b.menu->Item(tbtLeftAlign)->isChecked());
+    QVERIFY(!b.menu->Item(tbtBold)->isChecked());
+    b.menu->close();
+
+    QTest::keyClick(b.editor, Qt::Key_Left, Qt::ShiftModifier | Qt::ControlModifier);
+    QTest::keyClick(b.editor, Qt::Key_B, Qt::ControlModifier);
+    QTest::keyClick(b.editor, Qt::Key_E, Qt::ControlModifier);
+    QTest::keyClick(b.editor, Qt::Key_End);
+    b.Open();
+    QVERIFY(!b.menu->Item(tbtCut)->isEnabled());
+    QVERIFY(b.menu->Item(tbtBold)->isChecked());
+    QVERIFY(b.menu->Item(tbtCenterAlign)->isChecked());
+    QVERIFY(!b.menu->Item(tbtLeftAlign)->isChecked());
+    b.menu->close();
+    QTest::keyClick(b.editor, Qt::Key_Left, Qt::ShiftModifier | Qt::ControlModifier);
+    b.Open();
+    QVERIFY(b.menu->Item(tbtCut)->isEnabled());
+    b.menu->close();
+
+    QVERIFY(b.Choose(QStringLiteral("Vyjmout")));
+    QCOMPARE(b.Text(), QStringLiteral("TK 130/"));
+    QCOMPARE(QApplication::clipboard()->text(), QStringLiteral("85"));
+    QCOMPARE(b.editor->UndoAction(), int(utDeleting));
+    QVERIFY(b.Choose(QStringLiteral("Vložit jako text")));
+    QCOMPARE(b.Text(), QStringLiteral("TK 130/85"));
+    QVERIFY(b.Choose(QStringLiteral("Vložit")));
+    QCOMPARE(b.Text(), QStringLiteral("TK 130/8585"));
+    QCOMPARE(b.editor->UndoAction(), int(utInserting));
+    QTest::keyClick(b.editor, Qt::Key_Home, Qt::ShiftModifier);
+    QVERIFY(b.Choose(QStringLiteral("Kopírovat")));
+    QCOMPARE(QApplication::clipboard()->text(), QStringLiteral("TK 130/8585"));
+
+    b.editor->setReadOnly(true);
+    b.Open();
+    QVERIFY(b.menu->Item(tbtCopy)->isEnabled());
+    QVERIFY(!b.menu->Item(tbtCut)->isEnabled());
+    QVERIFY(!b.menu->Item(tbtPaste)->isEnabled());
+    QVERIFY(!b.menu->Item(tbtBold)->isEnabled());
+    b.menu->close();
+}
+
+void TestRVPopupMenu::menuKeyOpensAtTheCaret()
+{
+    Bench b;
+    QTest::keyClicks(b.editor, QStringLiteral("abc"));
+    const QPoint caret = b.editor->viewport()->mapToGlobal(b.editor->cursorRect().center());
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(1, 1), QPoint(1, 1));
+    QApplication::sendEvent(b.editor, &key);
+    QCOMPARE(QApplication::activePopupWidget(), b.menu);
+    QVERIFY((b.menu->pos() - caret).manhattanLength() < 4);
+    b.menu->close();
+}
+
+QTEST_MAIN(TestRVPopupMenu)
+#include "tst_rvpopupmenu.moc"

@@ -1,0 +1,540 @@
+#include "oxa/richtext/DlgTableCreate.h"
+#include "oxa/richtext/OxaRichView.h"
+#include "oxa/richtext/RVToolBar.h"
+#include "oxa/utilities/ColorDlg.h"
+#include "support/TestSupport.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPointer>
+#include <QTest>
+#include <QTextTable>
+#include <QToolButton>
+
+#include <memory>
+
+using namespace oxa;
+using namespace oxa::test;
+
+Q_DECLARE_METATYPE(oxa::TRVToolButtonType)
+Q_DECLARE_METATYPE(oxa::TRVToolButtonKind)
+
+namespace {
+
+// A window with a toolbar of the groups above a shown editor that has the focus.
+struct Bench
+{
+    QWidget form;
+    TRVToolBar *bar;
+    TOxaRichView *editor;
+
+    explicit Bench(const TRVToolButtonGroups &groups = {tbgAll})
+        : bar(new TRVToolBar(&form)), editor(new TOxaRichView(&form))
+    {
+        form.resize(1900, 330);
+        bar->setGeometry(0, 0, 1900, 34);
+        editor->setGeometry(0, 40, 600, 280);
+        bar->AddObjectGroups(groups, true);
+        bar->Init(editor);
+        ShowAndActivate(&form);
+        editor->setFocus();
+    }
+    QToolButton *Button(TRVToolButtonType typ) const
+    {
+        return qobject_cast<QToolButton *>(bar->GetButton(typ).Obj);
+    }
+    QComboBox *Combo(TRVToolButtonType typ) const
+    {
+        return qobject_cast<QComboBox *>(bar->GetButton(typ).Obj);
+    }
+    void Click(TRVToolButtonType typ) const
+    {
+        QToolButton *button = Button(typ);
+        QVERIFY2(button && button->isVisible(), "the button is on the toolbar");
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+    QString Hint(TRVToolButtonType typ) const { return Button(typ)->toolTip(); }
+    QString Text() const { return editor->GetText(0, editor->ItemCount() - 1); }
+    const TFontInfo &Font(int item = 0) const
+    {
+        return editor->Style().TextStyle(editor->GetItemStyle(item));
+    }
+    void Type(const QString &text) const { QTest::keyClicks(editor, text); }
+    void SelectAll() const { QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier); }
+};
+
+} // namespace
+
+class TestRVToolBar : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void buttonTable_data();
+    void buttonTable();
+    void objectsInTypeOrder();
+    void fontStyleButtons_data();
+    void fontStyleButtons();
+    void alignmentButtons_data();
+    void alignmentButtons();
+    void buttonsFollowTheCaret();
+    void undoAndRedoNameTheirSteps();
+    void clipboardButtons();
+    void hostHandlesTheClickFirst();
+    void insertionButtonsReachTheHostOnly_data();
+    void insertionButtonsReachTheHostOnly();
+    void colourButtonsOpenThePicker_data();
+    void colourButtonsOpenThePicker();
+    void comboBoxesSetTheFont();
+    void tableButtonOpensTheDialog();
+    void enablingAndALostEditor();
+};
+
+void TestRVToolBar::buttonTable_data()
+{
+    QTest::addColumn<TRVToolButtonType>("typ");
+    QTest::addColumn<QString>("hint");
+    QTest::addColumn<int>("image");
+    QTest::addColumn<TRVToolButtonKind>("kind");
+    const auto row = [](const char *name, TRVToolButtonType typ, const char *hint, int image,
+                        TRVToolButtonKind kind) {
+        QTest::newRow(name) << typ << QString::fromUtf8(hint) << image << kind;
+    };
+    // One type of each kind, and the texts users know as they are spelt.
+    row("check", tbtStrikeOut, "Preškrtnuté [Ctrl+S]", 3, tbkCheck);
+    row("grouped", tbtRighAlign, "Vpravo [Ctrl+R]", 6, tbkCheckGrouped);
+    row("button", tbtRedo, "Vpřed [Ctrl+Shift+Z]", 13, tbkButton);
+    row("colour", tbtBgColor, "Barva pozadí", 14, tbkCheck);
+    row("speed button", tbtInclude, "Vložit", 16, tbkSpeedButton);
+    row("drop-down", tbtIncludeSmall, "Vložit...", 16, tbkDropDown);
+    row("combo box", tbtFontSize, "Velikost písma", -1, tbkComboBox);
+    row("diagnoses", tbtInTrvaleDiagnozy, "Vložit trvalé diagnozy ...", 21, tbkButton);
+    row("table", tbtTable, "Tabulka ...", 23, tbkDropDown);
+}
+
+// A type makes the control of its kind, with its hint and picture.
+void TestRVToolBar::buttonTable()
+{
+    QFETCH(TRVToolButtonType, typ);
+    QFETCH(QString, hint);
+    QFETCH(int, image);
+    QFETCH(TRVToolButtonKind, kind);
+    const TRVToolBar::TButtonsProperties &props = TRVToolBar::ButtonsProperties(typ);
+    QCOMPARE(props.Hint, hint);
+    QCOMPARE(props.ImageIndex, image);
+    QCOMPARE(props.Kind, kind);
+    QMenu menu;
+    TRVToolBar bar;
+    bar.AddObjects({typ}, &menu);
+    QObject *control = bar.GetButton(typ).Obj;
+    QVERIFY(control);
+    QCOMPARE(qobject_cast<QWidget *>(control)->toolTip(), hint);
+    if (kind == tbkComboBox) {
+        QVERIFY(qobject_cast<QComboBox *>(control));
+        return;
+    }
+    auto *button = qobject_cast<QToolButton *>(control);
+    QVERIFY(button);
+    QCOMPARE(button->icon().cacheKey(), TRVToolBar::Icons().at(image).cacheKey());
+    QVERIFY(!button->icon().pixmap(16, 16).toImage().isNull());
+    QCOMPARE(button->isCheckable(), kind == tbkCheck || kind == tbkCheckGrouped);
+    QCOMPARE(button->menu() == &menu, kind == tbkDropDown);
+    QCOMPARE(button->text(), kind == tbkSpeedButton ? hint : QString());
+}
+
+void TestRVToolBar::objectsInTypeOrder()
+{
+    TRVToolBar bar;
+    bar.AddObjectGroups({tbgUndoRedo, tbgFontStyle, tbgColors}, true);
+    QList<TRVToolButtonType> order;
+    for (const TObjectProp &object : bar.Objects())
+        order << object.Typ;
+    const QList<TRVToolButtonType> expected = {
+        tbtBold, tbtItalic, tbtUnderline, tbtStrikeOut, tbtSeparator,
+        tbtUndo, tbtRedo,   tbtSeparator, tbtBgColor,   tbtFontColor};
+    QCOMPARE(order, expected);
+    // What is there stays single; gaps and dividers may repeat.
+    QVERIFY(!bar.AddObject(tbtBold));
+    bar.AddObjects({tbtUndo, tbtCut, tbtBold});
+    QVERIFY(bar.AddObject(tbtDivider));
+    QVERIFY(bar.AddObject(tbtDivider));
+    QCOMPARE(bar.Objects().size(), expected.size() + 3);
+    QCOMPARE(bar.Objects().at(expected.size()).Typ, tbtCut);
+    QCOMPARE(bar.actions().size(), bar.Objects().size());
+
+    bar.Clear();
+    QVERIFY(bar.Objects().isEmpty());
+    QVERIFY(bar.actions().isEmpty());
+    QVERIFY(!bar.GetButton(tbtBold).Obj);
+    QVERIFY(!bar.isInObjects(tbtBold));
+
+    // The whole table: every type but the gaps, each once, in type order.
+    bar.AddObjectGroups({tbgAll, tbgStandard}, true);
+    QCOMPARE(bar.Objects().size(), 28);
+    QCOMPARE(bar.Objects().first().Typ, tbtBold);
+    QCOMPARE(bar.Objects().last().Typ, tbtSeparator); // the standard group added nothing more
+}
+
+void TestRVToolBar::fontStyleButtons_data()
+{
+    QTest::addColumn<TRVToolButtonType>("typ");
+    QTest::addColumn<int>("flag");
+    QTest::newRow("bold") << tbtBold << int(fsBold);
+    QTest::newRow("italic") << tbtItalic << int(fsItalic);
+    QTest::newRow("underline") << tbtUnderline << int(fsUnderline);
+    QTest::newRow("strike-out") << tbtStrikeOut << int(fsStrikeOut);
+}
+
+void TestRVToolBar::fontStyleButtons()
+{
+    QFETCH(TRVToolButtonType, typ);
+    QFETCH(int, flag);
+    Bench b;
+    b.Type(QStringLiteral("nalez"));
+    b.SelectAll();
+    b.Click(typ);
+    QCOMPARE(int(b.Font().Style), flag);
+    QVERIFY(b.Button(typ)->isChecked());
+    QCOMPARE(b.Hint(tbtUndo), QStringLiteral("Zpět (formátování)"));
+    QVERIFY(b.editor->hasFocus());
+    b.Click(typ);
+    QCOMPARE(int(b.Font().Style), 0);
+    QVERIFY(!b.Button(typ)->isChecked());
+    QCOMPARE(b.Text(), QStringLiteral("nalez"));
+}
+
+void TestRVToolBar::alignmentButtons_data()
+{
+    QTest::addColumn<TRVToolButtonType>("typ");
+    QTest::addColumn<int>("alignment");
+    QTest::newRow("center") << tbtCenterAlign << int(rvaCenter);
+    QTest::newRow("right") << tbtRighAlign << int(rvaRight);
+    QTest::newRow("justify") << tbtJustifyAlign << int(rvaJustify);
+    QTest::newRow("left") << tbtLeftAlign << int(rvaLeft);
+}
+
+void TestRVToolBar::alignmentButtons()
+{
+    QFETCH(TRVToolButtonType, typ);
+    QFETCH(int, alignment);
+    Bench b({tbgAlign, tbgUndoRedo});
+    b.Type(QStringLiteral("radek"));
+    QVERIFY(b.Button(tbtLeftAlign)->isChecked());
+    if (typ == tbtLeftAlign)
+        b.Click(tbtRighAlign);
+    b.Click(typ);
+    QCOMPARE(int(b.editor->Style().ParaStyle(b.editor->GetItemPara(0)).Alignment), alignment);
+    for (TRVToolButtonType other : TRVToolBar::GroupTypes(tbgAlign))
+        QCOMPARE(b.Button(other)->isChecked(), other == typ);
+    QCOMPARE(b.Hint(tbtUndo), QStringLiteral("Zpět (modifikace odstavce)"));
+}
+
+// The controls show the state at the caret, whichever way it moved.
+void TestRVToolBar::buttonsFollowTheCaret()
+{
+    Bench b;
+    b.Type(QStringLiteral("obycejne "));
+    QTest::keyClick(b.editor, Qt::Key_B, Qt::ControlModifier);
+    QVERIFY(b.Button(tbtBold)->isChecked());
+    b.Type(QStringLiteral("tucne"));
+    QTest::keyClick(b.editor, Qt::Key_E, Qt::ControlModifier);
+    QVERIFY(b.Button(tbtBold)->isChecked());
+    QVERIFY(b.Button(tbtCenterAlign)->isChecked());
+    QVERIFY(!b.Button(tbtLeftAlign)->isChecked());
+    QTest::keyClick(b.editor, Qt::Key_Home);
+    QVERIFY(!b.Button(tbtBold)->isChecked());
+    QTest::keyClick(b.editor, Qt::Key_Return);
+    QTest::keyClick(b.editor, Qt::Key_Up);
+    QVERIFY(b.Button(tbtCenterAlign)->isChecked());
+    QCOMPARE(b.Combo(tbtFontName)->currentText(), QStringLiteral("Arial"));
+    QCOMPARE(b.Combo(tbtFontSize)->currentText(), QStringLiteral("10"));
+    QCOMPARE(b.Combo(tbtTextStyle)->currentText(), QStringLiteral("Normal text"));
+
+    b.editor->CaretToEnd();
+    b.editor->SetFontSize(14);
+    b.editor->SetFontName(QStringLiteral("Courier"));
+    QCOMPARE(b.Combo(tbtFontSize)->currentText(), QStringLiteral("14"));
+    QCOMPARE(b.Combo(tbtFontName)->currentText(), QStringLiteral("Courier"));
+    QTest::keyClick(b.editor, Qt::Key_Home);
+    QCOMPARE(b.Combo(tbtFontSize)->currentText(), QStringLiteral("10"));
+}
+
+void TestRVToolBar::undoAndRedoNameTheirSteps()
+{
+    Bench b({tbgUndoRedo});
+    QToolButton *undo = b.Button(tbtUndo);
+    QToolButton *redo = b.Button(tbtRedo);
+    QVERIFY(!undo->isEnabled());
+    QVERIFY(!redo->isEnabled());
+    QCOMPARE(undo->toolTip(), QStringLiteral("Zpět [Ctrl+Z]"));
+    QCOMPARE(redo->toolTip(), QStringLiteral("Vpřed [Ctrl+Shift+Z]"));
+
+    b.Type(QStringLiteral("abc"));
+    QVERIFY(undo->isEnabled());
+    QCOMPARE(undo->toolTip(), QStringLiteral("Zpět (psaní)"));
+    QTest::keyClick(b.editor, Qt::Key_Backspace);
+    QCOMPARE(undo->toolTip(), QStringLiteral("Zpět (mazání)"));
+
+    b.Click(tbtUndo);
+    QCOMPARE(b.Text(), QStringLiteral("abc"));
+    QCOMPARE(undo->toolTip(), QStringLiteral("Zpět (psaní)"));
+    QVERIFY(redo->isEnabled());
+    QCOMPARE(redo->toolTip(), QStringLiteral("Vpřed (mazání)"));
+    b.Click(tbtRedo);
+    QCOMPARE(b.Text(), QStringLiteral("ab"));
+    QVERIFY(!redo->isEnabled());
+    QCOMPARE(redo->toolTip(), QStringLiteral("Vpřed [Ctrl+Shift+Z]"));
+
+    // The engine's custom step carries its own name; tag changes keep their English one.
+    b.editor->RVData()->BeginUndoCustom(QStringLiteral("vložení vzoru"));
+    b.editor->InsertText(QStringLiteral("x"));
+    QCOMPARE(undo->toolTip(), QStringLiteral("Zpět (vložení vzoru)"));
+    b.editor->SetItemTag(0, QStringLiteral("7"));
+    QCOMPARE(undo->toolTip(), QStringLiteral("Zpět (tag modification)"));
+    QCOMPARE(TRVToolBar::UndoTypeName(10), QStringLiteral("inserting checkpoint"));
+    QCOMPARE(TRVToolBar::UndoTypeName(12), QStringLiteral("editing checkpoint"));
+    QCOMPARE(TRVToolBar::UndoTypeName(14), QString());
+
+    b.Click(tbtUndo);
+    b.Click(tbtUndo);
+    b.Click(tbtUndo);
+    b.Click(tbtUndo);
+    QVERIFY(b.editor->IsEmpty());
+    QVERIFY(!undo->isEnabled());
+    QCOMPARE(undo->toolTip(), QStringLiteral("Zpět [Ctrl+Z]"));
+}
+
+void TestRVToolBar::clipboardButtons()
+{
+    Bench b({tbgFontStyle, tbgClipboard, tbgUndoRedo});
+    b.Type(QStringLiteral("tlak 120/80"));
+    QTest::keyClick(b.editor, Qt::Key_Left, Qt::ShiftModifier | Qt::ControlModifier);
+    b.Click(tbtCut);
+    QCOMPARE(b.Text(), QStringLiteral("tlak 120/"));
+    QCOMPARE(QApplication::clipboard()->text(), QStringLiteral("80"));
+    QCOMPARE(b.Hint(tbtUndo), QStringLiteral("Zpět (mazání)"));
+    b.Click(tbtPaste);
+    QCOMPARE(b.Text(), QStringLiteral("tlak 120/80"));
+    QCOMPARE(b.Hint(tbtUndo), QStringLiteral("Zpět (vkládání)"));
+
+    b.SelectAll();
+    b.Click(tbtBold);
+    b.Click(tbtCopy);
+    QTest::keyClick(b.editor, Qt::Key_End);
+    QTest::keyClick(b.editor, Qt::Key_Return);
+    b.Click(tbtPasteText);
+    QCOMPARE(b.Text(), QStringLiteral("tlak 120/80\r\ntlak 120/80"));
+    // As text: in the style at the caret, which is the bold of the line before.
+    b.Click(tbtPaste);
+    QCOMPARE(b.Text(), QStringLiteral("tlak 120/80\r\ntlak 120/80tlak 120/80"));
+}
+
+void TestRVToolBar::hostHandlesTheClickFirst()
+{
+    Bench b({tbgFontStyle});
+    QList<QPair<QObject *, TRVToolButtonType>> seen;
+    bool handle = true;
+    b.bar->OnButtonClick = [&](QObject *sender, TRVToolButtonType typ, bool &Handled) {
+        QVERIFY(!Handled);
+        seen.append({sender, typ});
+        Handled = handle;
+    };
+    b.Type(QStringLiteral("ab"));
+    b.SelectAll();
+    b.Click(tbtBold);
+    QCOMPARE(seen.size(), 1);
+    QCOMPARE(seen.first().first, b.Button(tbtBold));
+    QCOMPARE(seen.first().second, tbtBold);
+    QCOMPARE(int(b.Font().Style), 0);
+    QVERIFY(!b.Button(tbtBold)->isChecked());
+    QCOMPARE(b.editor->UndoAction(), int(utTyping));
+
+    handle = false;
+    b.Click(tbtBold);
+    QCOMPARE(seen.size(), 2);
+    QCOMPARE(int(b.Font().Style), int(fsBold));
+}
+
+void TestRVToolBar::insertionButtonsReachTheHostOnly_data()
+{
+    QTest::addColumn<TRVToolButtonType>("typ");
+    QTest::newRow("templates") << tbtInTextoveVzory;
+    QTest::newRow("medication") << tbtInTrvaleLeky;
+    QTest::newRow("history") << tbtInAnamnezy;
+    QTest::newRow("diagnoses") << tbtInTrvaleDiagnozy;
+    QTest::newRow("blocks") << tbtInBloky;
+    QTest::newRow("include") << tbtInclude;
+    QTest::newRow("include small") << tbtIncludeSmall;
+}
+
+void TestRVToolBar::insertionButtonsReachTheHostOnly()
+{
+    QFETCH(TRVToolButtonType, typ);
+    Bench b({tbgInclude, tbgUndoRedo});
+    b.Type(QStringLiteral("Dg: "));
+    QList<TRVToolButtonType> seen;
+    b.bar->OnButtonClick = [&](QObject *, TRVToolButtonType t, bool &) { seen << t; };
+    b.Click(typ);
+    QCOMPARE(seen, QList<TRVToolButtonType>{typ});
+    QCOMPARE(b.Text(), QStringLiteral("Dg: "));
+    QCOMPARE(b.editor->UndoAction(), int(utTyping));
+
+    // The host inserts its content at the caret.
+    b.bar->OnButtonClick = [&](QObject *, TRVToolButtonType, bool &Handled) {
+        b.editor->InsertFormatText(QStringLiteral("<b>I10</b> hypertenze"));
+        Handled = true;
+    };
+    b.Click(typ);
+    QCOMPARE(b.Text(), QStringLiteral("Dg: I10 hypertenze"));
+    QCOMPARE(b.Hint(tbtUndo), QStringLiteral("Zpět (vkládání)"));
+}
+
+void TestRVToolBar::colourButtonsOpenThePicker_data()
+{
+    QTest::addColumn<TRVToolButtonType>("typ");
+    QTest::addColumn<int>("changeType");
+    QTest::addColumn<int>("mode");
+    QTest::newRow("background") << tbtBgColor << int(cctBackground) << int(cdmTransparent);
+    QTest::newRow("font") << tbtFontColor << int(cctFont) << int(cdmAutomatic);
+}
+
+void TestRVToolBar::colourButtonsOpenThePicker()
+{
+    QFETCH(TRVToolButtonType, typ);
+    QFETCH(int, changeType);
+    QFETCH(int, mode);
+    Bench b({tbgColors, tbgUndoRedo});
+    b.Type(QStringLiteral("alergie"));
+    b.SelectAll();
+    b.Click(typ);
+    QPointer<TColorForm> picker = b.bar->ColorDialog();
+    QVERIFY(picker);
+    QVERIFY(picker->isVisible());
+    QCOMPARE(int(picker->Mode()), mode);
+    QCOMPARE(int(b.bar->ColorChangeType()), changeType);
+    QVERIFY(b.Button(typ)->isChecked());
+    QToolButton *button = b.Button(typ);
+    QCOMPARE(picker->pos(), button->mapToGlobal(QPoint(0, button->height())));
+
+    QTest::mouseClick(picker->PaletteButtons().at(9), Qt::LeftButton); // "červená"
+    QCOMPARE(int(b.bar->ColorChangeType()), int(cctNone));
+    QVERIFY(!b.bar->ColorDialog());
+    QVERIFY(!b.Button(typ)->isChecked());
+    const TFontInfo &font = b.Font();
+    QCOMPARE(typ == tbtBgColor ? font.BackColor : font.Color, clRed);
+    QCOMPARE(typ == tbtBgColor ? font.Color : font.BackColor,
+             typ == tbtBgColor ? clWindowText : clNone);
+    QCOMPARE(b.Hint(tbtUndo), QStringLiteral("Zpět (formátování)"));
+    // The button's bar shows the colour at the caret.
+    QCOMPARE(b.Button(typ)->icon().pixmap(16, 16).toImage().pixelColor(7, 13), QColor(Qt::red));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!picker);
+
+    // Escape closes the picker without a colour.
+    b.Click(typ);
+    QVERIFY(b.bar->ColorDialog());
+    QTest::keyClick(b.bar->ColorDialog(), Qt::Key_Escape);
+    QVERIFY(!b.bar->ColorDialog());
+    QCOMPARE(typ == tbtBgColor ? b.Font().BackColor : b.Font().Color, clRed);
+}
+
+void TestRVToolBar::comboBoxesSetTheFont()
+{
+    Bench b({tbgFont, tbgUndoRedo});
+    b.Type(QStringLiteral("Zaver"));
+    b.SelectAll();
+    QComboBox *size = b.Combo(tbtFontSize);
+    QTest::mouseClick(size->lineEdit(), Qt::LeftButton);
+    size->lineEdit()->selectAll();
+    QTest::keyClicks(size->lineEdit(), QStringLiteral("13"));
+    QTest::keyClick(size->lineEdit(), Qt::Key_Return);
+    QCOMPARE(b.Font().Size, 13);
+    QVERIFY(b.editor->hasFocus());
+
+    // Chosen from the list with the keyboard.
+    size->setFocus();
+    QTest::keyClick(size, Qt::Key_Down, Qt::AltModifier);
+    QTest::keyClick(size->view(), Qt::Key_End);
+    QTest::keyClick(size->view(), Qt::Key_Return);
+    QCOMPARE(b.Font().Size, 72);
+
+    QComboBox *name = b.Combo(tbtFontName);
+    QTest::mouseClick(name->lineEdit(), Qt::LeftButton);
+    name->lineEdit()->selectAll();
+    QTest::keyClicks(name->lineEdit(), QStringLiteral("Pismo lekare"));
+    QTest::keyClick(name->lineEdit(), Qt::Key_Return);
+    QCOMPARE(b.Font().FontName, QStringLiteral("Pismo lekare"));
+    QCOMPARE(b.Font().Size, 72);
+
+    QComboBox *styles = b.Combo(tbtTextStyle);
+    QCOMPARE(styles->itemText(1), QStringLiteral("Heading"));
+    styles->setFocus();
+    QTest::keyClick(styles, Qt::Key_Down, Qt::AltModifier);
+    QTest::keyClick(styles->view(), Qt::Key_Home);
+    QTest::keyClick(styles->view(), Qt::Key_Down);
+    QTest::keyClick(styles->view(), Qt::Key_Return);
+    QCOMPARE(b.editor->GetItemStyle(0), 1);
+    QCOMPARE(b.Font().FontName, QStringLiteral("Arial"));
+    QCOMPARE(b.Text(), QStringLiteral("Zaver"));
+}
+
+void TestRVToolBar::tableButtonOpensTheDialog()
+{
+    Bench b({tbgInclude, tbgUndoRedo});
+    b.Type(QStringLiteral("Vysledky:"));
+    QStringList titles;
+    TModalResult answer = mrCancel;
+    DialogAnswerer answerer([&](QDialog *dialog) {
+        titles << dialog->windowTitle();
+        auto *cols = dialog->findChild<QLineEdit *>(QStringLiteral("eCols"));
+        cols->selectAll();
+        QTest::keyClicks(cols, QStringLiteral("3"));
+        return answer;
+    });
+    b.Click(tbtTable);
+    QCOMPARE(titles, QStringList{QStringLiteral("Dialog pro návrh tabulky")});
+    QCOMPARE(b.editor->ItemCount(), 1);
+    QVERIFY(!b.editor->CurrentTable());
+
+    answer = mrOk;
+    b.Click(tbtTable);
+    QTextTable *table = b.editor->CurrentTable();
+    QVERIFY(table);
+    QCOMPARE(table->columns(), 3);
+    QCOMPARE(table->rows(), 1);
+    QCOMPARE(b.editor->GetItemStyle(1), rvsTableItem);
+    QCOMPARE(b.Hint(tbtUndo), QStringLiteral("Zpět (vkládání)"));
+}
+
+void TestRVToolBar::enablingAndALostEditor()
+{
+    auto b = std::make_unique<Bench>(TRVToolButtonGroups{tbgFontStyle, tbgUndoRedo, tbgFont});
+    b->Type(QStringLiteral("a"));
+    b->bar->SetEnable(false);
+    for (const TObjectProp &object : b->bar->Objects()) {
+        if (auto *widget = qobject_cast<QWidget *>(object.Obj))
+            QVERIFY(!widget->isEnabled());
+    }
+    b->bar->SetEnable(true);
+    QVERIFY(b->Button(tbtBold)->isEnabled());
+    QVERIFY(b->Button(tbtUndo)->isEnabled());
+    QVERIFY(!b->Button(tbtRedo)->isEnabled());
+
+    // The editor goes away: the toolbar forgets it and its clicks reach only the host.
+    delete b->editor;
+    QVERIFY(!b->bar->Editor());
+    QVERIFY(!b->Button(tbtUndo)->isEnabled());
+    QCOMPARE(b->Hint(tbtUndo), QStringLiteral("Zpět [Ctrl+Z]"));
+    int clicks = 0;
+    b->bar->OnButtonClick = [&](QObject *, TRVToolButtonType, bool &) { ++clicks; };
+    QTest::mouseClick(b->Button(tbtBold), Qt::LeftButton);
+    QCOMPARE(clicks, 1);
+    QVERIFY(!b->Button(tbtBold)->isChecked());
+}
+
+QTEST_MAIN(TestRVToolBar)
+#include "tst_rvtoolbar.moc"
