@@ -2,6 +2,7 @@
 
 #include <QTextDocument>
 #include <algorithm>
+#include <ctime>
 
 namespace oxa {
 
@@ -60,11 +61,17 @@ void SpellHighlighter::OnContentsChange(int from, int removed, int added)
     const QTextBlock last = m_document->findBlock(from + added);
     const bool small = last.blockNumber() - first.blockNumber() < ImmediateBlocks;
     if (m_interactive > 0 && small && m_checker->IsReady()) {
+        QElapsedTimer timer;
+        timer.start();
         for (QTextBlock b = first; b.isValid(); b = b.next()) {
             CheckBlock(b);
             if (b == last)
                 break;
         }
+        const qint64 ns = timer.nsecsElapsed();
+        ++m_stats.Immediate;
+        m_stats.ImmediateNs += ns;
+        m_stats.LongestImmediateNs = std::max(m_stats.LongestImmediateNs, ns);
         return;
     }
     // The underlines of the ends would stand on moved text until the slice
@@ -136,20 +143,32 @@ void SpellHighlighter::RunSlice()
 {
     QElapsedTimer slice;
     slice.start();
-    while (!m_pending.empty() && slice.nsecsElapsed() < SliceBudgetNs) {
+    const std::clock_t cpuStart = std::clock();
+    bool first = true;
+    while (!m_pending.empty()) {
         Range &r = m_pending.front();
         QTextBlock block = m_document->findBlock(r.From);
         if (!block.isValid()) {
             m_pending.erase(m_pending.begin());
             continue;
         }
+        // Every slice makes progress by one paragraph at least.
+        const qint64 before = slice.nsecsElapsed();
+        if (!first && before + qint64(m_nsPerChar * block.length()) > SliceBudgetNs)
+            break;
+        first = false;
         CheckBlock(block);
+        const double cost = double(slice.nsecsElapsed() - before) / block.length();
+        m_nsPerChar = m_nsPerChar == 0 ? cost : 0.8 * m_nsPerChar + 0.2 * cost;
         r.From = block.position() + block.length();
         if (r.From > r.To)
             m_pending.erase(m_pending.begin());
     }
     ++m_stats.Slices;
     m_stats.LongestSliceNs = std::max(m_stats.LongestSliceNs, slice.nsecsElapsed());
+    m_stats.LongestSliceCpuNs =
+        std::max(m_stats.LongestSliceCpuNs,
+                 qint64(std::clock() - cpuStart) * (1'000'000'000 / CLOCKS_PER_SEC));
     if (!m_pending.empty()) {
         m_slice.start();
         return;

@@ -68,8 +68,12 @@ public:
     {
         int BlocksChecked = 0;
         int Slices = 0;
-        qint64 LongestSliceNs = 0;
-        qint64 LastPassNs = 0; // from queueing to an empty queue
+        qint64 LongestSliceNs = 0;    // wall time
+        qint64 LongestSliceCpuNs = 0; // processor time of the process
+        qint64 LastPassNs = 0;        // from queueing to an empty queue
+        int Immediate = 0;            // checks of typed changes
+        qint64 ImmediateNs = 0;
+        qint64 LongestImmediateNs = 0;
     };
     const Stats &Statistics() const { return m_stats; }
     void ResetStatistics() { m_stats = {}; }
@@ -103,6 +107,9 @@ private:
     std::vector<Range> m_pending;
     QTimer m_slice;
     QElapsedTimer m_pass;
+    // What checking a character costs lately, to end a slice before a
+    // paragraph that would not fit into it.
+    double m_nsPerChar = 0;
     Stats m_stats;
 };
 
