@@ -154,7 +154,7 @@ void SpellHighlighter::RunSlice()
         }
         // Every slice makes progress by one paragraph at least.
         const qint64 before = slice.nsecsElapsed();
-        if (!first && before + qint64(m_nsPerChar * block.length()) > SliceBudgetNs)
+        if (!first && before + qint64(m_nsPerChar * block.length()) > m_sliceBudgetNs)
             break;
         first = false;
         CheckBlock(block);

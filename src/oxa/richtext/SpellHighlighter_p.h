@@ -38,6 +38,9 @@ public:
     // A typed change that spans more paragraphs than this is left to the slices.
     static constexpr int ImmediateBlocks = 3;
 
+    // The tests shorten the slices to see them.
+    void SetSliceBudgetNs(qint64 ns) { m_sliceBudgetNs = ns; }
+
     bool IsEnabled() const { return m_enabled; }
     // Off removes every underline; on checks the whole document again.
     void SetEnabled(bool on);
@@ -110,6 +113,7 @@ private:
     // What checking a character costs lately, to end a slice before a
     // paragraph that would not fit into it.
     double m_nsPerChar = 0;
+    qint64 m_sliceBudgetNs = SliceBudgetNs;
     Stats m_stats;
 };
 
