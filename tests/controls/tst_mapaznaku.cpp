@@ -1,8 +1,10 @@
 #include "oxa/controls/MapaZnaku.h"
+#include "oxa/toolkit/GeometryScale.h"
 #include "oxa/toolkit/StringGrid.h"
 
 #include "support/TestSupport.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -18,6 +20,9 @@ private Q_SLOTS:
     void dialogResult_data();
     void dialogResult();
     void emptyCellShowsMessage();
+    void everyCharacterFitsItsCell_data();
+    void everyCharacterFitsItsCell();
+    void designedGeometryAtScaleOne();
 };
 
 void TestMapaZnaku::formAndCharacters()
@@ -109,6 +114,73 @@ void TestMapaZnaku::emptyCellShowsMessage()
     QCOMPARE(grid->Cells(4, 2), QStringLiteral("‰"));
     QCOMPARE(form.GetVybranyZnak(), QChar(u'ä'));
     QVERIFY(form.btnVlozit()->isEnabled());
+}
+
+void TestMapaZnaku::everyCharacterFitsItsCell_data()
+{
+    QTest::addColumn<int>("points"); // 0: Qt's default font
+    QTest::newRow("default font") << 0;
+    QTest::newRow("12 points") << 12;
+}
+
+// With the application's font each character is shown whole in its cell,
+// and the texts of the form fit their controls.
+void TestMapaZnaku::everyCharacterFitsItsCell()
+{
+    QFETCH(int, points);
+    const QFont original = QApplication::font();
+    const auto restoreFont = qScopeGuard([&original] { QApplication::setFont(original); });
+    if (points > 0) {
+        QFont font = original;
+        font.setPointSize(points);
+        QApplication::setFont(font);
+    }
+
+    TMapaZnaku form;
+    QVERIFY(test::ShowAndActivate(&form));
+    TStringGrid *grid = form.StrGdMapa();
+    const QFontMetrics metrics(grid->font());
+    for (int i = 0; i < TMapaZnaku::Znaky().size(); ++i) {
+        const QString znak = grid->Cells(i % 11, i / 11);
+        const QRect cell = grid->CellRect(i % 11, i / 11);
+        QVERIFY(grid->viewport()->rect().contains(cell));
+        const QSize text(metrics.horizontalAdvance(znak), metrics.height());
+        QVERIFY2(
+            QRect(cell.topLeft() + QPoint(TStringGrid::TextOffset, TStringGrid::TextOffset), text)
+                    .intersected(cell)
+                    .size() == text,
+            qPrintable(znak));
+    }
+    for (QWidget *control :
+         {static_cast<QWidget *>(form.Label1()), static_cast<QWidget *>(form.btnVlozit()),
+          static_cast<QWidget *>(form.btnZavrit())}) {
+        QVERIFY2(control->width() >= control->sizeHint().width(), control->objectName().toUtf8());
+        QVERIFY(form.rect().contains(control->geometry()));
+    }
+}
+
+// At scale 1 the form has exactly the designed pixels.
+void TestMapaZnaku::designedGeometryAtScaleOne()
+{
+    TGeometryScale::Instance()->SetFactor(1.0);
+    const auto automatic = qScopeGuard([] { TGeometryScale::Instance()->ResetFactor(); });
+    TMapaZnaku form;
+    QVERIFY(test::ShowAndActivate(&form));
+    QCOMPARE(form.size(), QSize(305, 208));
+    QCOMPARE(form.StrGdMapa()->geometry(), QRect(8, 32, 291, 134));
+    QCOMPARE(form.StrGdMapa()->DefaultColWidth(), 25);
+    QCOMPARE(form.StrGdMapa()->DefaultRowHeight(), 25);
+    QCOMPARE(form.Label1()->geometry(), QRect(8, 8, 289, 16));
+    QCOMPARE(form.btnVlozit()->geometry(), QRect(16, 176, 121, 25));
+    QCOMPARE(form.btnZavrit()->geometry(), QRect(160, 176, 123, 25));
+    QVERIFY(QFontMetrics(form.Label1()->font()).height() <= 13);
+    QVERIFY(QFontMetrics(form.StrGdMapa()->font()).height() <= 20);
+
+    // A larger scale chosen by the host lays the shown form out again.
+    TGeometryScale::Instance()->SetFactor(2.0);
+    QCOMPARE(form.size(), QSize(610, 416));
+    QCOMPARE(form.StrGdMapa()->DefaultColWidth(), 50);
+    QCOMPARE(form.btnZavrit()->geometry(), QRect(320, 352, 246, 50));
 }
 
 QTEST_MAIN(TestMapaZnaku)

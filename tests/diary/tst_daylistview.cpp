@@ -1,4 +1,5 @@
 #include "oxa/diary/DayListView.h"
+#include "oxa/toolkit/GeometryScale.h"
 
 #include "DiaryTestSupport.h"
 #include "support/TestSupport.h"
@@ -36,6 +37,9 @@ class TestDayListView : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    // The sizes asserted here are the designed pixels: scale 1.
+    void initTestCase() { TGeometryScale::Instance()->SetFactor(1.0); }
+    void cleanupTestCase() { TGeometryScale::Instance()->ResetFactor(); }
     void packedMonths();
     void visibleDates_data();
     void visibleDates();
@@ -44,6 +48,7 @@ private Q_SLOTS:
     void boxCaption_data();
     void boxCaption();
     void boxColours();
+    void sizesFollowTheScale();
     void boxWithoutPanel();
     void dragStartsFromTheItemUnderTheMouse();
 };
@@ -179,6 +184,26 @@ void TestDayListView::boxCaption()
     QCOMPARE(box.title(), caption);
     QCOMPARE(box.DayListView()->Den(), 15);
     QCOMPARE(months, QList<qint16>{11904});
+}
+
+// A shown box lays itself out again when the host changes the scale.
+void TestDayListView::sizesFollowTheScale()
+{
+    TDayGroupBox box;
+    box.resize(170, 150);
+    box.SetDayMonthYear(15, 11904);
+    QVERIFY(test::ShowAndActivate(&box));
+    TDayListView *list = box.DayListView();
+    QCOMPARE(list->columnWidth(0), 65);
+    QCOMPARE(box.title(), QStringLiteral(" po 15. duben "));
+
+    TGeometryScale::Instance()->SetFactor(2.0);
+    QCOMPARE(list->columnWidth(0), 130);
+    QCOMPARE(box.title(), QStringLiteral(" 15.04 ")); // narrower than 180
+
+    TGeometryScale::Instance()->SetFactor(1.0);
+    QCOMPARE(list->columnWidth(0), 65);
+    QCOMPARE(box.title(), QStringLiteral(" po 15. duben "));
 }
 
 void TestDayListView::boxColours()

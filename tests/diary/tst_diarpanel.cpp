@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QMetaProperty>
 #include <QSignalSpy>
+#include <QStyle>
 #include <QTest>
 
 using namespace oxa;
@@ -178,6 +179,8 @@ private Q_SLOTS:
     void oneSelection();
     void propertiesNotify_data();
     void propertiesNotify();
+    void timeColumnHoldsTheTimes_data();
+    void timeColumnHoldsTheTimes();
 };
 
 void TestDiarPanel::views_data()
@@ -741,6 +744,58 @@ void TestDiarPanel::propertiesNotify()
     QCOMPARE(spy.count(), 1);
     QVERIFY(p.write(object.get(), value));
     QCOMPARE(spy.count(), 1);
+}
+
+void TestDiarPanel::timeColumnHoldsTheTimes_data()
+{
+    QTest::addColumn<int>("points"); // 0: Qt's default font
+    QTest::addColumn<int>("size");
+    QTest::newRow("default font, day") << 0 << int(dsDay);
+    QTest::newRow("default font, week") << 0 << int(dsWeek);
+    QTest::newRow("12 points, day") << 12 << int(dsDay);
+    QTest::newRow("12 points, month") << 12 << int(dsMonth);
+}
+
+// With the application's font, whatever its size, the time column shows a
+// whole time range, not "07:00-0...".
+void TestDiarPanel::timeColumnHoldsTheTimes()
+{
+    QFETCH(int, points);
+    QFETCH(int, size);
+    const QFont original = QApplication::font();
+    const auto restoreFont = qScopeGuard([&original] { QApplication::setFont(original); });
+    if (points > 0) {
+        QFont font = original;
+        font.setPointSize(points);
+        QApplication::setFont(font);
+    }
+
+    TDiarPanel panel;
+    panel.resize(1600, 900);
+    panel.SetDiarSize(TDiarSize(size));
+    panel.GotoDate(Nov(18));
+    panel.AddDayRecord(Zaznam(1, Nov(18), Cas(7, 0), Cas(7, 30), "Odběr krve"));
+    QVERIFY(test::ShowAndActivate(&panel));
+
+    TDayGroupBox *box = nullptr;
+    for (int i = 0; i < panel.DayGroupBoxCount(); ++i) {
+        if (panel.DayGroupBox(i)->Date() == Nov(18))
+            box = panel.DayGroupBox(i);
+    }
+    QVERIFY(box);
+    TDayListView *list = box->DayListView();
+    const QTreeWidgetItem *item = list->topLevelItem(0);
+    QCOMPARE(item->text(0), QStringLiteral("07:00-07:30"));
+    // What the view draws: the item's font on the list's, inside the text
+    // margins of the style.
+    const QFontMetrics metrics(item->font(0).resolve(list->font()));
+    const int margin = list->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, list) + 1;
+    QVERIFY2(metrics.horizontalAdvance(item->text(0)) + 2 * margin <= list->columnWidth(0),
+             qPrintable(QStringLiteral("%1 + %2 > %3")
+                            .arg(metrics.horizontalAdvance(item->text(0)))
+                            .arg(2 * margin)
+                            .arg(list->columnWidth(0))));
+    QVERIFY(box->title().startsWith(QStringLiteral(" st 18. listopad")));
 }
 
 QTEST_MAIN(TestDiarPanel)

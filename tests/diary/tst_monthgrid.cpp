@@ -2,6 +2,8 @@
 
 #include "support/TestSupport.h"
 
+#include "oxa/toolkit/GeometryScale.h"
+
 #include <QLabel>
 #include <QScreen>
 #include <QTest>
@@ -71,10 +73,14 @@ class TestMonthGrid : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    // The sizes asserted here are the designed pixels: scale 1.
+    void initTestCase() { TGeometryScale::Instance()->SetFactor(1.0); }
+    void cleanupTestCase() { TGeometryScale::Instance()->ResetFactor(); }
     void easterAgainstIndependentRule();
     void holidayCells();
     void layoutAndSelectionTimes_data();
     void layoutAndSelectionTimes();
+    void sizesFollowTheScale();
     void entriesMarkTheSlotsTheyMeet();
     void workingAndBookingHours();
     void leave();
@@ -180,6 +186,24 @@ void TestMonthGrid::layoutAndSelectionTimes()
     QCOMPARE(grid.GetSelCellEndTime(), Cas(konec));
     QVERIFY_THROWS_EXCEPTION(EInvalidOperation, TMonthGrid(nullptr, 0));
     QVERIFY_THROWS_EXCEPTION(EInvalidOperation, TMonthGrid(nullptr, 61));
+}
+
+// Cells, header and font grow together, also in a grid already made.
+void TestMonthGrid::sizesFollowTheScale()
+{
+    TMonthGrid grid(nullptr, 20);
+    QCOMPARE(grid.ColWidths(0), 35);
+    QCOMPARE(grid.RowHeights(0), 14);
+    QCOMPARE(grid.RowHeights(5), 13);
+    QCOMPARE(grid.font().pointSizeF(), 8.0);
+    TGeometryScale::Instance()->SetFactor(2.0);
+    QCOMPARE(grid.ColWidths(0), 70);
+    QCOMPARE(grid.ColWidths(1), 24);
+    QCOMPARE(grid.RowHeights(0), 28);
+    QCOMPARE(grid.RowHeights(5), 26);
+    QCOMPARE(grid.font().pointSizeF(), 16.0);
+    TGeometryScale::Instance()->SetFactor(1.0);
+    QCOMPARE(grid.ColWidths(1), 12);
 }
 
 void TestMonthGrid::entriesMarkTheSlotsTheyMeet()

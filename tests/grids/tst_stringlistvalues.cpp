@@ -3,6 +3,7 @@
 
 #include "oxa/grids/CheckDBGrid.h"
 #include "oxa/grids/StringListValues.h"
+#include "oxa/toolkit/GeometryScale.h"
 #include "oxa/toolkit/StringGrid.h"
 #include "support/TestSupport.h"
 
@@ -16,6 +17,9 @@ class TestStringListValues : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    // The index column's 40 pixels are designed ones: scale 1.
+    void initTestCase() { TGeometryScale::Instance()->SetFactor(1.0); }
+    void cleanupTestCase() { TGeometryScale::Instance()->ResetFactor(); }
     void showsOneRowPerValue_data()
     {
         QTest::addColumn<QStringList>("values");

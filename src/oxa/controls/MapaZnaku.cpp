@@ -2,11 +2,15 @@
 
 #include "ui_MapaZnaku.h"
 
+#include "oxa/toolkit/GeometryScale.h"
 #include "oxa/toolkit/MessageService.h"
 #include "oxa/toolkit/StringGrid.h"
 
+#include <QApplication>
 #include <QScreen>
 #include <QShowEvent>
+
+#include <algorithm>
 
 namespace oxa {
 
@@ -14,14 +18,9 @@ TMapaZnaku::TMapaZnaku(QWidget *owner) : QDialog(owner), ui(std::make_unique<Ui:
 {
     ui->setupUi(this);
     setFixedSize(size());
-
-    // Pixel font heights, which the form description cannot hold.
-    QFont labelFont = ui->Label1->font();
-    labelFont.setPixelSize(13);
-    ui->Label1->setFont(labelFont);
-    QFont gridFont = ui->StrGdMapa->font();
-    gridFont.setPixelSize(20);
-    ui->StrGdMapa->setFont(gridFont);
+    ApplyGeometryScale();
+    connect(TGeometryScale::Instance(), &TGeometryScale::factorChanged, this,
+            [this] { ApplyGeometryScale(); });
 
     TStringGrid *grid = ui->StrGdMapa;
     grid->SetOptions(TGridOptions(goFixedVertLine | goFixedHorzLine | goVertLine | goHorzLine |
@@ -36,6 +35,54 @@ TMapaZnaku::TMapaZnaku(QWidget *owner) : QDialog(owner), ui(std::make_unique<Ui:
 }
 
 TMapaZnaku::~TMapaZnaku() = default;
+
+namespace {
+
+// The designed sizes, in pixels at the reference font.
+constexpr int LabelFontHeight = 13;
+constexpr int CellFontHeight = 20;
+constexpr int CellSize = 25;
+
+// The largest font of the designed height, or smaller, in which every
+// character of the map fits a cell whole: a font's glyphs may be wider
+// than the reference font's for the same height ("‰" mostly).
+QFont CellFont(const QFont &base, int cell)
+{
+    QFont font = FontOfHeight(base, ScalePixels(CellFontHeight));
+    const QString znaky = TMapaZnaku::Znaky();
+    auto fits = [&znaky, cell](const QFont &candidate) {
+        const QFontMetrics metrics(candidate);
+        if (TStringGrid::TextOffset + metrics.height() > cell)
+            return false;
+        return std::all_of(znaky.begin(), znaky.end(), [&](QChar znak) {
+            return TStringGrid::TextOffset + metrics.horizontalAdvance(znak) <= cell;
+        });
+    };
+    while (font.pixelSize() > 1 && !fits(font))
+        font.setPixelSize(font.pixelSize() - 1);
+    return font;
+}
+
+} // namespace
+
+void TMapaZnaku::ApplyGeometryScale()
+{
+    ScaleFormGeometry(this);
+    // The application's font stands for the form's 8-point font.
+    const QFont base = QApplication::font(this);
+    ui->Label1->setFont(FontOfHeight(base, ScalePixels(LabelFontHeight)));
+
+    TStringGrid *grid = ui->StrGdMapa;
+    const int cell = ScalePixels(CellSize);
+    grid->setFont(CellFont(base, cell));
+    grid->SetDefaultColWidth(cell);
+    grid->SetDefaultRowHeight(cell);
+    // Rounding must not cut off the last column or row.
+    const int frame = 2 * grid->frameWidth();
+    const int line = grid->GridLineWidth();
+    grid->resize(std::max(grid->width(), grid->ColCount() * (cell + line) + frame),
+                 std::max(grid->height(), grid->RowCount() * (cell + line) + frame));
+}
 
 QChar TMapaZnaku::GetVybranyZnak() const
 {

@@ -67,6 +67,9 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
+    // Lays the form out at the geometry scale: the designed pixels, cell
+    // sizes and font heights scaled.
+    void ApplyGeometryScale();
     // The insert button's click: its handler, then closing with result 1
     // when a character is selected. Without one the dialog stays open
     // after the message, so that no empty character is ever inserted.

@@ -4,6 +4,7 @@
 
 #include "oxa/toolkit/Catalogue.h"
 #include "oxa/toolkit/Exceptions.h"
+#include "oxa/toolkit/GeometryScale.h"
 
 #include <QDrag>
 #include <QFontMetrics>
@@ -83,7 +84,9 @@ TDate LastVisibleDate(TDate aDate, TDiarSize aDiarSize)
 namespace {
 
 constexpr int DayItemType = QTreeWidgetItem::UserType + 1;
+// Designed at the reference font; scaled by the geometry scale.
 constexpr int TimeColumnWidth = 65;
+constexpr int LongCaptionMinWidth = 90;
 
 // An item of the day's list: it owns a copy of its entry, and takes its
 // texts, font, colour and tool tip from it.
@@ -172,7 +175,8 @@ TDayListView::TDayListView(QWidget *aOwner) : TWinControl<QTreeWidget>(aOwner)
     viewport()->setAcceptDrops(true);
     header()->setStretchLastSection(false);
     header()->setSectionsMovable(false);
-    setColumnWidth(0, TimeColumnWidth);
+    setColumnWidth(0, ScalePixels(TimeColumnWidth));
+    connect(TGeometryScale::Instance(), &TGeometryScale::factorChanged, this, [this] { Resize(); });
     // The list keeps its own colours whatever its box is painted with.
     SetColor(clWindow);
     SetControlFontColor(this, clWindowText);
@@ -301,10 +305,11 @@ void TDayListView::ItemsChanged()
 void TDayListView::Resize()
 {
     const int clientWidth = viewport()->width();
-    if (columnCount() < 2 || clientWidth < TimeColumnWidth)
+    const int timeWidth = ScalePixels(TimeColumnWidth);
+    if (columnCount() < 2 || clientWidth < timeWidth)
         return;
-    setColumnWidth(0, TimeColumnWidth);
-    setColumnWidth(1, clientWidth - (FNoTime ? 0 : TimeColumnWidth));
+    setColumnWidth(0, timeWidth);
+    setColumnWidth(1, clientWidth - (FNoTime ? 0 : timeWidth));
 }
 
 // A scroll area receives the resizes of its viewport here, so the columns
@@ -413,6 +418,8 @@ TDayGroupBox::TDayGroupBox(QWidget *aOwner)
     FDayListView->OnKeyDown = [this](QObject *sender, Word &key, TShiftState shift) {
         OnKeyDown(sender, key, shift);
     };
+    connect(TGeometryScale::Instance(), &TGeometryScale::factorChanged, this,
+            [this] { UpdateCaption(); });
 }
 
 TDayGroupBox::~TDayGroupBox()
@@ -463,7 +470,9 @@ void TDayGroupBox::UpdateCaption()
 {
     if (!FDateSet)
         return;
-    const QString format = width() >= 90 ? QStringLiteral("ddd d. mmmm") : QStringLiteral("d.mm");
+    const QString format = width() >= ScalePixels(LongCaptionMinWidth)
+        ? QStringLiteral("ddd d. mmmm")
+        : QStringLiteral("d.mm");
     QString caption = QLatin1Char(' ') + FormatDateTime(format, FDate);
     const int count = FDayListView->Count();
     caption += count > 0 ? QStringLiteral("   (%1) ").arg(count) : QStringLiteral(" ");

@@ -125,7 +125,8 @@ Q_SIGNALS:
     void noTimeChanged(bool NoTime);
 
 protected:
-    // Column 0 keeps 65 pixels, column 1 takes the rest of the client width.
+    // Column 0 keeps 65 pixels (at the geometry scale), column 1 takes the
+    // rest of the client width.
     virtual void Resize();
 
     void resizeEvent(QResizeEvent *event) override;
@@ -189,8 +190,8 @@ public:
 
     TDate Date() const { return FDate; }
     // Stores the date and captions the box with it: " ddd d. mmmm" when the
-    // box is at least 90 pixels wide, else " d.mm", followed by
-    // "   (count) " when it lists entries, else by " ".
+    // box is at least 90 pixels (at the geometry scale) wide, else " d.mm",
+    // followed by "   (count) " when it lists entries, else by " ".
     void SetDate(TDate aDate);
     void SetDayMonthYear(int aDay, qint16 aMonthYear);
 

@@ -3,6 +3,7 @@
 #include "oxa/diary/DiarModel_p.h"
 #include "oxa/diary/MonthGrid.h"
 #include "oxa/toolkit/Exceptions.h"
+#include "oxa/toolkit/GeometryScale.h"
 
 #include <QAction>
 #include <QCursor>
@@ -20,7 +21,8 @@ namespace oxa {
 
 namespace {
 
-// A box narrower than this is not worth laying out below the month grid.
+// A box lower than this (at the geometry scale) is not worth laying out
+// below the month grid.
 constexpr int MinBoxHeight = 90;
 // One notch of a mouse wheel.
 constexpr int WheelStep = 120;
@@ -75,6 +77,10 @@ TDiarPanel::TDiarPanel(QWidget *AOwner)
     connect(&d->model, &TDiarModel::entryRemoved, this,
             [this](qint32 aID, double aDatum) { ShowEntryRemoved(aID, aDatum); });
     connect(&d->model, &TDiarModel::entriesReset, this, [this] { RefreshBoxes(); });
+    // Queued: the month grid takes its new row heights from the same signal.
+    connect(
+        TGeometryScale::Instance(), &TGeometryScale::factorChanged, this,
+        [this] { RearangeDays(); }, Qt::QueuedConnection);
 
     GenerujBunky();
     GotoDate(Date());
@@ -449,8 +455,9 @@ void TDiarPanel::RearangeDays()
     QRect area = contentsRect();
     if (d->model.DiarSize() == dsMonth && d->FMonthGrid) {
         int gridHeight = MonthGridHeight();
-        if (area.height() - gridHeight < MinBoxHeight)
-            gridHeight = std::max(area.height() * 2 / 3, area.height() - MinBoxHeight);
+        const int minBoxHeight = ScalePixels(MinBoxHeight);
+        if (area.height() - gridHeight < minBoxHeight)
+            gridHeight = std::max(area.height() * 2 / 3, area.height() - minBoxHeight);
         d->FMonthGrid->setGeometry(area.left(), area.top(), area.width(), gridHeight);
         area.setTop(area.top() + gridHeight);
     }

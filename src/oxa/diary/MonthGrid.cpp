@@ -1,5 +1,7 @@
 #include "oxa/diary/MonthGrid_p.h"
 
+#include "oxa/toolkit/GeometryScale.h"
+
 #include <QCursor>
 #include <QFont>
 #include <QFontMetrics>
@@ -166,6 +168,18 @@ TMonthGridPrivate::TMonthGridPrivate(TMonthGrid *q, int aDilekMinut)
       fDILKY_HODINY_DEN(fDILKY_HODINY * 24)
 { }
 
+void TMonthGridPrivate::ApplyGeometryScale()
+{
+    q->SetDefaultColWidth(ScalePixels(ColumnWidthFor(fDILKY_MINUTA)));
+    q->SetDefaultRowHeight(ScalePixels(13));
+    q->SetColWidths(0, ScalePixels(35));
+    q->SetRowHeights(0, ScalePixels(14));
+    // The cells were sized for 8-point Arial; the font grows with them.
+    QFont font(QStringLiteral("Arial"));
+    font.setPointSizeF(8 * TGeometryScale::Instance()->Factor());
+    q->setFont(font);
+}
+
 TMonthGrid::TMonthGrid(QWidget *AOwner, int aDilekMinut)
     : TDrawGrid(AOwner), d(std::make_unique<TMonthGridPrivate>(this, aDilekMinut))
 {
@@ -177,11 +191,9 @@ TMonthGrid::TMonthGrid(QWidget *AOwner, int aDilekMinut)
     SetColCount(d->fDILKY_HODINY_DEN + 1);
     SetFixedRows(1);
     SetFixedCols(1);
-    SetDefaultColWidth(ColumnWidthFor(aDilekMinut));
-    SetDefaultRowHeight(13);
-    SetColWidths(0, 35);
-    SetRowHeights(0, 14);
-    setFont(QFont(QStringLiteral("Arial"), 8));
+    d->ApplyGeometryScale();
+    connect(TGeometryScale::Instance(), &TGeometryScale::factorChanged, this,
+            [this] { d->ApplyGeometryScale(); });
 
     d->fCellCols = ColCount();
     d->fDataPaint.resize(std::size_t(kRowCount * d->fCellCols));

@@ -66,6 +66,9 @@ public:
 
     TMonthGridPrivate(TMonthGrid *q, int aDilekMinut);
 
+    // Column widths, row heights and the font at the geometry scale.
+    void ApplyGeometryScale();
+
     TMonthGridCell &Cell(int ARow, int ACol)
     {
         return fDataPaint[std::size_t(ARow * fCellCols + ACol)];

@@ -2,6 +2,7 @@
 
 #include "oxa/grids/CheckDBGrid.h"
 #include "oxa/toolkit/Catalogue.h"
+#include "oxa/toolkit/GeometryScale.h"
 #include "oxa/toolkit/MessageService.h"
 #include "oxa/toolkit/StringGrid.h"
 
@@ -49,7 +50,9 @@ TStringListValuesForm::TStringListValuesForm(QWidget *parent) : QDialog(parent),
         done(mrOk);
     });
     connect(d->cancel, &QPushButton::clicked, this, [this] { done(mrCancel); });
-    resize(320, 260);
+    resize(ScalePixels(320), ScalePixels(260));
+    connect(TGeometryScale::Instance(), &TGeometryScale::factorChanged, this,
+            [this] { RecountColWidths(); });
     SetHeaders();
 }
 
@@ -74,8 +77,9 @@ QPushButton *TStringListValuesForm::BitBtn2() const
 
 void TStringListValuesForm::RecountColWidths()
 {
-    d->grid->SetColWidths(0, 40);
-    const int rest = d->grid->viewport()->width() - 40 - 2 * d->grid->GridLineWidth();
+    const int indexWidth = ScalePixels(40);
+    d->grid->SetColWidths(0, indexWidth);
+    const int rest = d->grid->viewport()->width() - indexWidth - 2 * d->grid->GridLineWidth();
     d->grid->SetColWidths(1, std::max(10, rest));
 }
 

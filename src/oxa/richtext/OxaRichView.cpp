@@ -184,8 +184,11 @@ public:
         doc->SetStyle(style);
         document->setUndoRedoEnabled(false);
         if (content) {
+            // One edit block: the document reports one change instead of one per item.
             QTextCursor c(document);
+            c.beginEditBlock();
             RichBody::Insert(*doc, c, *content, {}, {}, false);
+            c.endEditBlock();
         }
         // The caret is placed before the layout comes back, so that placing it
         // does not lay the whole document out at once.

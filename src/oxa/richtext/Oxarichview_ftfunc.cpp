@@ -356,6 +356,9 @@ void SetFormatedText(TOxaRichView *editor, const QString &Text)
 {
     if (Text.isEmpty())
         return;
+    // One edit block: the document reports one change and records one undo
+    // command for the whole insertion instead of one per piece and tag.
+    QTextCursor block = editor->textCursor();
     editor->BeginUpdate();
     // A long text is laid out once at the end instead of piece by piece.
     QTextDocument *document = editor->document();
@@ -364,6 +367,7 @@ void SetFormatedText(TOxaRichView *editor, const QString &Text)
         document->setLayoutEnabled(false);
     editor->BeginUndoGroup(utInserting);
     editor->SetUndoGroupMode(true);
+    block.beginEditBlock();
     const TFontInfo normal = editor->Style().TextStyle(0);
     // Font size and alignment are deliberately left as they are.
     editor->SetFontStyle(afsClear);
@@ -384,10 +388,19 @@ void SetFormatedText(TOxaRichView *editor, const QString &Text)
             editor->InsertText(scanner.Piece);
         scanner.Piece.clear();
     }
+    block.endEditBlock();
     editor->SetUndoGroupMode(false);
-    if (bulk)
-        document->setLayoutEnabled(true);
+    if (!bulk) {
+        editor->EndUpdate();
+        return;
+    }
+    // The caret goes to the end of the insertion while the layout is still
+    // off, so that placing it does not lay out the whole text at once; a shown
+    // editor then scrolls to it, which lays out only up to the caret.
     editor->EndUpdate();
+    document->setLayoutEnabled(true);
+    if (editor->isVisible())
+        editor->ensureCursorVisible();
 }
 
 bool IsPlainText(const QString &Text)

@@ -29,6 +29,8 @@ class TMyWriter;
 // ---------------------------------------------------------------------------
 // The record layer: a worksheet file is a flat sequence of records, each a
 // 16-bit opcode, a 16-bit payload length and the payload, little-endian.
+// These classes are public because a host extends a file with record classes
+// of its own (descendants of TData or TCell) and reads records back.
 // ---------------------------------------------------------------------------
 
 // Declared for opcode and length faults of a record stream; reading collects

@@ -146,7 +146,7 @@ void TStringGrid::DrawCell(int ACol, int ARow, const QRect &Rect, TGridDrawState
         const QStringList &row = m_texts.at(ARow);
         const QString &text = ACol < row.size() ? row.at(ACol) : EmptyText();
         if (!text.isEmpty())
-            canvas->drawText(Rect.adjusted(2, 2, 0, 0),
+            canvas->drawText(Rect.adjusted(TextOffset, TextOffset, 0, 0),
                              Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine, text);
     }
     TCustomGrid::DrawCell(ACol, ARow, Rect, State);

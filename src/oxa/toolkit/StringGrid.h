@@ -22,6 +22,9 @@ public:
     explicit TStringGrid(QWidget *parent = nullptr);
     ~TStringGrid() override;
 
+    // How far in from a cell's top-left corner its text is written.
+    static constexpr int TextOffset = 2;
+
     QString Cells(int ACol, int ARow) const;
     void SetCells(int ACol, int ARow, const QString &Value);
     QObject *Objects(int ACol, int ARow) const;

@@ -1,5 +1,6 @@
 #include "oxa/utilities/ColorDlg.h"
 
+#include "oxa/toolkit/GeometryScale.h"
 #include "oxa/toolkit/MessageService.h"
 
 #include <QButtonGroup>
@@ -20,11 +21,27 @@ namespace {
 // The glyphs are framed in this colour, the red one in white.
 constexpr TColor kGlyphFrameColor = 255;
 
-constexpr int kMargin = 4;
-constexpr int kButtonSize = 22;
-constexpr int kSpacing = 2;
-constexpr int kRowWidth =
-    TColorForm::ButtonsPerRow * kButtonSize + (TColorForm::ButtonsPerRow - 1) * kSpacing;
+// The form's geometry in designed pixels, laid out at the geometry scale.
+int Margin()
+{
+    return ScalePixels(4);
+}
+int ButtonSize()
+{
+    return ScalePixels(22);
+}
+int Spacing()
+{
+    return ScalePixels(2);
+}
+int RowWidth()
+{
+    return TColorForm::ButtonsPerRow * ButtonSize() + (TColorForm::ButtonsPerRow - 1) * Spacing();
+}
+int ScaledGlyphSize()
+{
+    return ScalePixels(TColorForm::GlyphSize);
+}
 
 const char *const kTagProperty = "Tag";
 
@@ -76,6 +93,10 @@ TColorForm::TColorForm(QWidget *owner)
     bvlCenter->setFrameStyle(QFrame::Panel | QFrame::Raised);
     // Any button may be up; none is pressed when the colour is not in the palette.
     FButtonGroup->setExclusive(false);
+    connect(TGeometryScale::Instance(), &TGeometryScale::factorChanged, this, [this] {
+        if (FOthersButton) // laid out already
+            CreateButtons();
+    });
 }
 
 TColorForm::~TColorForm() = default;
@@ -96,33 +117,33 @@ void TColorForm::SetColor(TColor color)
 void TColorForm::CreateButtons()
 {
     DeleteButtons();
-    int top = kMargin;
+    int top = Margin();
     if (FMode != cdmNone) {
         const int number = FMode == cdmTransparent ? TransparentButton : AutomaticButton;
         const TOthersButtonsProperties &special = OthersButtons(number);
         FSpecialButton = CreateButton(-1, special.Caption, special.Hint, special.Color, true, true,
-                                      kMargin, top);
+                                      Margin(), top);
         connect(FSpecialButton, &QToolButton::clicked, this,
                 [this] { BtnNoneClick(FSpecialButton); });
-        top += kButtonSize + kSpacing;
+        top += ButtonSize() + Spacing();
     }
     for (int i = 0; i < PaletteSize; ++i) {
         const TButtonsProperties &entry = ButtonsProperties().at(std::size_t(i));
-        const int left = kMargin + (i % ButtonsPerRow) * (kButtonSize + kSpacing);
-        const int rowTop = top + (i / ButtonsPerRow) * (kButtonSize + kSpacing);
+        const int left = Margin() + (i % ButtonsPerRow) * (ButtonSize() + Spacing());
+        const int rowTop = top + (i / ButtonsPerRow) * (ButtonSize() + Spacing());
         QToolButton *button =
             CreateButton(i, QString(), entry.Hint, entry.Color, false, true, left, rowTop);
         connect(button, &QToolButton::clicked, this, [this, button] { BtnClick(button); });
         FPaletteButtons.append(button);
     }
-    top += (PaletteSize / ButtonsPerRow) * (kButtonSize + kSpacing);
+    top += (PaletteSize / ButtonsPerRow) * (ButtonSize() + Spacing());
     const TOthersButtonsProperties &more = OthersButtons(MoreColorsButton);
     FOthersButton =
-        CreateButton(-1, more.Caption, more.Hint, more.Color, true, false, kMargin, top);
+        CreateButton(-1, more.Caption, more.Hint, more.Color, true, false, Margin(), top);
     connect(FOthersButton, &QToolButton::clicked, this, [this] { BtnOthersClick(FOthersButton); });
-    top += kButtonSize;
+    top += ButtonSize();
 
-    setFixedSize(2 * kMargin + kRowWidth, top + kMargin);
+    setFixedSize(2 * Margin() + RowWidth(), top + Margin());
     bvlCenter->setGeometry(rect());
     bvlCenter->lower();
     UpdatePressedButtons();
@@ -147,8 +168,9 @@ QToolButton *TColorForm::CreateButton(int tag, const QString &caption, const QSt
     button->setToolTip(hint);
     button->setCheckable(pressable);
     button->setFocusPolicy(Qt::NoFocus);
-    button->setGeometry(left, top, wide ? kRowWidth : kButtonSize, kButtonSize);
-    button->setIconSize(QSize(GlyphSize, GlyphSize));
+    button->setGeometry(left, top, wide ? RowWidth() : ButtonSize(), ButtonSize());
+    button->show(); // also when the form is laid out again while shown
+    button->setIconSize(QSize(ScaledGlyphSize(), ScaledGlyphSize()));
     if (color != clNone)
         button->setIcon(ColorGlyph(color));
     if (wide) {
@@ -163,11 +185,12 @@ QToolButton *TColorForm::CreateButton(int tag, const QString &caption, const QSt
 
 QIcon TColorForm::ColorGlyph(TColor color) const
 {
-    QPixmap glyph(GlyphSize, GlyphSize);
+    const int size = ScaledGlyphSize();
+    QPixmap glyph(size, size);
     glyph.fill(ColorToQColor(color, this));
     QPainter painter(&glyph);
     painter.setPen(ColorToQColor(color == kGlyphFrameColor ? clWhite : kGlyphFrameColor));
-    painter.drawRect(0, 0, GlyphSize - 1, GlyphSize - 1);
+    painter.drawRect(0, 0, size - 1, size - 1);
     painter.end();
     return QIcon(glyph);
 }
