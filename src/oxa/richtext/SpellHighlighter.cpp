@@ -54,11 +54,13 @@ void SpellHighlighter::RecheckAll()
 
 void SpellHighlighter::OnContentsChange(int from, int removed, int added)
 {
-    if (!m_enabled)
+    if (!m_enabled || !m_checker)
         return;
     ShiftPending(from, removed, added);
     const QTextBlock first = m_document->findBlock(from);
-    const QTextBlock last = m_document->findBlock(from + added);
+    QTextBlock last = m_document->findBlock(from + added);
+    if (!last.isValid())
+        last = m_document->lastBlock();
     const bool small = last.blockNumber() - first.blockNumber() < ImmediateBlocks;
     if (m_interactive > 0 && small && m_checker->IsReady()) {
         QElapsedTimer timer;
@@ -130,7 +132,7 @@ void SpellHighlighter::Queue(int from, int to)
 
 void SpellHighlighter::ScheduleSlice()
 {
-    if (m_pending.empty() || m_slice.isActive())
+    if (m_pending.empty() || m_slice.isActive() || !m_checker)
         return;
     if (!m_checker->IsReady()) {
         m_waitingForDictionary = true;
@@ -141,6 +143,10 @@ void SpellHighlighter::ScheduleSlice()
 
 void SpellHighlighter::RunSlice()
 {
+    if (!m_checker) {
+        m_pending.clear();
+        return;
+    }
     QElapsedTimer slice;
     slice.start();
     const std::clock_t cpuStart = std::clock();
