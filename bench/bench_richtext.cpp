@@ -7,13 +7,17 @@
 
 #include "oxa/richtext/OxaRichView.h"
 #include "oxa/richtext/Oxarichview_ftfunc.h"
+#include "oxa/richtext/SpellHighlighter_p.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
 #include <QKeyEvent>
 #include <QTextDocument>
 #include <QTextEdit>
 #include <QTextTable>
+#include <QTimer>
 #include <algorithm>
 #include <malloc.h>
 #include <vector>
@@ -102,6 +106,142 @@ void TypeAndPaint(benchmark::State &state, QTextEdit &edit)
     }
     ReportPercentiles(state, ms);
 }
+
+// Spell checking: the first full check of the loaded report runs in the
+// event loop's background; measured are its total time (from the end of the
+// load to the last slice; when it is the first check of the process, the
+// dictionary may still be read on its own thread), its longest slice and the
+// longest stall of the event loop meanwhile, seen by a 1 ms timer. Beside it
+// the same loaded report with checking off, its event loop watched for as
+// long, so that the stalls of Qt's own layout and painting show. It runs
+// first, so the dictionary's word cache is cold.
+void LoadedReportInTheEventLoop(benchmark::State &state, bool spellCheck,
+                                const QByteArray &stream = ReportStream())
+{
+    for (auto _ : state) {
+        TOxaRichView e;
+        e.SetSpellCheck(spellCheck);
+        e.resize(900, 700);
+        e.show();
+        QApplication::processEvents();
+        auto *spell = e.findChild<SpellHighlighter *>();
+        e.LoadOxaRVFFromString(stream);
+        QElapsedTimer total;
+        total.start();
+        spell->ResetStatistics();
+        QEventLoop loop;
+        QObject::connect(spell, &SpellHighlighter::Idle, &loop, &QEventLoop::quit);
+        QElapsedTimer sinceTick;
+        qint64 longestGap = 0;
+        QTimer tick;
+        QObject::connect(&tick, &QTimer::timeout, [&] {
+            longestGap = std::max(longestGap, sinceTick.nsecsElapsed());
+            sinceTick.restart();
+        });
+        tick.start(1);
+        sinceTick.start();
+        QTimer::singleShot(spellCheck ? 10000 : 500, &loop, &QEventLoop::quit);
+        if (!spellCheck || spell->IsPending())
+            loop.exec();
+        state.counters["longest_stall_ms"] = double(longestGap) / 1e6;
+        if (!spellCheck)
+            continue;
+        state.counters["total_ms"] = double(total.nsecsElapsed()) / 1e6;
+        state.counters["longest_slice_ms"] = double(spell->Statistics().LongestSliceNs) / 1e6;
+        state.counters["longest_slice_cpu_ms"] =
+            double(spell->Statistics().LongestSliceCpuNs) / 1e6;
+        state.counters["slices"] = spell->Statistics().Slices;
+        state.counters["paragraphs"] = spell->Statistics().BlocksChecked;
+    }
+}
+
+// A report of the same size whose words are all different: words of the
+// Czech dictionary's word list, every fiftieth with two letters swapped, so
+// that no word is found in the checker's cache.
+const QByteArray &DiverseReportStream()
+{
+    static const QByteArray bytes = [] {
+        QFile file(QStringLiteral("/usr/share/hunspell/cs_CZ.dic"));
+        QStringList words;
+        if (file.open(QIODevice::ReadOnly)) {
+            int line = 0;
+            while (!file.atEnd()) {
+                const QString word =
+                    QString::fromUtf8(file.readLine()).trimmed().section(u'/', 0, 0);
+                if (++line % 7 == 0 && word.size() >= 3 && word.front().isLower())
+                    words.append(word);
+            }
+        }
+        TOxaRichView e;
+        e.SetSpellCheck(false);
+        QString text;
+        for (int i = 0; i < words.size() && text.size() < 250000; ++i) {
+            QString word = words[i];
+            if (i % 50 == 0)
+                std::swap(word[1], word[2]);
+            text += word + (i % 40 == 39 ? QStringLiteral(".\r\n") : QStringLiteral(" "));
+        }
+        SetFormatedText(&e, text);
+        return e.SaveOxaRVFToString();
+    }();
+    return bytes;
+}
+
+void BM_SpellFirstFullCheckOfReport(benchmark::State &state)
+{
+    LoadedReportInTheEventLoop(state, true);
+}
+BENCHMARK(BM_SpellFirstFullCheckOfReport)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void BM_LoadedReportEventLoopSpellCheckOff(benchmark::State &state)
+{
+    LoadedReportInTheEventLoop(state, false);
+}
+BENCHMARK(BM_LoadedReportEventLoopSpellCheckOff)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void BM_SpellFirstFullCheckOfDiverseReport(benchmark::State &state)
+{
+    SpellChecker::Shared()->EnsureLoaded();
+    LoadedReportInTheEventLoop(state, true, DiverseReportStream());
+}
+BENCHMARK(BM_SpellFirstFullCheckOfDiverseReport)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+// Typing with the report checked whole, spell checking on and off.
+void RunUntilChecked(TOxaRichView &e)
+{
+    auto *spell = e.findChild<SpellHighlighter *>();
+    QEventLoop loop;
+    QObject::connect(spell, &SpellHighlighter::Idle, &loop, &QEventLoop::quit);
+    if (spell->IsPending())
+        loop.exec();
+}
+
+void BM_TypeInReportSpellCheckOn(benchmark::State &state)
+{
+    TOxaRichView e;
+    e.LoadOxaRVFFromString(ReportStream());
+    e.resize(900, 700);
+    e.show();
+    RunUntilChecked(e);
+    auto *spell = e.findChild<SpellHighlighter *>();
+    spell->ResetStatistics();
+    TypeAndPaint(state, e);
+    // The part of each key that went to checking its paragraph.
+    const auto &stats = spell->Statistics();
+    state.counters["check_mean_ms"] =
+        double(stats.ImmediateNs) / std::max(1, stats.Immediate) / 1e6;
+    state.counters["check_max_ms"] = double(stats.LongestImmediateNs) / 1e6;
+}
+BENCHMARK(BM_TypeInReportSpellCheckOn)->Unit(benchmark::kMillisecond)->Iterations(400);
+
+void BM_TypeInReportSpellCheckOff(benchmark::State &state)
+{
+    TOxaRichView e;
+    e.SetSpellCheck(false);
+    e.LoadOxaRVFFromString(ReportStream());
+    TypeAndPaint(state, e);
+}
+BENCHMARK(BM_TypeInReportSpellCheckOff)->Unit(benchmark::kMillisecond)->Iterations(400);
 
 void BM_TypeInReport(benchmark::State &state)
 {

@@ -10,6 +10,7 @@ OXA_PACKAGES=(
     libbenchmark-dev
     qt6-translations-l10n
     libqt6sql6-psql
+    libhunspell-dev hunspell-cs
 )
 # Only for the comparisons in the benchmarks (scripts/bench.sh).
 OXA_BENCH_PACKAGES=(

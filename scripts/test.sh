@@ -14,6 +14,7 @@ export QT_QPA_PLATFORM=offscreen
 # The spreadsheet files are checked with real readers: they must be there.
 export OXA_REQUIRE_READERS=1
 export OXA_REQUIRE_POSTGRES=1
+export OXA_REQUIRE_DICTIONARY=1
 
 echo "== Formatting"
 bash "$OXA_ROOT/scripts/check-format.sh"

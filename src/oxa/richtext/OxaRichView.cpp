@@ -3,6 +3,7 @@
 #include "oxa/richtext/Oxarichview_ftfunc.h"
 #include "oxa/richtext/RichBody.h"
 #include "oxa/richtext/RichClipboard.h"
+#include "oxa/richtext/SpellHighlighter_p.h"
 #include "oxa/richtext/StrToIntDef_p.h"
 #include "oxa/richtext/StyleHeader.h"
 #include "oxa/toolkit/Catalogue.h"
@@ -16,6 +17,7 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -66,6 +68,7 @@ public:
 
     TOxaRichView *q;
     RichDocument *doc;
+    SpellHighlighter *spell = nullptr;
     bool saveFontName = true;
     bool inserting = true;
     int minimalHeight = 20;
@@ -146,6 +149,27 @@ public:
         return utTyping;
     }
 
+    // Replaces a word by a correction as one step of the undo list, in the
+    // word's own format.
+    void ReplaceWord(int start, int length, const QString &replacement)
+    {
+        const QTextCharFormat format = FormatAt(start);
+        doc->BreakTypingRun();
+        {
+            RichDocument::UndoScope scope(doc, utTyping);
+            const SpellHighlighter::Interactive typed(spell);
+            QTextCursor c(doc->Document());
+            c.setPosition(start);
+            c.setPosition(start + length, QTextCursor::KeepAnchor);
+            c.beginEditBlock();
+            c.insertText(replacement, format);
+            c.endEditBlock();
+            q->setTextCursor(c);
+        }
+        doc->BreakTypingRun();
+        doc->Invalidate();
+    }
+
     void LoadStyledBody(const TRVStyle &style, QByteArrayView body)
     {
         RichBody::ContentPtr content;
@@ -184,6 +208,7 @@ TOxaRichView::TOxaRichView(QWidget *parent) : QTextEdit(parent), d(std::make_uni
     setCurrentCharFormat(d->doc->TextFormat(0));
     setTabChangesFocus(false);
     setAcceptRichText(true);
+    d->spell = new SpellHighlighter(document(), SpellChecker::Shared(), this);
     connect(this, &QTextEdit::cursorPositionChanged, this, &TOxaRichView::OnCaretMoveOxa);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &TOxaRichView::OnVScrolled);
     connect(d->doc->Document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged,
@@ -908,6 +933,8 @@ bool TOxaRichView::KeyDownFormating(Word Key, TShiftState Shift)
 
 void TOxaRichView::keyPressEvent(QKeyEvent *event)
 {
+    // What a key changes is checked at once (only the paragraphs it touches).
+    const SpellHighlighter::Interactive typed(d->spell);
     Word key = 0;
     TShiftState shift;
     KeyFromEvent(event, key, shift);
@@ -974,7 +1001,83 @@ void TOxaRichView::mouseReleaseEvent(QMouseEvent *event)
 void TOxaRichView::contextMenuEvent(QContextMenuEvent *event)
 {
     Q_EMIT OnPopup();
-    QTextEdit::contextMenuEvent(event);
+    // The standard menu wants document coordinates (for a link under the mouse).
+    const QPoint scrolled(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    QMenu *menu = createStandardContextMenu(event->pos() + scrolled);
+    AddSpellingActions(menu, event->pos());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(event->globalPos());
+}
+
+// ---- spell checking ----
+
+bool TOxaRichView::SpellCheck() const
+{
+    return d->spell->IsEnabled();
+}
+
+void TOxaRichView::SetSpellCheck(bool value)
+{
+    const bool before = SpellCheck();
+    d->spell->SetEnabled(value);
+    if (SpellCheck() != before)
+        Q_EMIT spellCheckChanged();
+}
+
+bool TOxaRichView::SpellCheckAvailable() const
+{
+    return SpellChecker::Shared()->IsAvailable();
+}
+
+QStringList TOxaRichView::PersonalWords() const
+{
+    return SpellChecker::Shared()->PersonalWords();
+}
+
+void TOxaRichView::SetPersonalWords(const QStringList &words)
+{
+    SpellChecker::Shared()->SetPersonalWords(words);
+}
+
+int TOxaRichView::AddSpellingActions(QMenu *menu, const QPoint &viewportPos)
+{
+    int start = 0;
+    int length = 0;
+    if (!menu || !SpellCheck() ||
+        !d->spell->MisspelledAt(cursorForPosition(viewportPos).position(), start, length))
+        return 0;
+    const QTextBlock block = document()->findBlock(start);
+    const QString word = block.text().mid(start - block.position(), length);
+    // The word must still stand there when an action runs (a host's menu may
+    // be shown later than it is built).
+    auto stillThere = [this, start, word] {
+        const QTextBlock b = document()->findBlock(start);
+        return b.text().mid(start - b.position(), word.size()) == word;
+    };
+    QAction *first = menu->actions().value(0);
+    int added = 0;
+    for (const QString &suggestion : SpellChecker::Shared()->Suggest(word, 5)) {
+        auto *action = new QAction(suggestion, menu);
+        QFont font = action->font();
+        font.setBold(true);
+        action->setFont(font);
+        connect(action, &QAction::triggered, this, [this, start, word, suggestion, stillThere] {
+            if (stillThere())
+                d->ReplaceWord(start, int(word.size()), suggestion);
+        });
+        menu->insertAction(first, action);
+        ++added;
+    }
+    auto *add = new QAction(QStringLiteral("Přidat do slovníku"), menu);
+    connect(add, &QAction::triggered, this, [this, word] {
+        SpellChecker::Shared()->AddPersonalWord(word);
+        Q_EMIT personalWordAdded(word);
+    });
+    menu->insertAction(first, add);
+    ++added;
+    if (first)
+        menu->insertSeparator(first);
+    return added;
 }
 
 // ---- clipboard ----

@@ -9,6 +9,7 @@
 #include <memory>
 
 class QIODevice;
+class QMenu;
 
 namespace oxa {
 
@@ -52,6 +53,7 @@ class OXA_EXPORT TOxaRichView : public QTextEdit
     Q_PROPERTY(
         int MinimalHeight READ MinimalHeight WRITE SetMinimalHeight NOTIFY minimalHeightChanged)
     Q_PROPERTY(bool AutoSize READ AutoSize WRITE SetAutoSize NOTIFY autoSizeChanged)
+    Q_PROPERTY(bool SpellCheck READ SpellCheck WRITE SetSpellCheck NOTIFY spellCheckChanged)
 
 public:
     explicit TOxaRichView(QWidget *parent = nullptr);
@@ -174,6 +176,20 @@ public:
     // The key handling of the editor, from a virtual-key code.
     void KeyDown(Word &Key, TShiftState Shift);
 
+    // Czech spell checking as the user types: misspelt words get a red wavy
+    // underline that is drawn over the document, never stored in it. On by
+    // default when the dictionary is installed (SpellCheckAvailable).
+    bool SpellCheck() const;
+    void SetSpellCheck(bool value);
+    bool SpellCheckAvailable() const;
+    // The personal word list, one per process (shared by every editor).
+    QStringList PersonalWords() const;
+    void SetPersonalWords(const QStringList &words);
+    // Puts at the top of a context menu, when viewportPos lies in a misspelt
+    // word, up to five corrections and "Přidat do slovníku", then a separator.
+    // Returns the number of actions added (0 for a correct word).
+    int AddSpellingActions(QMenu *menu, const QPoint &viewportPos);
+
 Q_SIGNALS:
     void saveFontNameChanged();
     void minimalHeightChanged();
@@ -184,6 +200,9 @@ Q_SIGNALS:
     void OnTextJump(int itemNo);
     void OnCaretMoveOxa();
     void OnPopup();
+    void spellCheckChanged();
+    // The user added a word to the personal word list from the context menu.
+    void personalWordAdded(const QString &word);
 
 protected:
     bool KeyDownFormating(Word Key, TShiftState Shift);

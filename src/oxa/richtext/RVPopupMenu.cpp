@@ -156,11 +156,11 @@ void TRVPopupMenu::PopupAt(const QPoint &globalPos, const QPoint &editorPos)
 
 void TRVPopupMenu::addEditorSpecificActions(QMenu *menu, const QPoint &editorPos)
 {
-    // Nothing depends on the clicked point yet. Actions added here to the
-    // top of the menu for the word at editorPos (the editor's viewport
-    // coordinates) are removed again before the menu opens the next time.
-    Q_UNUSED(menu);
-    Q_UNUSED(editorPos);
+    // The spelling suggestions for the word at editorPos (the editor's
+    // viewport coordinates) go to the top of the menu; like every action
+    // added here they are removed again before the menu opens the next time.
+    if (TOxaRichView *editor = d->fEditor)
+        editor->AddSpellingActions(menu, editorPos);
 }
 
 void TRVPopupMenu::OnClick(QAction *item)
