@@ -1,5 +1,6 @@
 #include "oxa/richtext/OxaRichView.h"
 #include "oxa/richtext/RVPopupMenu.h"
+#include "oxa/richtext/SpellChecker.h"
 #include "oxa/toolkit/Exceptions.h"
 #include "support/TestSupport.h"
 
@@ -94,6 +95,7 @@ private Q_SLOTS:
     void itemsDoWhatTheToolbarDoes();
     void checksAndEnablingFollowTheEditor();
     void menuKeyOpensAtTheCaret();
+    void misspeltWordGetsSuggestionsFirst();
 };
 
 void TestRVPopupMenu::initAcceptsTheEditorOrNothing()
@@ -245,6 +247,40 @@ void TestRVPopupMenu::menuKeyOpensAtTheCaret()
     QApplication::sendEvent(b.editor, &key);
     QCOMPARE(QApplication::activePopupWidget(), b.menu);
     QVERIFY((b.menu->pos() - caret).manhattanLength() < 4);
+    b.menu->close();
+}
+
+// Over a misspelt word the menu starts with its corrections and
+// "Přidat do slovníku"; elsewhere it has its own items only.
+void TestRVPopupMenu::misspeltWordGetsSuggestionsFirst()
+{
+    OXA_REQUIRE_OR_SKIP(SpellChecker::Shared()->EnsureLoaded(), "OXA_REQUIRE_DICTIONARY",
+                        QStringLiteral("The Czech dictionary (hunspell-cs) is not installed"));
+    Bench b;
+    const QString text = QStringLiteral("Pacient udává bolesit hlavy");
+    b.editor->InsertText(text);
+    auto rightClickOn = [&](const QString &word) {
+        QTextCursor c(b.editor->document());
+        c.setPosition(int(b.Text().indexOf(word) + word.size() / 2));
+        QWidget *top = b.editor->window();
+        QTest::mouseClick(top->windowHandle(), Qt::RightButton, {},
+                          b.editor->viewport()->mapTo(top, b.editor->cursorRect(c).center()));
+        return qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    };
+
+    QCOMPARE(rightClickOn(QStringLiteral("bolesit")), b.menu);
+    const QStringList captions = Captions(b.menu);
+    const int add = int(captions.indexOf(QStringLiteral("Přidat do slovníku")));
+    QVERIFY2(add > 0 && add <= 5, qPrintable(captions.join(u'|')));
+    QVERIFY(captions.contains(QStringLiteral("bolest")));
+    QCOMPARE(captions.at(add + 1), QStringLiteral("-"));
+    QCOMPARE(captions.at(add + 2), QStringLiteral("Vyjmout"));
+    QTest::mouseClick(b.menu, Qt::LeftButton, {},
+                      b.menu->actionGeometry(FindItem(b.menu, QStringLiteral("bolest"))).center());
+    QCOMPARE(b.Text(), QStringLiteral("Pacient udává bolest hlavy"));
+
+    QCOMPARE(rightClickOn(QStringLiteral("hlavy")), b.menu);
+    QCOMPARE(Captions(b.menu).first(), QStringLiteral("Vyjmout"));
     b.menu->close();
 }
 

@@ -21,13 +21,8 @@ using namespace oxa::test;
 // The Czech dictionary is a package of the test machine; elsewhere the tests
 // that need it are skipped, unless the run demands it.
 #define REQUIRE_DICTIONARY() \
-    do { \
-        if (!SpellChecker::Shared()->IsAvailable()) { \
-            if (qEnvironmentVariableIsSet("OXA_REQUIRE_DICTIONARY")) \
-                QFAIL("The Czech dictionary (hunspell-cs) is not installed"); \
-            QSKIP("The Czech dictionary (hunspell-cs) is not installed"); \
-        } \
-    } while (false)
+    OXA_REQUIRE_OR_SKIP(SpellChecker::Shared()->IsAvailable(), "OXA_REQUIRE_DICTIONARY", \
+                        QStringLiteral("The Czech dictionary (hunspell-cs) is not installed"))
 
 namespace {
 

@@ -4,6 +4,8 @@
 // the throw-away PostgreSQL server the test run starts (pgcluster.sh; its
 // state file is named by OXA_PG_STATE).
 
+#include "support/TestSupport.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QSqlDatabase>
@@ -143,20 +145,12 @@ inline QSqlDatabase CloneTestDatabase(const QString &connection, const QString &
 // A database the test could not prepare: a failure where the full test
 // command requires the PostgreSQL server, a skip with the reason elsewhere.
 #define OXA_REQUIRE_DATABASE(prepared, reason) \
-    if (!(prepared)) { \
-        if (qEnvironmentVariableIsSet("OXA_REQUIRE_POSTGRES")) \
-            QFAIL(qPrintable(reason)); \
-        QSKIP(qPrintable(reason)); \
-    }
+    OXA_REQUIRE_OR_SKIP(prepared, "OXA_REQUIRE_POSTGRES", reason)
 
 // Opens the database of the test's "database" column, or skips with the
 // reason; when OXA_REQUIRE_POSTGRES is set a missing server fails instead.
 #define OXA_OPEN_TEST_DATABASE(kind, connection) \
     do { \
         const QString oxaWhy = oxa::test::OpenTestDatabase(kind, connection); \
-        if (!oxaWhy.isEmpty()) { \
-            if (qEnvironmentVariableIsSet("OXA_REQUIRE_POSTGRES")) \
-                QFAIL(qPrintable(oxaWhy)); \
-            QSKIP(qPrintable(oxaWhy)); \
-        } \
+        OXA_REQUIRE_OR_SKIP(oxaWhy.isEmpty(), "OXA_REQUIRE_POSTGRES", oxaWhy); \
     } while (false)

@@ -80,3 +80,15 @@ private:
 };
 
 } // namespace oxa::test
+
+// Something the machine may lack (a server, a dictionary): a failure where
+// the full test command requires it (the environment variable is set), a
+// skip with the reason elsewhere.
+#define OXA_REQUIRE_OR_SKIP(present, requireVariable, reason) \
+    do { \
+        if (!(present)) { \
+            if (qEnvironmentVariableIsSet(requireVariable)) \
+                QFAIL(qPrintable(reason)); \
+            QSKIP(qPrintable(reason)); \
+        } \
+    } while (false)

@@ -220,11 +220,12 @@ void SpellHighlighter::ClearAll()
         SetBlockFormats(b, {});
 }
 
-bool SpellHighlighter::MisspelledAt(int position, int &start, int &length) const
+bool SpellHighlighter::MisspelledAt(int position, int &start, int &length)
 {
     const QTextBlock block = m_document->findBlock(position);
-    if (!block.isValid() || !block.layout())
+    if (!m_enabled || !block.isValid() || !block.layout())
         return false;
+    CheckBlock(block);
     const int inBlock = position - block.position();
     for (const auto &f : block.layout()->formats()) {
         if (inBlock >= f.start && inBlock <= f.start + f.length) {

@@ -62,9 +62,11 @@ public:
         SpellHighlighter *m_h;
     };
 
-    // The underlined word at a document position: its start (a document
-    // position) and length; false when the position is in no underlined word.
-    bool MisspelledAt(int position, int &start, int &length) const;
+    // The misspelt word at a document position: its start (a document
+    // position) and length; false when the position is in no misspelt word.
+    // The paragraph is checked first, as the background may not have come
+    // to it yet.
+    bool MisspelledAt(int position, int &start, int &length);
 
     // What the checking cost, for the benchmarks and the tests.
     struct Stats
