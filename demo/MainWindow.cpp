@@ -9,8 +9,10 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QEventLoop>
 #include <QStatusBar>
 #include <QTabWidget>
+#include <QTimer>
 
 MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), m_tabs(new QTabWidget(this))
 {
@@ -48,6 +50,13 @@ QStringList MainWindow::SaveScreenshots(const QString &directory)
     show();
     for (int i = 0; i < m_tabs->count(); ++i) {
         m_tabs->setCurrentIndex(i);
+        // A page may fill itself with an example first; what it starts in
+        // the background (the spell check) gets a moment to finish.
+        if (QMetaObject::invokeMethod(m_tabs->widget(i), "PrepareScreenshot")) {
+            QEventLoop settle;
+            QTimer::singleShot(300, &settle, &QEventLoop::quit);
+            settle.exec();
+        }
         QApplication::processEvents();
         const QString file = QDir(directory).filePath(
             QStringLiteral("%1-%2.png").arg(i + 1).arg(m_fileNames.value(i)));

@@ -4,6 +4,7 @@
 
 #include "oxa/richtext/OxaRichView.h"
 #include "oxa/richtext/RVPopupMenu.h"
+#include "oxa/richtext/SpellChecker.h"
 #include "oxa/toolkit/Exceptions.h"
 #include "oxa/toolkit/MessageService.h"
 
@@ -29,7 +30,8 @@ ReportPage::ReportPage(QWidget *parent) : QWidget(parent)
     QSqlDatabase db = SampleDatabase::Database();
     if (db.isOpen() &&
         (!SampleDatabase::EnsureReportSchema(db, &error) ||
-         !SampleDatabase::EnsureReportInsertions(db, &error)))
+         !SampleDatabase::EnsureReportInsertions(db, &error) ||
+         !SampleDatabase::EnsurePersonalWords(db, &error)))
         MessageService::ShowError(error, this);
 
     m_patients = new QListWidget(this);
@@ -45,6 +47,13 @@ ReportPage::ReportPage(QWidget *parent) : QWidget(parent)
     };
     m_menu = new TRVPopupMenu(this);
     m_menu->Init(m_editor);
+    // The spell check knows the clinic's words; a word the user adds is kept.
+    m_editor->SetPersonalWords(SampleDatabase::PersonalWords());
+    connect(m_editor, &TOxaRichView::personalWordAdded, this, [this](const QString &word) {
+        QString why;
+        if (!SampleDatabase::AddPersonalWord(word, &why))
+            MessageService::ShowError(why, this);
+    });
     m_status = new QLabel(this);
     m_save = new QPushButton(QStringLiteral("Uložit zprávu"), this);
     auto *insert = new QPushButton(QStringLiteral("Vložit vzor"), this);
@@ -240,6 +249,18 @@ void ReportPage::OfferChoices(QObject *button, const QList<QPair<QString, QStrin
         menu->addAction(QStringLiteral("(nic k vložení)"))->setEnabled(false);
     auto *widget = qobject_cast<QWidget *>(button);
     menu->popup(widget->mapToGlobal(QPoint(0, widget->height())));
+}
+
+void ReportPage::PrepareScreenshot()
+{
+    if (!m_editor->IsEmpty())
+        return;
+    Insert(QStringLiteral("<b><fs=12>Ambulantní zpráva</fs></b>\r\n"
+                          "Pacient přichází pro bolesit hlavy trvající tři dny.\r\n"));
+    InsertFromDatabase(nullptr, tbtInAnamnezy);
+    InsertFromDatabase(nullptr, tbtInTrvaleLeky);
+    // Read the dictionary now; the check then runs while the window waits.
+    SpellChecker::Shared()->EnsureLoaded();
 }
 
 void ReportPage::Insert(const QString &taggedText)

@@ -27,8 +27,15 @@ public:
 
     oxa::TOxaRichView *Editor() const { return m_editor; }
     oxa::TRVToolBar *ToolBar() const { return m_toolbar; }
+    // The patient whose report is shown; -1 for none.
+    int PatientId() const { return m_patientId; }
     // Stores the report of the current patient; false when the database refused it.
     bool SaveReport();
+
+public Q_SLOTS:
+    // For the screenshots: a short report from the database's texts, with a
+    // misspelt word so that the spell check shows.
+    void PrepareScreenshot();
 
 private:
     void LoadPatients();

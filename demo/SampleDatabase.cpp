@@ -449,14 +449,24 @@ template<std::size_t N>
 QStringList Pick(QRandomGenerator &rng, const char *const (&list)[N])
 {
     QStringList picked;
+    QStringList headings; // one piece of a kind: one family history, one allergy line
     const int count = 2 + int(rng.bounded(2));
     while (picked.size() < count) {
         const QString piece = QString::fromUtf8(list[rng.bounded(int(N))]);
-        if (!picked.contains(piece))
+        const QString heading = piece.section(QStringLiteral("</b>"), 0, 0);
+        if (!headings.contains(heading)) {
             picked << piece;
+            headings << heading;
+        }
     }
     return picked;
 }
+
+// Words of the sample texts that the general Czech dictionary does not know.
+const char *const kOsobniSlovnik[] = {
+    "Prestarium", "Metformin", "Atoris",        "Euthyrox", "Anopyrin", "Helicid",
+    "Concor",     "Ventolin",  "appendektomii", "mellitus", "Abusus",
+};
 
 } // namespace
 
@@ -515,4 +525,47 @@ bool SampleDatabase::EnsureReportInsertions(QSqlDatabase &db, QString *error)
         return false;
     }
     return db.commit();
+}
+
+bool SampleDatabase::EnsurePersonalWords(QSqlDatabase &db, QString *error)
+{
+    if (db.tables().contains(QStringLiteral("osobni_slovnik")))
+        return true;
+    QSqlQuery q(db);
+    if (!db.transaction())
+        return false;
+    bool ok =
+        exec(q, QStringLiteral("CREATE TABLE osobni_slovnik (slovo TEXT PRIMARY KEY)"), error);
+    ok = ok && q.prepare(QStringLiteral("INSERT INTO osobni_slovnik (slovo) VALUES (?)"));
+    for (const char *word : kOsobniSlovnik) {
+        q.addBindValue(QString::fromUtf8(word));
+        ok = ok && Run(q, error);
+    }
+    if (!ok) {
+        db.rollback();
+        return false;
+    }
+    return db.commit();
+}
+
+QStringList SampleDatabase::PersonalWords()
+{
+    QStringList words;
+    QSqlQuery q(Database());
+    q.exec(QStringLiteral("SELECT slovo FROM osobni_slovnik ORDER BY slovo"));
+    while (q.next())
+        words << q.value(0).toString();
+    return words;
+}
+
+bool SampleDatabase::AddPersonalWord(const QString &word, QString *error)
+{
+    QSqlQuery q(Database());
+    q.prepare(QStringLiteral("DELETE FROM osobni_slovnik WHERE slovo = ?"));
+    q.addBindValue(word);
+    if (!Run(q, error))
+        return false;
+    q.prepare(QStringLiteral("INSERT INTO osobni_slovnik (slovo) VALUES (?)"));
+    q.addBindValue(word);
+    return Run(q, error);
 }

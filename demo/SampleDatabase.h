@@ -2,6 +2,7 @@
 
 #include <QSqlDatabase>
 #include <QString>
+#include <QStringList>
 
 // The demo clinic's SQLite database. It is created with sample data on first
 // use: patients, insurance companies, a doctor's working hours and diary.
@@ -36,6 +37,11 @@ public:
     // long-term diagnoses (trvala_diagnoza), and the shared text blocks
     // (textovy_blok). Created and filled when missing.
     static bool EnsureReportInsertions(QSqlDatabase &db, QString *error);
+    // The clinic's own words for the spell check (drug names, medical terms),
+    // filled with those of the sample texts the first time.
+    static bool EnsurePersonalWords(QSqlDatabase &db, QString *error);
+    static QStringList PersonalWords();
+    static bool AddPersonalWord(const QString &word, QString *error);
 
 private:
     static bool CreateSchema(QSqlDatabase &db, QString *error);

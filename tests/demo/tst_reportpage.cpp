@@ -101,8 +101,9 @@ void TestReportPage::toolbarInsertsFromTheDatabase()
     QApplication::activePopupWidget()->close();
 
     QSqlQuery q(SampleDatabase::Database());
-    QVERIFY(q.exec(QStringLiteral("SELECT COUNT(*) FROM trvaly_lek WHERE pacient ="
-                                  " (SELECT MIN(id) FROM pacient)")));
+    q.prepare(QStringLiteral("SELECT COUNT(*) FROM trvaly_lek WHERE pacient = ?"));
+    q.addBindValue(page->PatientId());
+    QVERIFY(q.exec());
     QVERIFY(q.next());
     const int medicines = q.value(0).toInt();
     QVERIFY(medicines >= 2);
