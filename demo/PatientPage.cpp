@@ -29,6 +29,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlQueryModel>
+#include <QTabWidget>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -117,6 +118,16 @@ void PatientPage::showEvent(QShowEvent *event)
 
 bool PatientPage::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == window() && event->type() == QEvent::Close && Modified()) {
+        // The user sees the form that is asked about, whatever page was shown.
+        auto *tabs = window()->findChild<QTabWidget *>();
+        for (QWidget *page = this; tabs && page; page = page->parentWidget()) {
+            if (tabs->indexOf(page) >= 0) {
+                tabs->setCurrentWidget(page);
+                break;
+            }
+        }
+    }
     if (watched == window() && event->type() == QEvent::Close && !MayLeavePatient()) {
         event->ignore();
         return true;
