@@ -5,6 +5,7 @@
 
 #include "oxa/diary/DayListView.h"
 #include "oxa/diary/MonthGrid_p.h"
+#include "support/TestSupport.h"
 
 #include <QImage>
 #include <QTime>
@@ -21,10 +22,31 @@ inline TTime Cas(QTime t)
     return EncodeTime(t.hour(), t.minute(), t.second(), 0);
 }
 
+// The keys of entries, in their order.
+template<class Records>
+QList<qint32> Klice(const Records &zaznamy)
+{
+    QList<qint32> klice;
+    for (const TDayRecord &z : zaznamy)
+        klice.append(z.ID_DIAR);
+    return klice;
+}
+
 // The centre of a list's item, in viewport coordinates.
 inline QPoint ItemCenter(const TDayListView *list, int index)
 {
     return list->visualItemRect(list->topLevelItem(index)).center();
+}
+
+// An entry with its key, of no day in particular.
+inline TDayRecord Polozka(qint32 id, TTime od = 0, TTime doCasu = 0, const char *popis = "")
+{
+    TDayRecord z;
+    z.ID_DIAR = id;
+    z.CasOd = od;
+    z.CasDo = doCasu;
+    z.Popis = popis;
+    return z;
 }
 
 // An entry of day den of the store's month, with a key of its own.
@@ -61,6 +83,19 @@ struct GridWindow
         grid->SetDatum(datum);
     }
     void add(const TDayRecord &z) { zaznamy.AddDayRecord(z, zaznamy.SlotOfDay(z.Den)); }
+    void settings(const TDiarNastaveni &n)
+    {
+        grid->SetDiarNastaveni(n);
+        grid->Init();
+    }
+    bool show()
+    {
+        if (!ShowAndActivate(&window))
+            return false;
+        grid->setFocus();
+        return grid->hasFocus();
+    }
+    const TMonthGridCell &cell(int row, int col) const { return grid->DataPaint(row, col); }
     QPoint centre(int col, int row = 1) const { return grid->CellRect(col, row).center(); }
     // A pixel of the cell away from its lines and its diagonal.
     QColor pixel(int col, int row = 1, QPoint offset = {6, 3}) const

@@ -55,9 +55,9 @@ void TestDayGrid::constructionAndDatum()
     w.grid->SetDatum(EncodeDate(2024, 1, 9));
     QCOMPARE(w.grid->RowCount(), 2);
     QCOMPARE(w.grid->Row(), 1);
-    QVERIFY(w.grid->DataPaint(9, 33).zaznam);
+    QVERIFY(w.cell(9, 33).zaznam);
     w.grid->Init();
-    QVERIFY(!w.grid->DataPaint(9, 33).zaznam);
+    QVERIFY(!w.cell(9, 33).zaznam);
 }
 
 void TestDayGrid::selectionTimes_data()
@@ -108,11 +108,10 @@ void TestDayGrid::mouseDrawingAndHint()
     n.pracDobaLichy[6] = n.pracDobaSudy[6] = {Cas(8, 0), Cas(12, 0), 0, 0};
     n.dovolena = {TDovolena{
         Cas(8, 0), Cas(9, 0), EncodeDate(2023, 11, 5), EncodeDate(2023, 11, 5), false, 0, {}}};
-    w.grid->SetDiarNastaveni(n);
     w.add(28, Cas(10, 0), Cas(10, 30), "Kontrola");
     w.add(28, Cas(11, 0), Cas(11, 15), "Soukromé", true);
     w.add(1, Cas(9, 0), Cas(9, 15), "Jiný den");
-    w.grid->Init();
+    w.settings(n);
     w.grid->SetSelection(TGridRect{80, 1, 82, 1});
     int downs = 0;
     w.grid->OnMouseDown = [&](QObject *, TMouseButton, TShiftState, int, int) { ++downs; };

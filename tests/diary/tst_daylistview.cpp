@@ -9,18 +9,9 @@
 using namespace oxa;
 using test::Cas;
 using test::ItemCenter;
+using test::Polozka;
 
 namespace {
-
-TDayRecord Zaznam(qint32 id, TTime od, TTime doCasu, const char *popis = "")
-{
-    TDayRecord z;
-    z.ID_DIAR = id;
-    z.CasOd = od;
-    z.CasDo = doCasu;
-    z.Popis = popis;
-    return z;
-}
 
 QStringList Captions(const TDayListView &list)
 {
@@ -99,21 +90,21 @@ void TestDayListView::visibleDates()
 void TestDayListView::itemsFollowTheirTimes()
 {
     TDayListView list;
-    list.AddItem(Zaznam(1, Cas(10, 0), Cas(10, 30)));
-    list.AddItem(Zaznam(2, Cas(8, 30), Cas(9, 0)));
-    list.AddItem(Zaznam(3, Cas(9, 15), Cas(9, 45)));
-    list.AddItem(Zaznam(4, Cas(8, 30), Cas(8, 45)));
-    list.AddItem(Zaznam(5, Cas(11, 0), Cas(12, 0)));
-    list.AddItem(Zaznam(6, Cas(11, 0), Cas(12, 0)));
+    list.AddItem(Polozka(1, Cas(10, 0), Cas(10, 30)));
+    list.AddItem(Polozka(2, Cas(8, 30), Cas(9, 0)));
+    list.AddItem(Polozka(3, Cas(9, 15), Cas(9, 45)));
+    list.AddItem(Polozka(4, Cas(8, 30), Cas(8, 45)));
+    list.AddItem(Polozka(5, Cas(11, 0), Cas(12, 0)));
+    list.AddItem(Polozka(6, Cas(11, 0), Cas(12, 0)));
     QCOMPARE(Captions(list),
              (QStringList{"08:30-08:45", "08:30-09:00", "09:15-09:45", "10:00-10:30", "11:00-12:00",
                           "11:00-12:00"}));
     QCOMPARE(list.ItemRecord(5)->ID_DIAR, 6); // equal times keep their arrival order
 
-    list.ChangeItem(Zaznam(1, Cas(7, 0), Cas(7, 15), "změna"));
+    list.ChangeItem(Polozka(1, Cas(7, 0), Cas(7, 15), "změna"));
     QCOMPARE(list.VratIndexPrvku(1), 0);
     QCOMPARE(list.topLevelItem(0)->text(1), QStringLiteral("změna"));
-    list.ChangeItem(Zaznam(99, Cas(1, 0), Cas(2, 0)));
+    list.ChangeItem(Polozka(99, Cas(1, 0), Cas(2, 0)));
     list.RemoveItem(99);
     list.RemoveItem(3);
     QCOMPARE(list.Count(), 5);
@@ -131,11 +122,11 @@ void TestDayListView::columnsTextsAndLooks()
     list.resize(400, 200);
     QCOMPARE(list.columnWidth(1), list.viewport()->width() - 65);
 
-    TDayRecord hotovy = Zaznam(1, Cas(8, 0), Cas(9, 0), " Převaz ");
+    TDayRecord hotovy = Polozka(1, Cas(8, 0), Cas(9, 0), " Převaz ");
     hotovy.KONTAKT = QStringLiteral("Novák Jan");
     hotovy.PODROBNOSTI = QStringLiteral("zpráva\r\nz RTG");
     hotovy.SPLNENO = 100;
-    TDayRecord soukromy = Zaznam(2, Cas(9, 0), Cas(10, 0), "soukromé");
+    TDayRecord soukromy = Polozka(2, Cas(9, 0), Cas(10, 0), "soukromé");
     soukromy.Soukrome = true;
     list.AddItem(hotovy);
     list.AddItem(soukromy);
@@ -179,7 +170,7 @@ void TestDayListView::boxCaption()
     QList<qint16> months;
     box.DayListView()->OnDateOfMonthListView = [&months](QObject *, qint16 m) { months << m; };
     for (int i = 0; i < entries; ++i)
-        box.DayListView()->AddItem(Zaznam(i + 1, Cas(8 + i, 0), Cas(9 + i, 0)));
+        box.DayListView()->AddItem(Polozka(i + 1, Cas(8 + i, 0), Cas(9 + i, 0)));
     box.SetDayMonthYear(15, 11904);
     QCOMPARE(box.title(), caption);
     QCOMPARE(box.DayListView()->Den(), 15);
@@ -236,8 +227,8 @@ void TestDayListView::boxWithoutPanel()
     TDayGroupBox box;
     box.resize(240, 200);
     TDayListView *list = box.DayListView();
-    list->AddItem(Zaznam(1, Cas(8, 0), Cas(9, 0)));
-    list->AddItem(Zaznam(2, Cas(9, 0), Cas(10, 0)));
+    list->AddItem(Polozka(1, Cas(8, 0), Cas(9, 0)));
+    list->AddItem(Polozka(2, Cas(9, 0), Cas(10, 0)));
     QList<int> selected;
     QList<qint32> opened;
     box.OnSelectDayItem = [&selected](QObject *, int index) { selected << index; };
@@ -261,8 +252,8 @@ void TestDayListView::dragStartsFromTheItemUnderTheMouse()
 
     TDayListView source;
     source.resize(300, 200);
-    source.AddItem(Zaznam(1, Cas(8, 0), Cas(9, 0)));
-    source.AddItem(Zaznam(2, Cas(9, 15), Cas(10, 0)));
+    source.AddItem(Polozka(1, Cas(8, 0), Cas(9, 0)));
+    source.AddItem(Polozka(2, Cas(9, 15), Cas(10, 0)));
     QStringList texts;
     QImage image;
     source.OnStartDrag = [&](QObject *, TTextDragObject &drag, bool &allow) {

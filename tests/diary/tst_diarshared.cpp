@@ -1,35 +1,11 @@
-#include "oxa/diary/DiarShared.h"
+#include "DiaryTestSupport.h"
 
 #include <QTest>
 
 using namespace oxa;
-
-namespace {
-
-TTime Cas(int h, int n, int s = 0)
-{
-    return EncodeTime(h, n, s, 0);
-}
-
-TDayRecord Zaznam(qint32 id, TTime od = 0, TTime doCasu = 0, const char *popis = "")
-{
-    TDayRecord z;
-    z.ID_DIAR = id;
-    z.CasOd = od;
-    z.CasDo = doCasu;
-    z.Popis = popis;
-    return z;
-}
-
-QList<qint32> Klice(const TDayRecordArray &zaznamy)
-{
-    QList<qint32> klice;
-    for (const TDayRecord &z : zaznamy)
-        klice.append(z.ID_DIAR);
-    return klice;
-}
-
-} // namespace
+using test::Cas;
+using test::Klice;
+using test::Polozka;
 
 class TestDiarShared : public QObject
 {
@@ -84,17 +60,17 @@ void TestDiarShared::storeSlots()
     TMonthArray store(3, 4);
     QCOMPARE(store.SlotCount(), 3 + 31 + 4);
     // February has 28 days; slots 29 to 31 exist all the same.
-    store.AddDayRecord(Zaznam(1), store.SlotOfDay(31));
-    store.AddDayRecord(Zaznam(2), -1);
-    store.AddDayRecord(Zaznam(3), store.SlotCount());
+    store.AddDayRecord(Polozka(1), store.SlotOfDay(31));
+    store.AddDayRecord(Polozka(2), -1);
+    store.AddDayRecord(Polozka(3), store.SlotCount());
     QCOMPARE(Klice(store.GetDayRecordArray(31, true)), QList<qint32>{1});
     QCOMPARE(Klice(store.GetDayRecordArray(3 + 30, false)), QList<qint32>{1});
     QVERIFY(store.GetDayRecordArray(store.SlotCount(), false).empty());
     QVERIFY(store.GetDayRecordArray(-1, false).empty());
 
-    store.AddDayRecord(Zaznam(4), store.SlotOfDay(15));
-    store.AddDayRecord(Zaznam(5), store.SlotOfDay(15));
-    store.AddDayRecord(Zaznam(6), 0); // before the month
+    store.AddDayRecord(Polozka(4), store.SlotOfDay(15));
+    store.AddDayRecord(Polozka(5), store.SlotOfDay(15));
+    store.AddDayRecord(Polozka(6), 0); // before the month
     TCalDaysArray dny;
     dny[2] = 77; // every day is written
     store.getAktualniPocty(dny);
@@ -121,25 +97,25 @@ void TestDiarShared::storeSlots()
 void TestDiarShared::removingEntries()
 {
     TMonthArray store(1, 1);
-    store.AddDayRecord(Zaznam(1), 4);
-    store.AddDayRecord(Zaznam(8, 0, 0, "první"), 4);
-    store.AddDayRecord(Zaznam(8, 0, 0, "druhý"), 4);
-    store.AddDayRecord(Zaznam(2), 4);
+    store.AddDayRecord(Polozka(1), 4);
+    store.AddDayRecord(Polozka(8, 0, 0, "první"), 4);
+    store.AddDayRecord(Polozka(8, 0, 0, "druhý"), 4);
+    store.AddDayRecord(Polozka(2), 4);
     store.RemoveDayRecord(4, 8);
     store.RemoveDayRecord(4, 77);
     const TDayRecordArray zbytek = store.GetDayRecordArray(4, false);
     QCOMPARE(Klice(zbytek), (QList<qint32>{1, 8, 2}));
     QCOMPARE(zbytek[1].Popis.Text(), QStringLiteral("druhý"));
 
-    store.AddDayRecord(Zaznam(9), 10);
+    store.AddDayRecord(Polozka(9), 10);
     QStringList klice{"5", "9"};
     QVERIFY(store.RemoveRecords(klice));
     QCOMPARE(klice, QStringList{"5"});
     QVERIFY(store.IsDayEmpty(10));
 
     // One key removes one entry, the one in the lowest slot.
-    store.AddDayRecord(Zaznam(3), 2);
-    store.AddDayRecord(Zaznam(3), 1);
+    store.AddDayRecord(Polozka(3), 2);
+    store.AddDayRecord(Polozka(3), 1);
     klice = QStringList{"3", "ne", "42"};
     QVERIFY(store.RemoveRecords(klice));
     QCOMPARE(klice, (QStringList{"ne", "42"}));
@@ -172,10 +148,10 @@ void TestDiarShared::findDayRecordBySpan()
     QFETCH(QList<qint32>, found);
 
     TMonthArray store(2, 0);
-    store.AddDayRecord(Zaznam(1, Cas(10, 0, 30), Cas(10, 30, 45)), store.SlotOfDay(6));
-    store.AddDayRecord(Zaznam(2, Cas(10, 15), Cas(10, 15)), store.SlotOfDay(6));
-    store.AddDayRecord(Zaznam(3, -Cas(10, 0), Cas(11, 0)), store.SlotOfDay(6));
-    store.AddDayRecord(Zaznam(4, Cas(10, 0), Cas(11, 0)), store.SlotOfDay(7));
+    store.AddDayRecord(Polozka(1, Cas(10, 0, 30), Cas(10, 30, 45)), store.SlotOfDay(6));
+    store.AddDayRecord(Polozka(2, Cas(10, 15), Cas(10, 15)), store.SlotOfDay(6));
+    store.AddDayRecord(Polozka(3, -Cas(10, 0), Cas(11, 0)), store.SlotOfDay(6));
+    store.AddDayRecord(Polozka(4, Cas(10, 0), Cas(11, 0)), store.SlotOfDay(7));
 
     QList<qint32> klice;
     for (PDayRecord z : store.FindDayRecord(6, od, doCasu)) {

@@ -92,18 +92,15 @@ void TestDateUtils::formatDateTime_data()
     QTest::addColumn<QString>("format");
     QTest::addColumn<QString>("expected");
     // Monday 4 February 2019 08:05:09
-    QTest::newRow("short tokens") << "d.m.yy"
-                                  << "4.2.19";
-    QTest::newRow("names") << "ddd dddd mmm mmmm" << QStringLiteral("po pondělí úno únor");
-    QTest::newRow("time") << "h:n:s hh:nn:ss"
-                          << "8:5:9 08:05:09";
-    QTest::newRow("m after h is minutes") << "hh:mm h m"
-                                          << "08:05 8 5";
-    QTest::newRow("quoted literals") << "'den' d \"v\" hh'm'mm"
-                                     << "den 4 v 08m05";
-    QTest::newRow("separators, any case") << "dd/MM/yyyy MMMM" << QStringLiteral("04.02.2019 únor");
-    QTest::newRow("c") << "c"
-                       << "04.02.2019 8:05:09";
+    const char *rows[][3] = {{"short tokens", "d.m.yy", "4.2.19"},
+                             {"names", "ddd dddd mmm mmmm", "po pondělí úno únor"},
+                             {"time", "h:n:s hh:nn:ss", "8:5:9 08:05:09"},
+                             {"m after h is minutes", "hh:mm h m", "08:05 8 5"},
+                             {"quoted literals", "'den' d \"v\" hh'm'mm", "den 4 v 08m05"},
+                             {"separators, any case", "dd/MM/yyyy MMMM", "04.02.2019 únor"},
+                             {"c", "c", "04.02.2019 8:05:09"}};
+    for (const auto &[name, format, expected] : rows)
+        QTest::newRow(name) << QString::fromUtf8(format) << QString::fromUtf8(expected);
 }
 
 void TestDateUtils::formatDateTime()
@@ -119,38 +116,28 @@ void TestDateUtils::formatStrToDate_data()
     QTest::addColumn<QString>("format");
     QTest::addColumn<QDate>("expected"); // invalid: refused
     const int century = QDate::currentDate().year() / 100 * 100;
-    QTest::newRow("d.m.yyyy") << "1.2.2019"
-                              << "" << QDate(2019, 2, 1);
-    QTest::newRow("dd.mm.yy") << "31.01.19"
-                              << "" << QDate(century + 19, 1, 31);
-    QTest::newRow("ddmmyyyy") << "31012019"
-                              << "" << QDate(2019, 1, 31);
-    QTest::newRow("ddmmyy") << "310119"
-                            << "" << QDate(century + 19, 1, 31);
-    QTest::newRow("blanks and placeholders") << " 1_. 2.2019 "
-                                             << "" << QDate(2019, 2, 1);
-    QTest::newRow("format, toolkit separator") << "3.1.2019"
-                                               << "dd/mm/yyyy" << QDate(2019, 1, 3);
-    QTest::newRow("format, fields abutting") << "31012019"
-                                             << "ddmmyyyy" << QDate(2019, 1, 31);
-    QTest::newRow("format, year first") << "2019-01-31"
-                                        << "yyyy-mm-dd" << QDate(2019, 1, 31);
-    QTest::newRow("32.13.") << "32.13.2019"
-                            << "" << QDate();
-    QTest::newRow("29.2. in a common year") << "29.02.2019"
-                                            << "" << QDate();
-    QTest::newRow("empty") << ""
-                           << "" << QDate();
-    QTest::newRow("untouched mask") << "  .  .    "
-                                    << "" << QDate();
-    QTest::newRow("three-digit year") << "1.1.201"
-                                      << "" << QDate();
-    QTest::newRow("five-digit year") << "1.1.20197"
-                                     << "" << QDate();
-    QTest::newRow("year 0") << "01.01.0000"
-                            << "" << QDate();
-    QTest::newRow("format, extra digit") << "310120197"
-                                         << "ddmmyyyy" << QDate();
+    const struct
+    {
+        const char *name, *text, *format;
+        QDate expected;
+    } rows[] = {{"d.m.yyyy", "1.2.2019", "", QDate(2019, 2, 1)},
+                {"dd.mm.yy", "31.01.19", "", QDate(century + 19, 1, 31)},
+                {"ddmmyyyy", "31012019", "", QDate(2019, 1, 31)},
+                {"ddmmyy", "310119", "", QDate(century + 19, 1, 31)},
+                {"blanks and placeholders", " 1_. 2.2019 ", "", QDate(2019, 2, 1)},
+                {"format, toolkit separator", "3.1.2019", "dd/mm/yyyy", QDate(2019, 1, 3)},
+                {"format, fields abutting", "31012019", "ddmmyyyy", QDate(2019, 1, 31)},
+                {"format, year first", "2019-01-31", "yyyy-mm-dd", QDate(2019, 1, 31)},
+                {"32.13.", "32.13.2019", "", QDate()},
+                {"29.2. in a common year", "29.02.2019", "", QDate()},
+                {"empty", "", "", QDate()},
+                {"untouched mask", "  .  .    ", "", QDate()},
+                {"three-digit year", "1.1.201", "", QDate()},
+                {"five-digit year", "1.1.20197", "", QDate()},
+                {"year 0", "01.01.0000", "", QDate()},
+                {"format, extra digit", "310120197", "ddmmyyyy", QDate()}};
+    for (const auto &row : rows)
+        QTest::newRow(row.name) << QString(row.text) << QString(row.format) << row.expected;
 }
 
 void TestDateUtils::formatStrToDate()

@@ -45,6 +45,11 @@ void createItems(int count)
         exec(db, QStringLiteral("SELECT setval('item_id_seq', %1)").arg(count));
 }
 
+TField *F(const std::unique_ptr<TSqlDataSet> &set, const char *name)
+{
+    return set->FieldByName(QLatin1String(name));
+}
+
 QString failureOf(const std::function<void()> &fn)
 {
     try {
@@ -79,7 +84,7 @@ private:
     // item table, or skips.
     bool prepare(int count = 1000)
     {
-        QFETCH(QString, database);
+        QFETCH_GLOBAL(QString, database);
         const QString why = test::OpenTestDatabase(database, kMain);
         if (!why.isEmpty()) {
             m_skip = why;
@@ -102,26 +107,22 @@ private:
 
 #define PREPARE(...) OXA_REQUIRE_DATABASE(prepare(__VA_ARGS__), m_skip)
 
-    void databases()
+private Q_SLOTS:
+    // Every case runs on each database.
+    void initTestCase_data()
     {
         test::AddDatabaseRows();
     }
-
-private Q_SLOTS:
     void cleanup()
     {
         test::CloseTestConnections();
     }
 
-    void pagesByKeyInABoundedWindow_data()
-    {
-        databases();
-    }
     void pagesByKeyInABoundedWindow()
     {
         PREPARE();
         auto set = itemSet();
-        TField *id = set->FieldByName(QStringLiteral("ID"));
+        TField *id = F(set, "ID");
         QCOMPARE(id->AsInteger(), 1);
         QVERIFY(set->Bof());
         QCOMPARE(set->RecNo(), 1);
@@ -174,10 +175,6 @@ private Q_SLOTS:
         QCOMPARE(id->AsInteger(), 300);
     }
 
-    void fieldsHaveTheirTypes_data()
-    {
-        databases();
-    }
     void fieldsHaveTheirTypes()
     {
         PREPARE(10);
@@ -185,50 +182,46 @@ private Q_SLOTS:
              QStringLiteral("UPDATE item SET amount = NULL, done = NULL WHERE id = 3"));
         auto set = itemSet();
         QCOMPARE(set->FieldCount(), 6);
-        QCOMPARE(set->FieldByName(QStringLiteral("done"))->DataType(), ftBoolean);
-        QCOMPARE(set->FieldByName(QStringLiteral("level"))->DataType(), ftInteger);
-        QCOMPARE(set->FieldByName(QStringLiteral("amount"))->DataType(), ftFloat);
-        QCOMPARE(set->FieldByName(QStringLiteral("name"))->DataType(), ftString);
-        QCOMPARE(set->FieldByName(QStringLiteral("born"))->DataType(), ftDate);
-        QVERIFY(set->FieldByName(QStringLiteral("id"))->IsKey());
+        for (const auto &[name, type] : {std::pair{"done", ftBoolean},
+                                         {"level", ftInteger},
+                                         {"amount", ftFloat},
+                                         {"name", ftString},
+                                         {"born", ftDate}})
+            QCOMPARE(F(set, name)->DataType(), type);
+        QVERIFY(F(set, "id")->IsKey());
         set->MoveBy(1);
-        QCOMPARE(set->FieldByName(QStringLiteral("done"))->AsVariant(), QVariant(true));
-        QCOMPARE(set->FieldByName(QStringLiteral("done"))->DisplayText(), QStringLiteral("Ano"));
-        QCOMPARE(set->FieldByName(QStringLiteral("amount"))->DisplayText(), QStringLiteral("0,5"));
-        QCOMPARE(set->FieldByName(QStringLiteral("born"))->AsDate(), QDate(2000, 1, 3));
-        QCOMPARE(set->FieldByName(QStringLiteral("born"))->DisplayText(),
-                 QStringLiteral("3.1.2000"));
+        QCOMPARE(F(set, "done")->AsVariant(), QVariant(true));
+        QCOMPARE(F(set, "done")->DisplayText(), QStringLiteral("Ano"));
+        QCOMPARE(F(set, "amount")->DisplayText(), QStringLiteral("0,5"));
+        QCOMPARE(F(set, "born")->AsDate(), QDate(2000, 1, 3));
+        QCOMPARE(F(set, "born")->DisplayText(), QStringLiteral("3.1.2000"));
         set->Next();
-        QVERIFY(set->FieldByName(QStringLiteral("done"))->IsNull());
-        QVERIFY(set->FieldByName(QStringLiteral("amount"))->IsNull());
-        QCOMPARE(set->FieldByName(QStringLiteral("amount"))->DisplayText(), QString());
-        QCOMPARE(failureOf([&] { set->FieldByName(QStringLiteral("missing")); }),
+        QVERIFY(F(set, "done")->IsNull());
+        QVERIFY(F(set, "amount")->IsNull());
+        QCOMPARE(F(set, "amount")->DisplayText(), QString());
+        QCOMPARE(failureOf([&] { F(set, "missing"); }),
                  QStringLiteral("Pole „missing“ nebylo nalezeno."));
-        QCOMPARE(failureOf([&] { set->FieldByName(QStringLiteral("name"))->SetAsString("x"); }),
+        QCOMPARE(failureOf([&] { F(set, "name")->SetAsString("x"); }),
                  QStringLiteral("Záznam není otevřen pro úpravy."));
 
         // Every type survives a round trip through the database.
         set->Edit();
-        set->FieldByName(QStringLiteral("done"))->SetAsBoolean(true);
-        set->FieldByName(QStringLiteral("amount"))->SetAsString(QStringLiteral("2,75"));
-        set->FieldByName(QStringLiteral("born"))->SetAsDate(QDate(2024, 2, 29));
+        F(set, "done")->SetAsBoolean(true);
+        F(set, "amount")->SetAsString(QStringLiteral("2,75"));
+        F(set, "born")->SetAsDate(QDate(2024, 2, 29));
         set->Post();
         set->Refresh();
-        QCOMPARE(set->FieldByName(QStringLiteral("done"))->AsBoolean(), true);
-        QCOMPARE(set->FieldByName(QStringLiteral("amount"))->AsFloat(), 2.75);
-        QCOMPARE(set->FieldByName(QStringLiteral("born"))->AsDate(), QDate(2024, 2, 29));
+        QCOMPARE(F(set, "done")->AsBoolean(), true);
+        QCOMPARE(F(set, "amount")->AsFloat(), 2.75);
+        QCOMPARE(F(set, "born")->AsDate(), QDate(2024, 2, 29));
         QCOMPARE(scalar("SELECT amount FROM item WHERE id = 3").toDouble(), 2.75);
     }
 
-    void editingWritesThrough_data()
-    {
-        databases();
-    }
     void editingWritesThrough()
     {
         PREPARE(50);
         auto set = itemSet();
-        TField *name = set->FieldByName(QStringLiteral("name"));
+        TField *name = F(set, "name");
         set->MoveBy(4);
         set->Edit();
         name->SetAsString(QStringLiteral("zrušeno"));
@@ -247,9 +240,9 @@ private Q_SLOTS:
         set->Append();
         QCOMPARE(set->State(), dsInsert);
         name->SetAsString(QStringLiteral("nový"));
-        set->FieldByName(QStringLiteral("level"))->SetAsInteger(2);
+        F(set, "level")->SetAsInteger(2);
         set->Post();
-        QCOMPARE(set->FieldByName(QStringLiteral("id"))->AsInteger(), 51);
+        QCOMPARE(F(set, "id")->AsInteger(), 51);
         QCOMPARE(scalar("SELECT name FROM item WHERE id = 51").toString(), QStringLiteral("nový"));
 
         // An appended record the user did not touch is dropped on moving away.
@@ -257,7 +250,7 @@ private Q_SLOTS:
         set->Prior();
         QCOMPARE(set->State(), dsBrowse);
         QCOMPARE(scalar("SELECT COUNT(*) FROM item").toInt(), 51);
-        QCOMPARE(set->FieldByName(QStringLiteral("id"))->AsInteger(), 50);
+        QCOMPARE(F(set, "id")->AsInteger(), 50);
 
         // Inserting in the middle and cancelling returns to the record.
         set->First();
@@ -265,24 +258,19 @@ private Q_SLOTS:
         set->Insert();
         QVERIFY(set->IsInsertedRecord(0));
         set->Cancel();
-        QCOMPARE(set->FieldByName(QStringLiteral("id"))->AsInteger(), 10);
+        QCOMPARE(F(set, "id")->AsInteger(), 10);
 
         set->Delete();
-        QCOMPARE(set->FieldByName(QStringLiteral("id"))->AsInteger(), 11);
+        QCOMPARE(F(set, "id")->AsInteger(), 11);
         QCOMPARE(scalar("SELECT COUNT(*) FROM item WHERE id = 10").toInt(), 0);
     }
 
     void concurrentChangeLosesNothing_data()
     {
-        QTest::addColumn<QString>("database");
         QTest::addColumn<bool>("deleted");
         QTest::addColumn<QString>("message");
-        for (const QString &kind : test::DatabaseKinds()) {
-            QTest::newRow(qPrintable(kind + "-changed"))
-                << kind << false << QStringLiteral("Záznam mezitím změnil jiný uživatel.");
-            QTest::newRow(qPrintable(kind + "-deleted"))
-                << kind << true << QStringLiteral("Záznam mezitím smazal jiný uživatel.");
-        }
+        QTest::newRow("changed") << false << QStringLiteral("Záznam mezitím změnil jiný uživatel.");
+        QTest::newRow("deleted") << true << QStringLiteral("Záznam mezitím smazal jiný uživatel.");
     }
     void concurrentChangeLosesNothing()
     {
@@ -294,18 +282,18 @@ private Q_SLOTS:
         first->MoveBy(6);
         second->MoveBy(6);
         second->Edit();
-        second->FieldByName(QStringLiteral("name"))->SetAsString(QStringLiteral("druhý"));
+        F(second, "name")->SetAsString(QStringLiteral("druhý"));
         if (deleted) {
             first->Delete();
         } else {
             first->Edit();
-            first->FieldByName(QStringLiteral("name"))->SetAsString(QStringLiteral("první"));
+            F(first, "name")->SetAsString(QStringLiteral("první"));
             first->Post();
         }
         const QString failure = failureOf([&] { second->Post(); });
         QVERIFY2(failure.startsWith(message), qPrintable(failure));
         QCOMPARE(second->State(), dsEdit);
-        QCOMPARE(second->FieldByName(QStringLiteral("name"))->AsString(), QStringLiteral("druhý"));
+        QCOMPARE(F(second, "name")->AsString(), QStringLiteral("druhý"));
         if (deleted) {
             QCOMPARE(scalar("SELECT COUNT(*) FROM item WHERE id = 7").toInt(), 0);
             QVERIFY(!failureOf([&] { second->Post(); }).isEmpty());
@@ -319,15 +307,11 @@ private Q_SLOTS:
         QCOMPARE(scalar("SELECT name FROM item WHERE id = 7").toString(), QStringLiteral("druhý"));
     }
 
-    void failedPostKeepsTheEdit_data()
-    {
-        databases();
-    }
     void failedPostKeepsTheEdit()
     {
         PREPARE(5);
         auto set = itemSet();
-        TField *level = set->FieldByName(QStringLiteral("level"));
+        TField *level = F(set, "level");
         set->Edit();
         level->SetAsInteger(-1);
         const QString failure = failureOf([&] { set->Post(); });
@@ -342,24 +326,20 @@ private Q_SLOTS:
 
         // A new record refused by the database stays in insert state.
         set->Append();
-        set->FieldByName(QStringLiteral("level"))->SetAsInteger(1);
+        F(set, "level")->SetAsInteger(1);
         QVERIFY(failureOf([&] { set->Post(); }).contains(QStringLiteral("porušuje")));
         QCOMPARE(set->State(), dsInsert);
-        QCOMPARE(set->FieldByName(QStringLiteral("level"))->AsInteger(), 1);
+        QCOMPARE(F(set, "level")->AsInteger(), 1);
         set->Cancel();
     }
 
-    void droppedConnectionIsReported_data()
-    {
-        databases();
-    }
     void droppedConnectionIsReported()
     {
-        QFETCH(QString, database);
+        QFETCH_GLOBAL(QString, database);
         PREPARE(100);
         auto set = itemSet();
         set->Edit();
-        set->FieldByName(QStringLiteral("name"))->SetAsString(QStringLiteral("uloženo později"));
+        F(set, "name")->SetAsString(QStringLiteral("uloženo později"));
         QSqlDatabase db = QSqlDatabase::database(kMain);
         if (database == QLatin1String("postgresql")) {
             QSqlQuery pid(db);
@@ -373,8 +353,7 @@ private Q_SLOTS:
         QVERIFY2(failure.startsWith(QStringLiteral("Spojení s databází bylo přerušeno.")),
                  qPrintable(failure));
         QCOMPARE(set->State(), dsEdit);
-        QCOMPARE(set->FieldByName(QStringLiteral("name"))->AsString(),
-                 QStringLiteral("uloženo později"));
+        QCOMPARE(F(set, "name")->AsString(), QStringLiteral("uloženo později"));
         set->Cancel();
         // Reading past the window fails with a message, not a crash.
         const QString reading = failureOf([&] { set->MoveBy(50); });
@@ -382,10 +361,6 @@ private Q_SLOTS:
                  qPrintable(reading));
     }
 
-    void eventsAndLinks_data()
-    {
-        databases();
-    }
     void eventsAndLinks()
     {
         PREPARE(30);
@@ -427,26 +402,22 @@ private Q_SLOTS:
         QCOMPARE(link.states, 2);
     }
 
-    void filterNarrowsTheRecords_data()
-    {
-        databases();
-    }
     void filterNarrowsTheRecords()
     {
         PREPARE(300);
-        TSqlDataSet set;
-        set.SetConnectionName(kMain);
-        set.SetTableName(QStringLiteral("item"));
-        set.SetFilter(QStringLiteral("level = ?"), {1});
-        set.SetPacketRecords(10);
-        set.Open();
-        QTRY_COMPARE(set.RecordCount(), 100);
-        set.Last();
-        QCOMPARE(set.FieldByName(QStringLiteral("id"))->AsInteger(), 298);
-        QVERIFY(set.Locate({QVariant(151)}));
-        QCOMPARE(set.FieldByName(QStringLiteral("name"))->AsString(), QStringLiteral("n151"));
-        QVERIFY(!set.Locate({QVariant(5000)}));
-        QCOMPARE(set.FieldByName(QStringLiteral("id"))->AsInteger(), 151);
+        auto set = std::make_unique<TSqlDataSet>();
+        set->SetConnectionName(kMain);
+        set->SetTableName(QStringLiteral("item"));
+        set->SetFilter(QStringLiteral("level = ?"), {1});
+        set->SetPacketRecords(10);
+        set->Open();
+        QTRY_COMPARE(set->RecordCount(), 100);
+        set->Last();
+        QCOMPARE(F(set, "id")->AsInteger(), 298);
+        QVERIFY(set->Locate({QVariant(151)}));
+        QCOMPARE(F(set, "name")->AsString(), QStringLiteral("n151"));
+        QVERIFY(!set->Locate({QVariant(5000)}));
+        QCOMPARE(F(set, "id")->AsInteger(), 151);
     }
 };
 
