@@ -1,5 +1,5 @@
+#include "DemoTestSupport.h"
 #include "DiaryPage.h"
-#include "SampleDatabase.h"
 
 #include "oxa/diary/DiarPanel.h"
 #include "oxa/diary/EnhancedMonthCalendar.h"
@@ -20,17 +20,9 @@ using namespace oxa;
 
 namespace {
 
-QVariant Scalar(const QString &sql, const QVariant &value)
-{
-    QSqlQuery q(SampleDatabase::Database());
-    q.prepare(sql);
-    q.addBindValue(value);
-    return q.exec() && q.next() ? q.value(0) : QVariant();
-}
-
 QDate StoredDate(int id)
 {
-    return Scalar(QStringLiteral("SELECT datum FROM diar WHERE id = ?"), id).toDate();
+    return test::SampleValue(QStringLiteral("SELECT datum FROM diar WHERE id = ?"), id).toDate();
 }
 
 // Fills the entry dialog as the user does (the description typed, Enter to
@@ -64,7 +56,6 @@ class TestDiaryPage : public QObject
 {
     Q_OBJECT
 
-    QTemporaryDir m_dir;
     std::unique_ptr<DiaryPage> m_page;
 
     TDiarPanel *Panel() const { return m_page->Panel(); }
@@ -73,9 +64,10 @@ class TestDiaryPage : public QObject
     // The first day from today on that has entries, shown in the diary.
     QDate ShowBusyDay()
     {
-        const QDate day = Scalar(QStringLiteral("SELECT min(datum) FROM diar WHERE datum >= ?"),
-                                 QDate::currentDate().toString(Qt::ISODate))
-                              .toDate();
+        const QDate day =
+            test::SampleValue(QStringLiteral("SELECT min(datum) FROM diar WHERE datum >= ?"),
+                              QDate::currentDate().toString(Qt::ISODate))
+                .toDate();
         Calendar()->setSelectedDate(day);
         return day;
     }
@@ -88,19 +80,8 @@ class TestDiaryPage : public QObject
     QString Open(const QString &kind)
     {
         m_page.reset();
-        SampleDatabase::Close();
-        QString address = m_dir.filePath(kind);
-        if (kind == QLatin1String("postgresql")) {
-            if (const QString why = test::OpenTestDatabase(kind, test::kMain); !why.isEmpty())
-                return why;
-            const QSqlDatabase db = QSqlDatabase::database(test::kMain);
-            address = QStringLiteral("postgresql://oxa@/%1?host=%2")
-                          .arg(db.databaseName(), db.hostName());
-        }
-        test::CloseTestConnections();
-        QString error;
-        if (!SampleDatabase::Open(address, &error))
-            return error;
+        if (const QString why = test::OpenSample(kind); !why.isEmpty())
+            return why;
         m_page = std::make_unique<DiaryPage>();
         m_page->resize(1600, 1000);
         return test::ShowAndActivate(m_page.get()) ? QString() : QStringLiteral("not shown");
@@ -153,8 +134,8 @@ private Q_SLOTS:
         QCOMPARE(Selected(), moved);
         QCOMPARE(Calendar()->selectedDate(), moved);
         QCOMPARE(Panel()->getZaznamyCount(moved.day()),
-                 Scalar(QStringLiteral("SELECT count(*) FROM diar WHERE datum = ?"),
-                        moved.toString(Qt::ISODate))
+                 test::SampleValue(QStringLiteral("SELECT count(*) FROM diar WHERE datum = ?"),
+                                   moved.toString(Qt::ISODate))
                      .toInt());
         const QTextCharFormat marked = Calendar()->dateTextFormat(holiday);
         QCOMPARE(marked.background().color(),
@@ -194,8 +175,8 @@ private Q_SLOTS:
         PressNewEntry();
         const bool stored = answer == mrYes || !overlapping;
         QCOMPARE(typing.shown, stored ? 1 : 2);
-        const int id = Scalar(QStringLiteral("SELECT max(id) FROM diar WHERE popis = ?"),
-                              QStringLiteral("Kontrola tlaku"))
+        const int id = test::SampleValue(QStringLiteral("SELECT max(id) FROM diar WHERE popis = ?"),
+                                         QStringLiteral("Kontrola tlaku"))
                            .toInt();
         QCOMPARE(id > booked.value(3).toInt(), stored);
         QVERIFY(!stored || Panel()->SelectItem(id));
@@ -258,17 +239,18 @@ private Q_SLOTS:
             EntryTyping typing(QStringLiteral("Prvni"), QTime(22, 0), QTime(22, 15));
             PressNewEntry();
         }
-        const int id =
-            Scalar(QStringLiteral("SELECT id FROM diar WHERE popis = ?"), QStringLiteral("Prvni"))
-                .toInt();
+        const int id = test::SampleValue(QStringLiteral("SELECT id FROM diar WHERE popis = ?"),
+                                         QStringLiteral("Prvni"))
+                           .toInt();
         QVERIFY(Panel()->SelectItem(id));
         EntryTyping typing(QStringLiteral("Druhy"), QTime(22, 0), QTime(22, 30));
         QTest::keyClick(Panel()->DayListView(), Qt::Key_Return);
         QCOMPARE(typing.shown, 1);
-        QCOMPARE(Scalar(QStringLiteral("SELECT popis FROM diar WHERE id = ?"), id).toString(),
-                 QStringLiteral("Druhy"));
-        QCOMPARE(Scalar(QStringLiteral("SELECT count(*) FROM diar WHERE popis = ?"),
-                        QStringLiteral("Prvni"))
+        QCOMPARE(
+            test::SampleValue(QStringLiteral("SELECT popis FROM diar WHERE id = ?"), id).toString(),
+            QStringLiteral("Druhy"));
+        QCOMPARE(test::SampleValue(QStringLiteral("SELECT count(*) FROM diar WHERE popis = ?"),
+                                   QStringLiteral("Prvni"))
                      .toInt(),
                  0);
     }

@@ -1,5 +1,5 @@
+#include "DemoTestSupport.h"
 #include "PatientPage.h"
-#include "SampleDatabase.h"
 
 #include "oxa/controls/ComboBoxOxa.h"
 #include "oxa/controls/ErrorProvider.h"
@@ -33,12 +33,11 @@ class TestPatientPage : public QObject
     {
         return m_page->findChild<T *>(QLatin1String(name));
     }
-    int Stored(const QString &surname) const
+    static int Stored(const QString &surname)
     {
-        QSqlQuery q(SampleDatabase::Database());
-        q.prepare(QStringLiteral("SELECT count(*) FROM pacient WHERE prijmeni = ?"));
-        q.addBindValue(surname);
-        return q.exec() && q.next() ? q.value(0).toInt() : -1;
+        return test::SampleValue(QStringLiteral("SELECT count(*) FROM pacient WHERE prijmeni = ?"),
+                                 surname)
+            .toInt();
     }
     void Type(const char *field, const QString &text)
     {
@@ -68,12 +67,13 @@ class TestPatientPage : public QObject
         QTest::keyClick(Field<QWidget>("buttonNovy"), Qt::Key_Return);
         QVERIFY(clicked.wait());
     }
-    QString StoredName(const QString &surname) const
+    // The first name stored under the surname, and how many times.
+    static QString StoredName(const QString &surname)
     {
-        QSqlQuery q(SampleDatabase::Database());
-        q.prepare(QStringLiteral("SELECT jmeno, count(*) FROM pacient WHERE prijmeni = ?"));
-        q.addBindValue(surname);
-        return q.exec() && q.next() ? q.value(0).toString() + q.value(1).toString() : QString();
+        return test::SampleValue(
+                   QStringLiteral("SELECT jmeno || count(*) FROM pacient WHERE prijmeni = ?"),
+                   surname)
+            .toString();
     }
 
     // Enter on "Uložit"; returns the status line the save left.

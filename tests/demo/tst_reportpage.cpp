@@ -1,5 +1,5 @@
+#include "DemoTestSupport.h"
 #include "ReportPage.h"
-#include "SampleDatabase.h"
 
 #include "oxa/richtext/OxaRichView.h"
 #include "oxa/richtext/RVPopupMenu.h"
@@ -17,30 +17,6 @@
 using namespace oxa;
 
 namespace {
-
-// Opens the sample database of the kind; the reason when it cannot.
-QString OpenSample(const QString &kind)
-{
-    static QTemporaryDir files;
-    static int serial = 0;
-    if (kind == QLatin1String("sqlite"))
-        return SampleDatabase::Open(files.filePath(QStringLiteral("clinic%1.sqlite").arg(++serial)))
-            ? QString()
-            : QStringLiteral("SQLite refused the file");
-    // A new empty server database, which the demo fills as on its first start.
-    const QString why = test::OpenTestDatabase(kind, test::kMain);
-    if (!why.isEmpty())
-        return why;
-    const QString name = QSqlDatabase::database(test::kMain).databaseName();
-    QString dir, unavailable;
-    test::PostgresSocketDir(dir, unavailable);
-    test::CloseTestConnections();
-    QString error;
-    if (!SampleDatabase::Open(QStringLiteral("postgresql://oxa@/%1?host=%2").arg(name, dir),
-                              &error))
-        return error;
-    return QString();
-}
 
 QString PlainText(const TOxaRichView *editor)
 {
@@ -84,9 +60,8 @@ private Q_SLOTS:
 void TestReportPage::toolbarInsertsFromTheDatabase()
 {
     QFETCH(QString, database);
-    const QString why = OpenSample(database);
-    if (!why.isEmpty())
-        QSKIP(qPrintable(why));
+    const QString why = test::OpenSample(database);
+    OXA_REQUIRE_DATABASE(why.isEmpty(), why);
     auto page = std::make_unique<ReportPage>();
     page->resize(1600, 800);
     QVERIFY(test::ShowAndActivate(page.get()));
@@ -100,12 +75,10 @@ void TestReportPage::toolbarInsertsFromTheDatabase()
     QCOMPARE(QApplication::activePopupWidget(), page->findChild<TRVPopupMenu *>());
     QApplication::activePopupWidget()->close();
 
-    QSqlQuery q(SampleDatabase::Database());
-    q.prepare(QStringLiteral("SELECT COUNT(*) FROM trvaly_lek WHERE pacient = ?"));
-    q.addBindValue(page->PatientId());
-    QVERIFY(q.exec());
-    QVERIFY(q.next());
-    const int medicines = q.value(0).toInt();
+    const int medicines =
+        test::SampleValue(QStringLiteral("SELECT COUNT(*) FROM trvaly_lek WHERE pacient = ?"),
+                          page->PatientId())
+            .toInt();
     QVERIFY(medicines >= 2);
 
     QTest::mouseClick(Button(*page, tbtInTrvaleLeky), Qt::LeftButton);
@@ -130,9 +103,9 @@ void TestReportPage::toolbarInsertsFromTheDatabase()
     // Stored twice over: the report replaces the earlier one.
     QVERIFY(page->SaveReport());
     QVERIFY(page->SaveReport());
-    QVERIFY(q.exec(QStringLiteral("SELECT COUNT(*) FROM zprava")));
-    QVERIFY(q.next());
-    QCOMPARE(q.value(0).toInt(), 1);
+    QSqlQuery reports(QStringLiteral("SELECT COUNT(*) FROM zprava"), SampleDatabase::Database());
+    QVERIFY(reports.next());
+    QCOMPARE(reports.value(0).toInt(), 1);
 }
 
 QTEST_MAIN(TestReportPage)
