@@ -9,17 +9,11 @@ using namespace oxa;
 
 namespace {
 
-QFont PointFont(int points)
+// The application's font in another size.
+QFont PointFont(int points, bool pixels = false)
 {
     QFont font = QApplication::font();
-    font.setPointSize(points);
-    return font;
-}
-
-QFont PixelFont(int pixels)
-{
-    QFont font = QApplication::font();
-    font.setPixelSize(pixels);
+    pixels ? font.setPixelSize(points) : font.setPointSize(points);
     return font;
 }
 
@@ -53,7 +47,7 @@ void TestGeometryScale::factorForFont_data()
     QTest::newRow("6 points") << PointFont(6);
     QTest::newRow("8 points") << PointFont(8);
     QTest::newRow("12 points") << PointFont(12);
-    QTest::newRow("30 pixels") << PixelFont(30);
+    QTest::newRow("30 pixels") << PointFont(30, true);
 }
 
 // The factor is never below 1, and the reference metrics scaled by it hold
@@ -131,9 +125,8 @@ void TestGeometryScale::followsTheApplicationFont()
 void TestGeometryScale::fontOfHeight_data()
 {
     QTest::addColumn<int>("height");
-    QTest::newRow("13") << 13;
-    QTest::newRow("20") << 20;
-    QTest::newRow("33") << 33;
+    for (int height : {13, 20, 33})
+        QTest::addRow("%d", height) << height;
 }
 
 // The largest font not higher than asked: one pixel more would be.
@@ -143,7 +136,7 @@ void TestGeometryScale::fontOfHeight()
     const QFont font = FontOfHeight(QApplication::font(), height);
     QCOMPARE(font.family(), QApplication::font().family());
     QVERIFY(QFontMetrics(font).height() <= height);
-    QVERIFY(QFontMetrics(PixelFont(font.pixelSize() + 1)).height() > height);
+    QVERIFY(QFontMetrics(PointFont(font.pixelSize() + 1, true)).height() > height);
 }
 
 void TestGeometryScale::formGeometry()
