@@ -31,15 +31,9 @@ TDate Nov(int day)
 TDayRecord Zaznam(qint32 id, TDate datum, TTime od, TTime doCasu, const char *popis = "",
                   TZdrojKontaktu zdroj = zkNone)
 {
-    TDayRecord z;
-    z.ID_DIAR = id;
-    int y = 0, m = 0, d = 0;
-    DecodeDate(datum, y, m, d);
-    z.Den = qint16(d);
+    TDayRecord z = test::Polozka(id, od, doCasu, popis);
+    z.Den = qint16(DateTimeToQDate(datum).day());
     z.RokMesic = DateToMesicRok(datum);
-    z.CasOd = od;
-    z.CasDo = doCasu;
-    z.Popis = popis;
     z.TABULKA_REFERENCE = zdroj;
     return z;
 }
