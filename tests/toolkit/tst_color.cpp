@@ -25,7 +25,9 @@ void TestColor::stringRoundTrip_data()
     QTest::addColumn<uint>("color");
     QTest::addColumn<QString>("text");
     QTest::newRow("plain") << 0x000000FFu << "clRed";
+    QTest::newRow("black") << 0x00000000u << "clBlack";
     QTest::newRow("system") << 0xFF000008u << "clWindowText";
+    QTest::newRow("window") << 0xFF000005u << "clWindow";
     QTest::newRow("none") << 0x1FFFFFFFu << "clNone";
     QTest::newRow("default") << 0x20000000u << "clDefault";
     QTest::newRow("unnamed plain") << 0x00B9FFFFu << "$00B9FFFF";
