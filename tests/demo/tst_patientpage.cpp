@@ -153,18 +153,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("field");
         QTest::addColumn<QString>("appended"); // keeps the field wrong
         QTest::addColumn<QString>("right");
-        QTest::newRow("surname") << "editPrijmeni"
-                                 << " "
-                                 << "Dvorak";
-        QTest::newRow("check digit") << "editRodneCislo"
-                                     << "4"
-                                     << "7360285163";
-        QTest::newRow("weight") << "editVaha"
-                                << "0"
-                                << "80";
-        QTest::newRow("insurer") << "editPojistovna"
-                                 << "9"
-                                 << "111";
+        const char *rows[][4] = {{"surname", "editPrijmeni", " ", "Dvorak"},
+                                 {"check digit", "editRodneCislo", "4", "7360285163"},
+                                 {"weight", "editVaha", "0", "80"},
+                                 {"insurer", "editPojistovna", "9", "111"}};
+        for (const auto &[name, field, appended, right] : rows)
+            QTest::newRow(name) << QString(field) << QString(appended) << QString(right);
     }
     void marksCoverNothingAndGoWhenFixed()
     {
