@@ -50,7 +50,7 @@ class TestCheckDBGrid : public QObject
 
     bool prepare(int count = 3)
     {
-        QFETCH(QString, database);
+        QFETCH_GLOBAL(QString, database);
         const QString why = test::OpenTestDatabase(database, kMain);
         if (!why.isEmpty()) {
             m_skip = why;
@@ -92,11 +92,6 @@ class TestCheckDBGrid : public QObject
 
 #define PREPARE(...) OXA_REQUIRE_DATABASE(prepare(__VA_ARGS__), m_skip)
 
-    void databases()
-    {
-        test::AddDatabaseRows();
-    }
-
 private Q_SLOTS:
     void cleanup()
     {
@@ -105,10 +100,13 @@ private Q_SLOTS:
         m_set.reset();
         test::CloseTestConnections();
     }
+    void initTestCase_data()
+    {
+        test::AddDatabaseRows();
+    }
 
     void probe_data()
     {
-        QTest::addColumn<QString>("database");
         QTest::addColumn<int>("key");
         QTest::addColumn<bool>("shift");
         QTest::addColumn<bool>("allowAppend");
@@ -116,23 +114,18 @@ private Q_SLOTS:
         QTest::addColumn<int>("column");
         QTest::addColumn<int>("keyAfter");
         QTest::addColumn<bool>("result");
-        for (const QString &kind : test::DatabaseKinds()) {
-            const QByteArray k = kind.toLatin1() + ": ";
-            QTest::newRow(k + "Tab with a tab stop to the right")
-                << kind << int(VK_TAB) << false << false << 3 << 1 << int(VK_TAB) << false;
-            QTest::newRow(k + "Tab from the last tab stop of the last record")
-                << kind << int(VK_TAB) << false << false << 3 << 5 << 0 << false;
-            QTest::newRow(k + "Down on the last record")
-                << kind << int(VK_DOWN) << false << false << 3 << 1 << 0 << false;
-            QTest::newRow(k + "Down in the middle")
-                << kind << int(VK_DOWN) << false << false << 2 << 1 << int(VK_DOWN) << false;
-            QTest::newRow(k + "Shift+Tab")
-                << kind << int(VK_TAB) << true << false << 3 << 5 << int(VK_TAB) << false;
-            QTest::newRow(k + "Down at the end with AllowAppend")
-                << kind << int(VK_DOWN) << false << true << 3 << 1 << int(VK_DOWN) << true;
-            QTest::newRow(k + "Tab at the end with AllowAppend")
-                << kind << int(VK_TAB) << false << true << 3 << 5 << int(VK_TAB) << false;
-        }
+        const int tab = VK_TAB, down = VK_DOWN;
+        QTest::newRow("Tab, a tab stop to the right")
+            << tab << false << false << 3 << 1 << tab << false;
+        QTest::newRow("Tab from the last stop, last record")
+            << tab << false << false << 3 << 5 << 0 << false;
+        QTest::newRow("Down on the last record") << down << false << false << 3 << 1 << 0 << false;
+        QTest::newRow("Down in the middle") << down << false << false << 2 << 1 << down << false;
+        QTest::newRow("Shift+Tab") << tab << true << false << 3 << 5 << tab << false;
+        QTest::newRow("Down at the end, AllowAppend")
+            << down << false << true << 3 << 1 << down << true;
+        QTest::newRow("Tab at the end, AllowAppend")
+            << tab << false << true << 3 << 5 << tab << false;
     }
     void probe()
     {
@@ -176,10 +169,6 @@ private Q_SLOTS:
         QCOMPARE(stored, touched ? 2 - startRecord % 3 : startRecord % 3);
     }
 
-    void probeRestoresHandlersOnFailure_data()
-    {
-        databases();
-    }
     void probeRestoresHandlersOnFailure()
     {
         PREPARE();
@@ -203,14 +192,11 @@ private Q_SLOTS:
 
     void wheelActsAsArrowKeys_data()
     {
-        QTest::addColumn<QString>("database");
         QTest::addColumn<int>("delta");
         QTest::addColumn<int>("record");
-        for (const QString &kind : test::DatabaseKinds()) {
-            QTest::newRow(qPrintable(kind + " down")) << kind << -120 << 3;
-            QTest::newRow(qPrintable(kind + " up")) << kind << 120 << 1;
-            QTest::newRow(qPrintable(kind + " no turn")) << kind << 0 << 3;
-        }
+        QTest::newRow("down") << -120 << 3;
+        QTest::newRow("up") << 120 << 1;
+        QTest::newRow("no turn") << 0 << 3;
     }
     void wheelActsAsArrowKeys()
     {
@@ -227,10 +213,6 @@ private Q_SLOTS:
         QCOMPARE(id(), record);
     }
 
-    void checkBoxesToggle_data()
-    {
-        databases();
-    }
     void checkBoxesToggle()
     {
         PREPARE();
@@ -269,10 +251,6 @@ private Q_SLOTS:
         QCOMPARE(m_set->FieldByName(QStringLiteral("given"))->AsBoolean(), false);
     }
 
-    void enumerationStepsOnTheSecondRequest_data()
-    {
-        databases();
-    }
     void enumerationStepsOnTheSecondRequest()
     {
         PREPARE();
@@ -307,10 +285,6 @@ private Q_SLOTS:
         QCOMPARE(m_set->FieldByName(QStringLiteral("given"))->AsBoolean(), !given);
     }
 
-    void clicksStepEnumerations_data()
-    {
-        databases();
-    }
     void clicksStepEnumerations()
     {
         PREPARE();
@@ -328,10 +302,6 @@ private Q_SLOTS:
         QCOMPARE(state(), 1);
     }
 
-    void booleanInAnEnumerationIsInverted_data()
-    {
-        databases();
-    }
     void booleanInAnEnumerationIsInverted()
     {
         PREPARE();
@@ -350,10 +320,6 @@ private Q_SLOTS:
         QCOMPARE(field->AsBoolean(), false);
     }
 
-    void columnMenuOnTheRightButton_data()
-    {
-        databases();
-    }
     void columnMenuOnTheRightButton()
     {
         PREPARE();
@@ -370,10 +336,6 @@ private Q_SLOTS:
         menu.close();
     }
 
-    void firstAndLastColumnsAreStops_data()
-    {
-        databases();
-    }
     void firstAndLastColumnsAreStops()
     {
         PREPARE();
@@ -405,12 +367,9 @@ private Q_SLOTS:
 
     void confirmationsBetweenModes_data()
     {
-        QTest::addColumn<QString>("database");
         QTest::addColumn<int>("answer");
-        for (const QString &kind : test::DatabaseKinds()) {
-            QTest::newRow(qPrintable(kind + " yes")) << kind << int(mrYes);
-            QTest::newRow(qPrintable(kind + " no")) << kind << int(mrNo);
-        }
+        QTest::newRow("yes") << int(mrYes);
+        QTest::newRow("no") << int(mrNo);
     }
     void confirmationsBetweenModes()
     {
@@ -439,10 +398,6 @@ private Q_SLOTS:
         QCOMPARE(column->CheckLevel(), answer == mrYes ? 3 : 0);
     }
 
-    void columnOrder_data()
-    {
-        databases();
-    }
     void columnOrder()
     {
         PREPARE();
@@ -467,13 +422,10 @@ private Q_SLOTS:
 
     void extraEditor_data()
     {
-        QTest::addColumn<QString>("database");
         QTest::addColumn<int>("key");
         QTest::addColumn<bool>("canceled");
-        for (const QString &kind : test::DatabaseKinds()) {
-            QTest::newRow(qPrintable(kind + " Enter")) << kind << int(Qt::Key_Return) << false;
-            QTest::newRow(qPrintable(kind + " Escape")) << kind << int(Qt::Key_Escape) << true;
-        }
+        QTest::newRow("Enter") << int(Qt::Key_Return) << false;
+        QTest::newRow("Escape") << int(Qt::Key_Escape) << true;
     }
     void extraEditor()
     {
@@ -494,10 +446,6 @@ private Q_SLOTS:
         QVERIFY(grid->hasFocus());
     }
 
-    void familyGridsMoveTheFocus_data()
-    {
-        databases();
-    }
     void familyGridsMoveTheFocus()
     {
         PREPARE();
