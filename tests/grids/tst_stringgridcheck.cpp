@@ -20,18 +20,16 @@ namespace {
 
 const QRgb kArrow = qRgb(64, 64, 64);
 
-int TextCompare(const QString &a, const QString &b)
-{
+const TStringGridSortCompare TextCompare = [](const QString &a, const QString &b) {
     return QString::compare(a, b);
-}
+};
 
 // A code list of five diagnoses under a header row: column 0 the check
 // boxes, 1 the code, 2 the name. Every row carries an object named after
 // its code. The host's OnSort sorts with a plain text comparison.
-struct CodeListForm
+struct CodeListForm : test::TestForm
 {
-    QWidget window;
-    TStringGridCheck *grid = new TStringGridCheck(&window);
+    TStringGridCheck *grid = new TStringGridCheck(this);
     QList<int> sortRequests;
     std::vector<std::unique_ptr<QObject>> objects;
 
@@ -42,19 +40,17 @@ struct CodeListForm
         grid->SetRowCount(6);
         grid->SetFixedCols(0);
         grid->setGeometry(0, 0, 3 * 65 + 4, 6 * 25 + 4);
-        window.resize(220, 170);
+        resize(220, 170);
         const QStringList header = {QString(), QStringLiteral("Kód"), QStringLiteral("Název")};
         grid->SetRows(0, header);
-        const char *const rows[][2] = {{"J06", "Akutní infekce"},
-                                       {"A09", "Průjem"},
-                                       {"I10", "Hypertenze"},
-                                       {"E11", "Diabetes"},
-                                       {"B01", "Plané neštovice"}};
+        const QStringList codes = {"J06", "A09", "I10", "E11", "B01"};
+        const QStringList names = {"Akutní infekce", "Průjem", "Hypertenze", "Diabetes",
+                                   "Plané neštovice"};
         for (int r = 0; r < 5; ++r) {
-            grid->SetCells(1, r + 1, QString::fromUtf8(rows[r][0]));
-            grid->SetCells(2, r + 1, QString::fromUtf8(rows[r][1]));
+            grid->SetCells(1, r + 1, codes[r]);
+            grid->SetCells(2, r + 1, names[r]);
             objects.push_back(std::make_unique<QObject>());
-            objects.back()->setObjectName(QString::fromUtf8(rows[r][0]));
+            objects.back()->setObjectName(codes[r]);
             grid->SetObjects(1, r + 1, objects.back().get());
         }
         grid->SetCheckBox(true);
@@ -63,13 +59,6 @@ struct CodeListForm
             sortRequests.append(col);
             grid->Sort(TextCompare, col);
         };
-    }
-    bool show()
-    {
-        if (!test::ShowAndActivate(&window))
-            return false;
-        grid->setFocus();
-        return grid->hasFocus();
     }
     QPoint centre(int col, int row) const { return grid->CellRect(col, row).center(); }
     void click(int col, int row)
@@ -183,7 +172,7 @@ private Q_SLOTS:
         CodeListForm form;
         form.grid->SetOptions(form.grid->Options() | goEditing);
         form.grid->SetCheckBox(checkBox);
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.grid));
         // A click selects the cell and does not toggle it.
         form.click(col, 3);
         QCOMPARE(form.grid->Col(), col);
@@ -221,7 +210,7 @@ private Q_SLOTS:
         form.grid->setStyle(style.get());
         form.grid->SetFlatCheckBox(flat);
         form.grid->SetOznacene(2, true);
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.grid));
         form.grid->SetCol(2);
         const QImage image = form.image();
         const QImage unmarked = image.copy(form.grid->CellRect(0, 1));
@@ -275,7 +264,7 @@ private Q_SLOTS:
         form.grid->SetSorting(sorting);
         form.grid->SetFixedCols(fixedCols);
         QSignalSpy signalled(form.grid, &TStringGridCheck::sortRequested);
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.grid));
         for (const QPoint &cell : clicks)
             form.click(cell.x(), cell.y());
         QCOMPARE(form.grid->SortOrder(), order);
@@ -304,7 +293,7 @@ private Q_SLOTS:
         CodeListForm form;
         form.grid->SetOznacene(1, true); // J06
         form.grid->SetOznacene(4, true); // E11
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.grid));
         form.grid->SetRow(2);
         for (int i = 0; i < clicks; ++i)
             form.click(col, 0);
@@ -339,7 +328,7 @@ private Q_SLOTS:
         CodeListForm form;
         if (!sortInHandler)
             form.grid->OnSort = nullptr;
-        QVERIFY(form.show());
+        QVERIFY(form.Show(form.grid));
         QCOMPARE(ArrowPixels(form.image(), ArrowRect(form.grid, 2)), kNoArrow);
         for (int i = 0; i < clicks; ++i)
             form.click(2, 0);

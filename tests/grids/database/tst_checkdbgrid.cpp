@@ -12,32 +12,10 @@
 
 #include <QLineEdit>
 #include <QMenu>
-#include <QSqlQuery>
 #include <QtTest>
 
 using namespace oxa;
 using namespace oxa::test;
-
-namespace {
-
-// vaccine: id, name, given (Boolean), state 0..2, dose (integer used as a
-// check box).
-void createVaccines(int count)
-{
-    QSqlDatabase db = QSqlDatabase::database(kMain);
-    exec(db,
-         QStringLiteral("CREATE TABLE vaccine (id INTEGER PRIMARY KEY, name VARCHAR(40) NOT "
-                        "NULL, given BOOLEAN, state INTEGER, dose INTEGER)"));
-    for (int id = 1; id <= count; ++id)
-        exec(db,
-             QStringLiteral("INSERT INTO vaccine VALUES (%1, 'v%1', %2, %3, %4)")
-                 .arg(id)
-                 .arg(id % 2 ? "FALSE" : "TRUE")
-                 .arg(id % 3)
-                 .arg(id % 2));
-}
-
-} // namespace
 
 class TestCheckDBGrid : public QObject
 {
@@ -48,7 +26,8 @@ class TestCheckDBGrid : public QObject
     std::unique_ptr<TDataSource> m_source;
     std::unique_ptr<test::TestForm> m_form;
 
-    bool prepare(int count = 3)
+    // vaccine: id, name, given (Boolean), state 0..2, dose (integer used as a check box).
+    bool prepare()
     {
         QFETCH_GLOBAL(QString, database);
         const QString why = test::OpenTestDatabase(database, kMain);
@@ -56,7 +35,13 @@ class TestCheckDBGrid : public QObject
             m_skip = why;
             return false;
         }
-        createVaccines(count);
+        const QSqlDatabase db = QSqlDatabase::database(kMain);
+        exec(db,
+             QStringLiteral("CREATE TABLE vaccine (id INTEGER PRIMARY KEY, name VARCHAR(40) "
+                            "NOT NULL, given BOOLEAN, state INTEGER, dose INTEGER)"));
+        exec(db,
+             QStringLiteral("INSERT INTO vaccine VALUES (1, 'v1', FALSE, 1, 1), "
+                            "(2, 'v2', TRUE, 2, 0), (3, 'v3', FALSE, 0, 1)"));
         test::CloneTestDatabase(kMain, kOther);
         m_set = std::make_unique<TSqlDataSet>();
         m_set->SetConnectionName(kMain);
@@ -87,10 +72,11 @@ class TestCheckDBGrid : public QObject
         m_form->Show(grid);
         return grid;
     }
-    int id() const { return int(m_set->FieldByName(QStringLiteral("id"))->AsInteger()); }
-    int state() const { return int(m_set->FieldByName(QStringLiteral("state"))->AsInteger()); }
+    TField *field(const char *name) const { return m_set->FieldByName(QLatin1String(name)); }
+    int id() const { return int(field("id")->AsInteger()); }
+    int state() const { return int(field("state")->AsInteger()); }
 
-#define PREPARE(...) OXA_REQUIRE_DATABASE(prepare(__VA_ARGS__), m_skip)
+#define PREPARE() OXA_REQUIRE_DATABASE(prepare(), m_skip)
 
 private Q_SLOTS:
     void cleanup()
@@ -147,7 +133,7 @@ private Q_SLOTS:
         grid->SetCol(column);
         // A pending change of the record, which a swallowed key cancels.
         m_set->Edit();
-        m_set->FieldByName(QStringLiteral("state"))->SetAsInteger(2 - startRecord % 3);
+        field("state")->SetAsInteger(2 - startRecord % 3);
         int scrolls = 0;
         m_set->BeforeScroll = [&](TDataSet *) { ++scrolls; };
         m_set->AfterScroll = [&](TDataSet *) { ++scrolls; };
@@ -175,7 +161,7 @@ private Q_SLOTS:
         auto *grid = m_form->Add<TCheckDBGrid>(150);
         grid->SetDataSource(m_source.get());
         m_set->Edit();
-        m_set->FieldByName(QStringLiteral("name"))->Clear(); // NOT NULL: posting fails
+        field("name")->Clear(); // NOT NULL: posting fails
         int scrolls = 0;
         m_set->BeforeScroll = [&](TDataSet *) { ++scrolls; };
         m_set->AfterScroll = [&](TDataSet *) { ++scrolls; };
@@ -230,11 +216,11 @@ private Q_SLOTS:
         grid->SetSelectedIndex(0);
         QTest::keyClick(grid, Qt::Key_Right); // onto a check box: the editor is locked
         QTest::keyClick(grid, Qt::Key_Space);
-        QCOMPARE(m_set->FieldByName(QStringLiteral("given"))->AsVariant(), QVariant(true));
+        QCOMPARE(field("given")->AsVariant(), QVariant(true));
         QVERIFY(!grid->EditorMode());
         QTest::keyClick(grid, Qt::Key_Right);
         QTest::keyClick(grid, Qt::Key_Space); // 1 becomes 0, no arming step
-        QCOMPARE(m_set->FieldByName(QStringLiteral("dose"))->AsInteger(), 0);
+        QCOMPARE(field("dose")->AsInteger(), 0);
         QTest::keyClick(grid, Qt::Key_Down);
         QCOMPARE(scalar("SELECT given FROM vaccine WHERE id = 1").toBool(), true);
         QCOMPARE(scalar("SELECT dose FROM vaccine WHERE id = 1").toInt(), 0);
@@ -242,13 +228,13 @@ private Q_SLOTS:
         // A click on a check-box cell toggles it at once.
         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->CellRect(2, 2).center());
         QCOMPARE(id(), 2);
-        QCOMPARE(m_set->FieldByName(QStringLiteral("given"))->AsBoolean(), false);
+        QCOMPARE(field("given")->AsBoolean(), false);
         QVERIFY(!grid->EditorMode());
 
         // A read-only column is never changed.
         given->SetReadOnly(true);
         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->CellRect(2, 2).center());
-        QCOMPARE(m_set->FieldByName(QStringLiteral("given"))->AsBoolean(), false);
+        QCOMPARE(field("given")->AsBoolean(), false);
     }
 
     void enumerationStepsOnTheSecondRequest()
@@ -257,16 +243,19 @@ private Q_SLOTS:
         TEnhancedCheckDBGrid *grid = enhancedGrid();
         grid->SetSelectedIndex(2);
         QCOMPARE(state(), 1);
-        QTest::keyClick(grid, Qt::Key_Space); // arms the row
-        QCOMPARE(state(), 1);
-        QTest::keyClick(grid, Qt::Key_Space);
-        QCOMPARE(state(), 2);
-        QTest::keyClick(grid, Qt::Key_Plus, Qt::KeypadModifier); // 2 forward wraps to 0
-        QCOMPARE(state(), 0);
-        QTest::keyClick(grid, Qt::Key_Minus, Qt::KeypadModifier); // 0 backward is 2
-        QCOMPARE(state(), 2);
-        QTest::keyClick(grid, Qt::Key_Minus, Qt::KeypadModifier | Qt::ShiftModifier);
-        QCOMPARE(state(), 0); // Shift+minus counts as forward
+        const Qt::KeyboardModifiers keypad = Qt::KeypadModifier;
+        // Space arms the row, then steps; 2 forward wraps to 0, 0 backward
+        // is 2, Shift+minus counts as forward.
+        const std::tuple<Qt::Key, Qt::KeyboardModifiers, int> steps[] = {
+            {Qt::Key_Space, {}, 1},
+            {Qt::Key_Space, {}, 2},
+            {Qt::Key_Plus, keypad, 0},
+            {Qt::Key_Minus, keypad, 2},
+            {Qt::Key_Minus, keypad | Qt::ShiftModifier, 0}};
+        for (const auto &[key, modifiers, expected] : steps) {
+            QTest::keyClick(grid, key, modifiers);
+            QCOMPARE(state(), expected);
+        }
         QTest::keyClick(grid, Qt::Key_Down);
         QCOMPARE(scalar("SELECT state FROM vaccine WHERE id = 1").toInt(), 0);
 
@@ -280,9 +269,9 @@ private Q_SLOTS:
 
         // Space on the check-box column toggles at once.
         QTest::keyClick(grid, Qt::Key_Left);
-        const bool given = m_set->FieldByName(QStringLiteral("given"))->AsBoolean();
+        const bool given = field("given")->AsBoolean();
         QTest::keyClick(grid, Qt::Key_Space);
-        QCOMPARE(m_set->FieldByName(QStringLiteral("given"))->AsBoolean(), !given);
+        QCOMPARE(field("given")->AsBoolean(), !given);
     }
 
     void clicksStepEnumerations()
@@ -290,50 +279,45 @@ private Q_SLOTS:
         PREPARE();
         TEnhancedCheckDBGrid *grid = enhancedGrid();
         grid->SetEnableRightButton(true);
-        const QPoint cell = grid->CellRect(3, 1).center();
-        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cell); // arms
-        QCOMPARE(state(), 1);
-        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cell);
-        QCOMPARE(state(), 2);
-        QTest::mouseClick(grid->viewport(), Qt::RightButton, {}, cell); // backward
-        QCOMPARE(state(), 1);
+        const auto click = [grid, cell = grid->CellRect(3, 1).center()](Qt::MouseButton button) {
+            QTest::mouseClick(grid->viewport(), button, {}, cell);
+        };
+        const Qt::MouseButton left = Qt::LeftButton, right = Qt::RightButton;
+        // The first click arms, the right button steps backward.
+        for (const auto &[button, expected] : {std::pair{left, 1}, {left, 2}, {right, 1}}) {
+            click(button);
+            QCOMPARE(state(), expected);
+        }
         grid->SetEnableRightButton(false);
-        QTest::mouseClick(grid->viewport(), Qt::RightButton, {}, cell);
+        click(right);
         QCOMPARE(state(), 1);
+        // The column's own menu takes the right button: no step back.
+        grid->SetEnableRightButton(true);
+        QMenu menu;
+        menu.addAction(QStringLiteral("Podrobnosti"));
+        grid->Columns()->Items(2)->SetPopupMenu(&menu);
+        click(right);
+        QTRY_VERIFY(menu.isVisible());
+        QCOMPARE(state(), 1);
+        menu.close();
     }
 
     void booleanInAnEnumerationIsInverted()
     {
         PREPARE();
         TEnhancedCheckDBGrid *grid = enhancedGrid();
-        auto *given = qobject_cast<TEnhancedCheckValueColumn *>(grid->Columns()->Items(1));
+        auto *column = qobject_cast<TEnhancedCheckValueColumn *>(grid->Columns()->Items(1));
         test::MessageRecorder messages(mrYes); // from check box to enumeration
-        given->SetCheckLevel(2);
-        given->SetStringValues({QStringLiteral("ne"), QStringLiteral("ano")});
+        column->SetCheckLevel(2);
+        column->SetStringValues({QStringLiteral("ne"), QStringLiteral("ano")});
         grid->SetSelectedIndex(1);
-        TField *field = m_set->FieldByName(QStringLiteral("given"));
-        QCOMPARE(field->AsBoolean(), false);
+        TField *given = field("given");
+        QCOMPARE(given->AsBoolean(), false);
         QTest::keyClick(grid, Qt::Key_Space); // arms
         QTest::keyClick(grid, Qt::Key_Space);
-        QCOMPARE(field->AsBoolean(), true);
+        QCOMPARE(given->AsBoolean(), true);
         QTest::keyClick(grid, Qt::Key_Minus, Qt::KeypadModifier); // backward: inverted too
-        QCOMPARE(field->AsBoolean(), false);
-    }
-
-    void columnMenuOnTheRightButton()
-    {
-        PREPARE();
-        TEnhancedCheckDBGrid *grid = enhancedGrid();
-        grid->SetEnableRightButton(true);
-        QMenu menu;
-        menu.addAction(QStringLiteral("Podrobnosti"));
-        grid->Columns()->Items(2)->SetPopupMenu(&menu);
-        const QPoint cell = grid->CellRect(3, 1).center();
-        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cell); // arms
-        QTest::mouseClick(grid->viewport(), Qt::RightButton, {}, cell);
-        QTRY_VERIFY(menu.isVisible());
-        QCOMPARE(state(), 1); // the column's own menu, not a step back
-        menu.close();
+        QCOMPARE(given->AsBoolean(), false);
     }
 
     void firstAndLastColumnsAreStops()
