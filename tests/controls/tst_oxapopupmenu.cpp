@@ -70,7 +70,6 @@ private Q_SLOTS:
         QFETCH(QString, typed);
         QFETCH(int, selStart);
         QFETCH(int, selLength);
-        QFETCH(bool, selection);
         Form form;
         QVERIFY(form.show());
         QTest::keyClicks(form.edit, typed); // typed before entry: the menu is made on entry
@@ -83,7 +82,7 @@ private Q_SLOTS:
 
         QCOMPARE(FindMenuItem(menu, zpet)->isEnabled(), !typed.isEmpty());
         for (const QString &caption : {vyjmout, kopirovat, odstranit})
-            QCOMPARE(FindMenuItem(menu, caption)->isEnabled(), selection);
+            QTEST(FindMenuItem(menu, caption)->isEnabled(), "selection");
         QTEST(FindMenuItem(menu, vybratVse)->isEnabled(), "notAll");
         QVERIFY(FindMenuItem(menu, vlozit)->isEnabled() &&
                 FindMenuItem(menu, mapaZnaku)->isEnabled());

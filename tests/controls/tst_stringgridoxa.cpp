@@ -123,7 +123,6 @@ private Q_SLOTS:
     {
         QFETCH(QKeyCombination, key);
         QFETCH(int, focus);
-        QFETCH(TGridCoord, cell);
         GridForm form;
         auto *middle = new TStringGridOxa(&form);
         middle->setGeometry(200, 140, 50, 25);
@@ -135,7 +134,7 @@ private Q_SLOTS:
         QTest::keyClick(form.grid, key.key(), key.keyboardModifiers());
         QWidget *const widgets[] = {form.grid, form.right, form.below};
         QTRY_COMPARE(QApplication::focusWidget(), widgets[focus]);
-        QCOMPARE((TGridCoord{form.grid->Col(), form.grid->Row()}), cell);
+        QTEST((TGridCoord{form.grid->Col(), form.grid->Row()}), "cell");
     }
 };
 

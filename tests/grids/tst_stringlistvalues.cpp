@@ -35,7 +35,6 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, values);
         QFETCH(int, level);
-        QFETCH(QStringList, shown);
         TStringListValuesForm form;
         form.LoadStrings(values, level);
         QCOMPARE(form.ValueStringGrid()->Cells(0, 0), QStringLiteral("Index"));
@@ -46,7 +45,7 @@ private Q_SLOTS:
             QCOMPARE(form.ValueStringGrid()->Cells(0, i + 1), QString::number(i));
             read << form.GetString(i);
         }
-        QCOMPARE(read, shown);
+        QTEST(read, "shown");
         QCOMPARE(form.GetString(level), QString());
         QCOMPARE(form.ValueStringGrid()->ColWidths(0), 40);
     }
@@ -61,7 +60,6 @@ private Q_SLOTS:
     void columnTakesTheTextsOnOk()
     {
         QFETCH(int, result);
-        QFETCH(QStringList, expected);
         TEnhancedDBGrid grid;
         auto *column = qobject_cast<TCheckValueColumn *>(grid.Columns()->Add());
         column->SetStringValues({QStringLiteral("x")});
@@ -73,7 +71,7 @@ private Q_SLOTS:
             return result;
         });
         QCOMPARE(TStringValuesProperty::Edit(column), result == mrOk);
-        QCOMPARE(column->StringValues(), expected);
+        QTEST(column->StringValues(), "expected");
         QCOMPARE(TStringValuesProperty::GetValue(), QStringLiteral("(TParams)"));
     }
 };
