@@ -3,7 +3,6 @@
 
 #include "oxa/grids/CheckDBGrid.h"
 #include "oxa/grids/StringListValues.h"
-#include "oxa/toolkit/GeometryScale.h"
 #include "oxa/toolkit/StringGrid.h"
 #include "support/TestSupport.h"
 
@@ -17,9 +16,6 @@ class TestStringListValues : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // The index column's 40 pixels are designed ones: scale 1.
-    void initTestCase() { TGeometryScale::Instance()->SetFactor(1.0); }
-    void cleanupTestCase() { TGeometryScale::Instance()->ResetFactor(); }
     void showsOneRowPerValue_data()
     {
         QTest::addColumn<QStringList>("values");
@@ -47,7 +43,6 @@ private Q_SLOTS:
         }
         QTEST(read, "shown");
         QCOMPARE(form.GetString(level), QString());
-        QCOMPARE(form.ValueStringGrid()->ColWidths(0), 40);
     }
 
     void columnTakesTheTextsOnOk_data()
