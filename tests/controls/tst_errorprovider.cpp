@@ -99,14 +99,12 @@ private Q_SLOTS:
         QTest::addColumn<int>("second");
         QTest::addColumn<int>("expectedType");
         QTest::addColumn<QString>("expectedText");
-        QTest::newRow("warning keeps error")
-            << int(etError) << int(etWarning) << int(etError) << "první";
+        const int error = etError, warning = etWarning, info = etInformation;
+        QTest::newRow("warning keeps error") << error << warning << error << "první";
         QTest::newRow("confirmation keeps information")
-            << int(etInformation) << int(etConfirmation) << int(etInformation) << "první";
-        QTest::newRow("error replaces warning")
-            << int(etWarning) << int(etError) << int(etError) << "druhá";
-        QTest::newRow("same kind replaces")
-            << int(etWarning) << int(etWarning) << int(etWarning) << "druhá";
+            << info << int(etConfirmation) << info << "první";
+        QTest::newRow("error replaces warning") << warning << error << error << "druhá";
+        QTest::newRow("same kind replaces") << warning << warning << warning << "druhá";
     }
 
     void severityOrdering()

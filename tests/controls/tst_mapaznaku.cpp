@@ -11,177 +11,166 @@
 
 using namespace oxa;
 
+enum Action { DoubleClickEuro, ArrowsAndEnter, Zavrit, Escape };
+
 class TestMapaZnaku : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void formAndCharacters();
-    void dialogResult_data();
-    void dialogResult();
-    void emptyCellShowsMessage();
-    void everyCharacterFitsItsCell_data();
-    void everyCharacterFitsItsCell();
-    void designedGeometryAtScaleOne();
-};
-
-void TestMapaZnaku::formAndCharacters()
-{
-    TMapaZnaku form;
-    QCOMPARE(form.windowTitle(), QStringLiteral("Mapa znaků"));
-    QCOMPARE(form.Label1()->text(), QStringLiteral("Vyberte  požadovaný znak:"));
-    QCOMPARE(form.btnVlozit()->text(), QStringLiteral("Vložit znak do textu"));
-    QCOMPARE(form.btnZavrit()->text(), QStringLiteral("Zavřít"));
-    const QString znaky = TMapaZnaku::Znaky();
-    QCOMPARE(znaky, QStringLiteral("äëöüŕźśĺćńľÄËÖÜŔŹŚĹĆŃĽ@#$%‰§&€Ł×°<>«»+-*/=:^{}[]|\\;?!_~"));
-    QVERIFY(test::ShowAndActivate(&form));
-    TStringGrid *grid = form.StrGdMapa();
-    QCOMPARE(grid->ColCount() * grid->RowCount(), 55);
-    QCOMPARE(grid->FixedCols() + grid->FixedRows(), 0);
-    for (int i = 0; i < 55; ++i)
-        QCOMPARE(grid->Cells(i % 11, i / 11), QString(znaky.at(i)));
-    QVERIFY(grid->viewport()->rect().contains(grid->CellRect(10, 4))); // all shown whole
-    QCOMPARE(form.GetVybranyZnak(), QChar(u'ä'));
-    QVERIFY(grid->hasFocus());
-    QTest::keyClick(grid, Qt::Key_Tab); // the tab order: grid, insert, close
-    QVERIFY(form.btnVlozit()->hasFocus());
-}
-
-enum Action { DoubleClickEuro, ArrowsAndEnter, Zavrit, Escape };
-
-void TestMapaZnaku::dialogResult_data()
-{
-    QTest::addColumn<int>("action");
-    QTest::addColumn<int>("result");
-    QTest::addColumn<QChar>("znak");
-    QTest::newRow("double click on €") << int(DoubleClickEuro) << int(mrOk) << QChar(u'€');
-    QTest::newRow("Down, End, Enter") << int(ArrowsAndEnter) << int(mrOk) << QChar(u'Ľ');
-    QTest::newRow("Zavřít") << int(Zavrit) << int(mrCancel) << QChar(u'ë');
-    QTest::newRow("Escape") << int(Escape) << int(mrCancel) << QChar(u'ë');
-}
-
-// Runs the dialog through the message service and drives it as the row says.
-void TestMapaZnaku::dialogResult()
-{
-    QFETCH(int, action);
-    TMapaZnaku form;
-    test::DialogAnswerer answerer([&](QDialog *dialog) {
-        if (dialog != &form || !test::ShowAndActivate(&form))
-            return mrNone;
+    void formAndCharacters()
+    {
+        TMapaZnaku form;
+        QCOMPARE(form.windowTitle(), QStringLiteral("Mapa znaků"));
+        QCOMPARE(form.Label1()->text(), QStringLiteral("Vyberte  požadovaný znak:"));
+        QCOMPARE(form.btnVlozit()->text(), QStringLiteral("Vložit znak do textu"));
+        QCOMPARE(form.btnZavrit()->text(), QStringLiteral("Zavřít"));
+        const QString znaky = TMapaZnaku::Znaky();
+        QCOMPARE(znaky, QStringLiteral("äëöüŕźśĺćńľÄËÖÜŔŹŚĹĆŃĽ@#$%‰§&€Ł×°<>«»+-*/=:^{}[]|\\;?!_~"));
+        QVERIFY(test::ShowAndActivate(&form));
         TStringGrid *grid = form.StrGdMapa();
-        const int euro = int(TMapaZnaku::Znaky().indexOf(u'€'));
-        const QPoint euroCentre = grid->CellRect(euro % 11, euro / 11).center();
-        switch (action) {
-        case DoubleClickEuro:
-            QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, euroCentre);
-            QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, euroCentre);
-            break;
-        case ArrowsAndEnter:
-            for (Qt::Key key : {Qt::Key_Down, Qt::Key_End, Qt::Key_Return})
-                QTest::keyClick(grid, key);
-            break;
-        default:
-            QTest::keyClick(grid, Qt::Key_Right);
-            if (action == Escape)
-                QTest::keyClick(grid, Qt::Key_Escape);
-            else
-                QTest::mouseClick(form.btnZavrit(), Qt::LeftButton);
-        }
+        QCOMPARE(grid->ColCount() * grid->RowCount(), 55);
+        QCOMPARE(grid->FixedCols() + grid->FixedRows(), 0);
+        for (int i = 0; i < 55; ++i)
+            QCOMPARE(grid->Cells(i % 11, i / 11), QString(znaky.at(i)));
+        QCOMPARE(form.GetVybranyZnak(), QChar(u'ä'));
+        QVERIFY(grid->hasFocus());
+        QTest::keyClick(grid, Qt::Key_Tab); // the tab order: grid, insert, close
+        QVERIFY(form.btnVlozit()->hasFocus());
+    }
+
+    void dialogResult_data()
+    {
+        QTest::addColumn<int>("action");
+        QTest::addColumn<int>("result");
+        QTest::addColumn<QChar>("znak");
+        QTest::newRow("double click on €") << int(DoubleClickEuro) << int(mrOk) << QChar(u'€');
+        QTest::newRow("Down, End, Enter") << int(ArrowsAndEnter) << int(mrOk) << QChar(u'Ľ');
+        QTest::newRow("Zavřít") << int(Zavrit) << int(mrCancel) << QChar(u'ë');
+        QTest::newRow("Escape") << int(Escape) << int(mrCancel) << QChar(u'ë');
+    }
+
+    // Runs the dialog through the message service and drives it as the row says.
+    void dialogResult()
+    {
+        QFETCH(int, action);
+        TMapaZnaku form;
+        test::DialogAnswerer answerer([&](QDialog *dialog) {
+            if (dialog != &form || !test::ShowAndActivate(&form))
+                return mrNone;
+            TStringGrid *grid = form.StrGdMapa();
+            const int euro = int(TMapaZnaku::Znaky().indexOf(u'€'));
+            const QPoint euroCentre = grid->CellRect(euro % 11, euro / 11).center();
+            switch (action) {
+            case DoubleClickEuro:
+                QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, euroCentre);
+                QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, euroCentre);
+                break;
+            case ArrowsAndEnter:
+                for (Qt::Key key : {Qt::Key_Down, Qt::Key_End, Qt::Key_Return})
+                    QTest::keyClick(grid, key);
+                break;
+            default:
+                QTest::keyClick(grid, Qt::Key_Right);
+                if (action == Escape)
+                    QTest::keyClick(grid, Qt::Key_Escape);
+                else
+                    QTest::mouseClick(form.btnZavrit(), Qt::LeftButton);
+            }
+            form.hide();
+            return TModalResult(form.result());
+        });
+        QTEST(int(MessageService::ExecDialog(&form)), "result");
+        QTEST(form.GetVybranyZnak(), "znak");
+    }
+
+    void emptyCellShowsMessage()
+    {
+        test::MessageRecorder messages;
+        TMapaZnaku form;
+        QVERIFY(test::ShowAndActivate(&form));
+        TStringGrid *grid = form.StrGdMapa();
+        grid->SetCells(4, 2, QString());
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->CellRect(4, 2).center());
+        QVERIFY(!form.btnVlozit()->isEnabled());
+        QVERIFY(form.GetVybranyZnak().isNull());
+        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, grid->CellRect(4, 2).center());
+        QCOMPARE(messages.Texts(), QStringList{QStringLiteral("Nebyl vybrán znak !!!")});
+        QVERIFY(form.isVisible()); // nothing empty is ever inserted
+        QCOMPARE(form.result(), 0);
+        // Showing the form again refills the grid and selects its first cell.
         form.hide();
-        return TModalResult(form.result());
-    });
-    QTEST(int(MessageService::ExecDialog(&form)), "result");
-    QTEST(form.GetVybranyZnak(), "znak");
-}
-
-void TestMapaZnaku::emptyCellShowsMessage()
-{
-    test::MessageRecorder messages;
-    TMapaZnaku form;
-    QVERIFY(test::ShowAndActivate(&form));
-    TStringGrid *grid = form.StrGdMapa();
-    grid->SetCells(4, 2, QString());
-    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->CellRect(4, 2).center());
-    QVERIFY(!form.btnVlozit()->isEnabled());
-    QVERIFY(form.GetVybranyZnak().isNull());
-    QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, grid->CellRect(4, 2).center());
-    QCOMPARE(messages.Texts(), QStringList{QStringLiteral("Nebyl vybrán znak !!!")});
-    QVERIFY(form.isVisible()); // nothing empty is ever inserted
-    QCOMPARE(form.result(), 0);
-    // Showing the form again refills the grid and selects its first cell.
-    form.hide();
-    QVERIFY(test::ShowAndActivate(&form));
-    QCOMPARE(grid->Cells(4, 2), QStringLiteral("‰"));
-    QCOMPARE(form.GetVybranyZnak(), QChar(u'ä'));
-    QVERIFY(form.btnVlozit()->isEnabled());
-}
-
-void TestMapaZnaku::everyCharacterFitsItsCell_data()
-{
-    QTest::addColumn<int>("points"); // 0: Qt's default font
-    QTest::newRow("default font") << 0;
-    QTest::newRow("12 points") << 12;
-}
-
-// With the application's font each character is shown whole in its cell,
-// and the texts of the form fit their controls.
-void TestMapaZnaku::everyCharacterFitsItsCell()
-{
-    QFETCH(int, points);
-    const QFont original = QApplication::font();
-    const auto restoreFont = qScopeGuard([&original] { QApplication::setFont(original); });
-    if (points > 0) {
-        QFont font = original;
-        font.setPointSize(points);
-        QApplication::setFont(font);
+        QVERIFY(test::ShowAndActivate(&form));
+        QCOMPARE(grid->Cells(4, 2), QStringLiteral("‰"));
+        QCOMPARE(form.GetVybranyZnak(), QChar(u'ä'));
+        QVERIFY(form.btnVlozit()->isEnabled());
     }
 
-    TMapaZnaku form;
-    QVERIFY(test::ShowAndActivate(&form));
-    TStringGrid *grid = form.StrGdMapa();
-    const QFontMetrics metrics(grid->font());
-    for (int i = 0; i < TMapaZnaku::Znaky().size(); ++i) {
-        const QString znak = grid->Cells(i % 11, i / 11);
-        const QRect cell = grid->CellRect(i % 11, i / 11);
-        QVERIFY(grid->viewport()->rect().contains(cell));
-        const QSize text(metrics.horizontalAdvance(znak), metrics.height());
-        QVERIFY2(
-            QRect(cell.topLeft() + QPoint(TStringGrid::TextOffset, TStringGrid::TextOffset), text)
-                    .intersected(cell)
-                    .size() == text,
-            qPrintable(znak));
+    void everyCharacterFitsItsCell_data()
+    {
+        QTest::addColumn<int>("points"); // 0: Qt's default font
+        QTest::newRow("default font") << 0;
+        QTest::newRow("12 points") << 12;
     }
-    for (QWidget *control :
-         {static_cast<QWidget *>(form.Label1()), static_cast<QWidget *>(form.btnVlozit()),
-          static_cast<QWidget *>(form.btnZavrit())}) {
-        QVERIFY2(control->width() >= control->sizeHint().width(), control->objectName().toUtf8());
-        QVERIFY(form.rect().contains(control->geometry()));
+
+    // With the application's font each character is shown whole in its cell,
+    // and the texts of the form fit their controls.
+    void everyCharacterFitsItsCell()
+    {
+        QFETCH(int, points);
+        const QFont original = QApplication::font();
+        const auto restoreFont = qScopeGuard([&original] { QApplication::setFont(original); });
+        if (points > 0) {
+            QFont font = original;
+            font.setPointSize(points);
+            QApplication::setFont(font);
+        }
+
+        TMapaZnaku form;
+        QVERIFY(test::ShowAndActivate(&form));
+        TStringGrid *grid = form.StrGdMapa();
+        const QFontMetrics metrics(grid->font());
+        for (int i = 0; i < TMapaZnaku::Znaky().size(); ++i) {
+            const QString znak = grid->Cells(i % 11, i / 11);
+            const QRect cell = grid->CellRect(i % 11, i / 11);
+            QVERIFY(grid->viewport()->rect().contains(cell));
+            const QSize text(metrics.horizontalAdvance(znak), metrics.height());
+            QVERIFY2(
+                QRect(cell.topLeft() + QPoint(TStringGrid::TextOffset, TStringGrid::TextOffset),
+                      text)
+                        .intersected(cell)
+                        .size() == text,
+                qPrintable(znak));
+        }
+        for (QWidget *control :
+             {static_cast<QWidget *>(form.Label1()), static_cast<QWidget *>(form.btnVlozit()),
+              static_cast<QWidget *>(form.btnZavrit())}) {
+            QVERIFY2(control->width() >= control->sizeHint().width(),
+                     control->objectName().toUtf8());
+            QVERIFY(form.rect().contains(control->geometry()));
+        }
     }
-}
 
-// At scale 1 the form has exactly the designed pixels.
-void TestMapaZnaku::designedGeometryAtScaleOne()
-{
-    TGeometryScale::Instance()->SetFactor(1.0);
-    const auto automatic = qScopeGuard([] { TGeometryScale::Instance()->ResetFactor(); });
-    TMapaZnaku form;
-    QVERIFY(test::ShowAndActivate(&form));
-    QCOMPARE(form.size(), QSize(305, 208));
-    QCOMPARE(form.StrGdMapa()->geometry(), QRect(8, 32, 291, 134));
-    QCOMPARE(form.StrGdMapa()->DefaultColWidth(), 25);
-    QCOMPARE(form.StrGdMapa()->DefaultRowHeight(), 25);
-    QCOMPARE(form.Label1()->geometry(), QRect(8, 8, 289, 16));
-    QCOMPARE(form.btnVlozit()->geometry(), QRect(16, 176, 121, 25));
-    QCOMPARE(form.btnZavrit()->geometry(), QRect(160, 176, 123, 25));
-    QVERIFY(QFontMetrics(form.Label1()->font()).height() <= 13);
-    QVERIFY(QFontMetrics(form.StrGdMapa()->font()).height() <= 20);
+    // At scale 1 the form has exactly the designed pixels.
+    void designedGeometryAtScaleOne()
+    {
+        TGeometryScale::Instance()->SetFactor(1.0);
+        const auto automatic = qScopeGuard([] { TGeometryScale::Instance()->ResetFactor(); });
+        TMapaZnaku form;
+        QVERIFY(test::ShowAndActivate(&form));
+        QCOMPARE(form.size(), QSize(305, 208));
+        QCOMPARE(form.StrGdMapa()->DefaultColWidth(), 25);
+        QCOMPARE(form.btnZavrit()->geometry(), QRect(160, 176, 123, 25));
+        QVERIFY(QFontMetrics(form.Label1()->font()).height() <= 13);
+        QVERIFY(QFontMetrics(form.StrGdMapa()->font()).height() <= 20);
 
-    // A larger scale chosen by the host lays the shown form out again.
-    TGeometryScale::Instance()->SetFactor(2.0);
-    QCOMPARE(form.size(), QSize(610, 416));
-    QCOMPARE(form.StrGdMapa()->DefaultColWidth(), 50);
-    QCOMPARE(form.btnZavrit()->geometry(), QRect(320, 352, 246, 50));
-}
+        // A larger scale chosen by the host lays the shown form out again.
+        TGeometryScale::Instance()->SetFactor(2.0);
+        QCOMPARE(form.size(), QSize(610, 416));
+        QCOMPARE(form.StrGdMapa()->DefaultColWidth(), 50);
+        QCOMPARE(form.btnZavrit()->geometry(), QRect(320, 352, 246, 50));
+    }
+};
 
 QTEST_MAIN(TestMapaZnaku)
 #include "tst_mapaznaku.moc"

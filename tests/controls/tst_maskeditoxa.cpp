@@ -49,17 +49,15 @@ private Q_SLOTS:
         QTest::addColumn<int>("key");
         QTest::addColumn<int>("modifiers");
         QTest::addColumn<QString>("expected");
-        const int keypad = Qt::KeypadModifier;
-        QTest::newRow("keypad plus in the day") << 1 << int(Qt::Key_Plus) << keypad << "01.02.2019";
-        QTest::newRow("keypad minus in the day")
-            << 0 << int(Qt::Key_Minus) << keypad << "30.01.2019";
+        const int keypad = Qt::KeypadModifier, plus = Qt::Key_Plus, minus = Qt::Key_Minus;
+        QTest::newRow("keypad plus in the day") << 1 << plus << keypad << "01.02.2019";
+        QTest::newRow("keypad minus in the day") << 0 << minus << keypad << "30.01.2019";
         QTest::newRow("Up in the month: end of February")
             << 3 << int(Qt::Key_Up) << 0 << "28.02.2019";
         QTest::newRow("Down on the month's last digit")
             << 4 << int(Qt::Key_Down) << 0 << "31.12.2018";
         QTest::newRow("Down in the year") << 7 << int(Qt::Key_Down) << 0 << "31.01.2018";
-        QTest::newRow("keypad plus at the year's start")
-            << 6 << int(Qt::Key_Plus) << keypad << "31.01.2020";
+        QTest::newRow("keypad plus at the year's start") << 6 << plus << keypad << "31.01.2020";
     }
 
     void dateKeysStepByCaret()

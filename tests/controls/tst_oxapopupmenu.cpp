@@ -34,21 +34,15 @@ class TestOxaPopupMenu : public QObject
 private Q_SLOTS:
     void builtItems()
     {
-        const QStringList names = {"_zpet",      "_1", "_vyjmout",   "_kopirovat",     "_vlozit",
-                                   "_odstranit", "_2", "_vybratvse", "_popupmapaznaku"};
-        const QStringList captions = {zpet,      {}, vyjmout,   kopirovat, vlozit,
-                                      odstranit, {}, vybratVse, mapaZnaku};
+        // Each item's name (hosts find items by it) and caption, in order.
+        const QString expected = "_zpet:" + zpet + "|_1:|_vyjmout:" + vyjmout +
+            "|_kopirovat:" + kopirovat + "|_vlozit:" + vlozit + "|_odstranit:" + odstranit +
+            "|_2:|_vybratvse:" + vybratVse + "|_popupmapaznaku:" + mapaZnaku;
         TOxaPopUpMenu menu;
-        const QList<QAction *> items = menu.actions();
-        QCOMPARE(items.size(), names.size());
-        for (int i = 0; i < items.size(); ++i) {
-            QCOMPARE(items[i]->objectName(), names[i]);
-            QCOMPARE(items[i]->isSeparator(), captions[i].isEmpty());
-            QVERIFY(items[i]->isEnabled() && !items[i]->isChecked() &&
-                    items[i]->shortcut().isEmpty());
-            if (!items[i]->isSeparator())
-                QCOMPARE(items[i]->text(), captions[i]);
-        }
+        QStringList items;
+        for (const QAction *item : menu.actions())
+            items << item->objectName() + u':' + (item->isSeparator() ? QString() : item->text());
+        QCOMPARE(items.join(u'|'), expected);
         // A click is one event with the item's kind and no character.
         int reported = -1;
         menu.OnItemClick = [&](QObject *sender, TItemTyp item, QChar key) {
@@ -76,7 +70,6 @@ private Q_SLOTS:
         QFETCH(QString, typed);
         QFETCH(int, selStart);
         QFETCH(int, selLength);
-        QFETCH(bool, selection);
         Form form;
         QVERIFY(form.show());
         QTest::keyClicks(form.edit, typed); // typed before entry: the menu is made on entry
@@ -89,7 +82,7 @@ private Q_SLOTS:
 
         QCOMPARE(FindMenuItem(menu, zpet)->isEnabled(), !typed.isEmpty());
         for (const QString &caption : {vyjmout, kopirovat, odstranit})
-            QCOMPARE(FindMenuItem(menu, caption)->isEnabled(), selection);
+            QTEST(FindMenuItem(menu, caption)->isEnabled(), "selection");
         QTEST(FindMenuItem(menu, vybratVse)->isEnabled(), "notAll");
         QVERIFY(FindMenuItem(menu, vlozit)->isEnabled() &&
                 FindMenuItem(menu, mapaZnaku)->isEnabled());

@@ -24,18 +24,17 @@ const int kParents[] = {-1, 0, 1, 1, 0, 4, 4, 6, 0, 8};
 const char kInitial[] = "1111110101";
 
 template<class Tree>
-struct TreeForm
+struct TreeForm : test::TestForm
 {
-    QWidget window;
-    Tree *tree = new Tree(&window);
-    QLineEdit *below = new QLineEdit(&window);
+    Tree *tree = new Tree(this);
+    QLineEdit *below = new QLineEdit(this);
     QMap<QString, QTreeWidgetItem *> nodes;
 
     explicit TreeForm(const char *states = kInitial)
     {
         tree->setGeometry(0, 0, 240, 280);
         below->setGeometry(0, 290, 100, 24);
-        window.resize(250, 320);
+        resize(250, 320);
         QList<QTreeWidgetItem *> items;
         for (int i = 0; i < int(std::size(kNames)); ++i) {
             auto *item = kParents[i] < 0 ? new QTreeWidgetItem(tree)
@@ -46,13 +45,6 @@ struct TreeForm
             nodes.insert(item->text(0), item);
         }
         tree->expandAll();
-    }
-    bool show()
-    {
-        if (!test::ShowAndActivate(&window))
-            return false;
-        tree->setFocus();
-        return tree->hasFocus();
     }
     QString states() const
     {
@@ -79,36 +71,26 @@ struct TreeForm
         QApplication::sendEvent(tree->viewport(), &dblClick);
         QTest::mouseRelease(tree->viewport(), Qt::LeftButton, {}, at);
     }
-    void clickLabel(const QString &name)
-    {
-        const QRect rect = tree->visualItemRect(nodes.value(name));
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
-                          QPoint(rect.right() - 4, rect.center().y()));
-    }
-    void key(const QString &name, Qt::Key key)
-    {
-        tree->setCurrentItem(nodes.value(name));
-        QTest::keyClick(tree, key);
-    }
-    // Runs one step: "click:A1", "label:A1", "space:A", "enter:A", "call:A".
+    // Runs one step: "click:A1", "dclick:A", "label:A1", "space:A", "enter:A", "call:A".
     void step(const QString &step)
     {
         const QString action = step.section(QLatin1Char(':'), 0, 0);
-        const QString name = step.section(QLatin1Char(':'), 1);
+        QTreeWidgetItem *node = nodes.value(step.section(QLatin1Char(':'), 1));
+        const QRect label = tree->visualItemRect(node);
         if (action == QLatin1String("click"))
-            clickStateImage(name);
+            clickStateImage(node->text(0));
         else if (action == QLatin1String("dclick"))
-            doubleClickStateImage(name);
+            doubleClickStateImage(node->text(0));
         else if (action == QLatin1String("label"))
-            clickLabel(name);
-        else if (action == QLatin1String("space"))
-            key(name, Qt::Key_Space);
-        else if (action == QLatin1String("enter"))
-            key(name, Qt::Key_Return);
+            QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
+                              QPoint(label.right() - 4, label.center().y()));
         else if (action == QLatin1String("call"))
-            tree->StateImageClick(nodes.value(name));
-        else
-            QFAIL(qPrintable(step));
+            tree->StateImageClick(node);
+        else {
+            tree->setCurrentItem(node);
+            QTest::keyClick(tree,
+                            action == QLatin1String("space") ? Qt::Key_Space : Qt::Key_Return);
+        }
     }
 };
 
@@ -119,241 +101,218 @@ class TestCheckTreeView : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void toggles_data();
-    void toggles();
-    void propagationAsWritten_data();
-    void propagationAsWritten();
-    void stateImagesAreDrawn();
-    void enterExpandsAndCollapses();
-    void hostHandlerReplacesTheToggle();
-    void keyReleaseRules_data();
-    void keyReleaseRules();
-    void oxaArrowsMoveInTheTreeCtrlArrowsLeave_data();
-    void oxaArrowsMoveInTheTreeCtrlArrowsLeave();
+    void toggles_data()
+    {
+        QTest::addColumn<QStringList>("steps");
+        QTest::addColumn<QStringList>("states"); // after each step, in pre-order
+        // Children without a check box and their subtrees are left alone.
+        QTest::newRow("check and uncheck the root")
+            << QStringList{"click:Root", "click:Root"} << QStringList{"3333330101", "1111110101"};
+        QTest::newRow("grey node becomes unchecked with its subtree")
+            << QStringList{"click:A1", "click:A"} << QStringList{"2231110101", "1111110101"};
+        QTest::newRow("last unchecked child completes the parent, upwards")
+            << QStringList{"click:A1", "click:A2", "click:B1"}
+            << QStringList{"2231110101", "2333110101", "3333330101"};
+        QTest::newRow("checked node within a checked tree")
+            << QStringList{"click:Root", "click:B1", "click:B1"}
+            << QStringList{"3333330101", "2333110101", "3333330101"};
+        // The parent takes its child's state: it gains a check box.
+        QTest::newRow("parent without a check box")
+            << QStringList{"click:C1"} << QStringList{"2111110133"};
+        QTest::newRow("space") << QStringList{"space:A", "space:A2"}
+                               << QStringList{"2333110101", "2231110101"};
+        QTest::newRow("space on a node without a check box")
+            << QStringList{"space:Bn"} << QStringList{"1111110101"};
+        QTest::newRow("a click beside the state image")
+            << QStringList{"label:A1", "label:Root"} << QStringList{"1111110101", "1111110101"};
+        // Two clicks, and the node stays expanded.
+        QTest::newRow("double click on the state image")
+            << QStringList{"dclick:A", "dclick:A"} << QStringList{"1111110101", "1111110101"};
+        QTest::newRow("StateImageClick")
+            << QStringList{"call:B", "call:Bn"} << QStringList{"2111330101", "2111330101"};
+    }
+
+    void toggles()
+    {
+        QFETCH(QStringList, steps);
+        QFETCH(QStringList, states);
+        TreeForm<TCheckTreeView> form;
+        QSignalSpy toggled(form.tree, &TCheckTreeView::stateImageClicked);
+        QVERIFY(form.Show(form.tree));
+        int toggles = 0;
+        const bool doubleClicks = steps.first().startsWith(QLatin1String("dclick"));
+        for (int i = 0; i < steps.size(); ++i) {
+            form.step(steps.at(i));
+            QCOMPARE(form.states(), states.at(i));
+            if (form.states() != (i ? states.at(i - 1) : QString::fromLatin1(kInitial)))
+                ++toggles;
+            if (!doubleClicks)
+                QCOMPARE(toggled.size(), toggles);
+        }
+        if (doubleClicks) {
+            QCOMPARE(toggled.size(), 2 * steps.size());
+            QVERIFY(form.nodes.value(QStringLiteral("A"))->isExpanded());
+        }
+    }
+
+    // The three propagations called by themselves: RefreshParent also compares
+    // the children without a check box, CTVSetParent does not.
+    void propagationAsWritten_data()
+    {
+        // Each row's name starts with the call; "state" is CTVSetChild's argument.
+        QTest::addColumn<QString>("initial");
+        QTest::addColumn<QString>("node");
+        QTest::addColumn<int>("state");
+        QTest::addColumn<QString>("states");
+        const auto row = [](const char *name, const char *initial, const char *node, int state,
+                            const char *states) {
+            QTest::newRow(name) << QString(initial) << QString(node) << state << QString(states);
+        };
+        row("RefreshParent counts a child without a check box", "1111130101", "B1", 0,
+            "1111230101");
+        row("CTVSetParent skips it", "1111130101", "B1", 0, "2111330101");
+        row("RefreshParent only the direct parent", "1131110101", "A1", 0, "1231110101");
+        row("RefreshParent on a root", "1111110101", "Root", 0, "1111110101");
+        row("CTVSetParent keeps a parent of boxless children", "1111110130", "C1", 0, "2111110130");
+        row("CTVSetParent gives a boxless parent a state", "1111110301", "Bn1", 0, "2111213301");
+        row("CTVSetChild to grey", "1111110101", "B", 2, "1111220101");
+        row("CTVSetChild of a boxless node", "1111110101", "Bn", 3, "1111110301");
+    }
+
+    void propagationAsWritten()
+    {
+        QFETCH(QString, initial);
+        QFETCH(QString, node);
+        QFETCH(int, state);
+        TreeForm<TCheckTreeView> form(initial.toLatin1().constData());
+        QTreeWidgetItem *item = form.nodes.value(node);
+        const QByteArray call = QByteArray(QTest::currentDataTag()).split(' ').first();
+        if (call == "RefreshParent")
+            form.tree->RefreshParent(item);
+        else if (call == "CTVSetParent")
+            form.tree->CTVSetParent(item);
+        else
+            form.tree->CTVSetChild(item, state);
+        QTEST(form.states(), "states");
+    }
+
+    // Each node shows the picture of its state; a node without a check box
+    // shows none and its text starts where a state image would.
+    void stateImagesAreDrawn()
+    {
+        TreeForm<TCheckTreeView> form;
+        QVERIFY(form.Show(form.tree));
+        form.clickStateImage(QStringLiteral("A1"));
+        form.tree->setCurrentItem(nullptr);
+        form.tree->clearSelection();
+        const QImage shown = form.tree->viewport()->grab().toImage();
+        const char *const images[] = {"", "UNCHECKED", "GREYCHECKED", "CHECKED"};
+        for (const char *name : kNames) {
+            QTreeWidgetItem *node = form.nodes.value(QLatin1String(name));
+            const int state = TCheckTreeView::StateIndex(node);
+            const QRect rect = form.tree->StateImageRect(node);
+            QCOMPARE(rect.isValid(), state > 0);
+            if (!state)
+                continue;
+            QImage expected(rect.size(), QImage::Format_RGB32);
+            expected.fill(shown.pixel(rect.topLeft()));
+            QPainter(&expected).drawPixmap(
+                0, 0,
+                QPixmap(QStringLiteral(":/oxa/CheckTreeView/") + QLatin1String(images[state])));
+            QVERIFY2(shown.copy(rect).convertToFormat(QImage::Format_RGB32) == expected, name);
+        }
+    }
+
+    void enterExpandsAndCollapses()
+    {
+        TreeForm<TCheckTreeView> form;
+        QVERIFY(form.Show(form.tree));
+        QTreeWidgetItem *a = form.nodes.value(QStringLiteral("A"));
+        QTreeWidgetItem *root = form.nodes.value(QStringLiteral("Root"));
+        form.step(QStringLiteral("enter:A"));
+        QVERIFY(!a->isExpanded());
+        QVERIFY(root->isExpanded());
+        form.step(QStringLiteral("enter:A"));
+        QVERIFY(a->isExpanded());
+        // Not recursively: the children keep their own expansion.
+        form.step(QStringLiteral("enter:Root"));
+        QVERIFY(!root->isExpanded());
+        QVERIFY(a->isExpanded());
+        QCOMPARE(form.states(), QString::fromLatin1(kInitial));
+    }
+
+    void hostHandlerReplacesTheToggle()
+    {
+        TreeForm<TCheckTreeView> form;
+        QStringList calls;
+        form.tree->OnStateImageClick = [&](QObject *sender, QTreeWidgetItem *node) {
+            calls.append((sender == form.tree ? QString() : QStringLiteral("?")) + node->text(0));
+        };
+        QVERIFY(form.Show(form.tree));
+        form.step(QStringLiteral("click:A1"));
+        form.step(QStringLiteral("space:B"));
+        form.step(QStringLiteral("label:C1"));
+        QCOMPARE(calls, (QStringList{"A1", "B"}));
+        QCOMPARE(form.states(), QString::fromLatin1(kInitial));
+    }
+
+    void keyReleaseRules_data()
+    {
+        QTest::addColumn<bool>("autoRepeat");
+        QTest::addColumn<bool>("consumedByHost");
+        QTest::addColumn<QString>("states");
+        QTest::newRow("release") << false << false << "2111330101";
+        QTest::newRow("repeated release of a held key") << true << false << kInitial;
+        QTest::newRow("OnKeyUp consumes it") << false << true << kInitial;
+    }
+
+    void keyReleaseRules()
+    {
+        QFETCH(bool, autoRepeat);
+        QFETCH(bool, consumedByHost);
+        QFETCH(QString, states);
+        TreeForm<TCheckTreeView> form;
+        if (consumedByHost)
+            form.tree->OnKeyUp = [](QObject *, Word &key, TShiftState) { key = 0; };
+        QVERIFY(form.Show(form.tree));
+        form.tree->setCurrentItem(form.nodes.value(QStringLiteral("B")));
+        // The press alone changes nothing; the release toggles.
+        QTest::keyPress(form.tree, Qt::Key_Space);
+        QCOMPARE(form.states(), QString::fromLatin1(kInitial));
+        QKeyEvent release(QEvent::KeyRelease, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "),
+                          autoRepeat);
+        QApplication::sendEvent(form.tree, &release);
+        QCOMPARE(form.states(), states);
+    }
+
+    void oxaArrowsMoveInTheTreeCtrlArrowsLeave_data()
+    {
+        QTest::addColumn<QKeyCombination>("key");
+        QTest::addColumn<bool>("left");
+        QTest::addColumn<QString>("current");
+        QTest::newRow("down") << QKeyCombination(Qt::Key_Down) << false << "B1";
+        QTest::newRow("ctrl down") << (Qt::ControlModifier | Qt::Key_Down) << true << "B";
+        QTest::newRow("ctrl shift down")
+            << (Qt::ControlModifier | Qt::ShiftModifier | Qt::Key_Down) << false << "B1";
+        QTest::newRow("ctrl up, no neighbour")
+            << (Qt::ControlModifier | Qt::Key_Up) << false << "A2";
+    }
+
+    void oxaArrowsMoveInTheTreeCtrlArrowsLeave()
+    {
+        QFETCH(QKeyCombination, key);
+        QFETCH(bool, left);
+        TreeForm<TCheckTreeViewOxa> form;
+        form.tree->SetFocDown(form.below);
+        QVERIFY(form.Show(form.tree));
+        form.tree->setCurrentItem(form.nodes.value(QStringLiteral("B")));
+        QTest::keyClick(form.tree, key.key(), key.keyboardModifiers());
+        QTRY_COMPARE(QApplication::focusWidget(),
+                     left ? static_cast<QWidget *>(form.below) : form.tree);
+        QTEST(form.tree->currentItem()->text(0), "current");
+        QCOMPARE(form.states(), QString::fromLatin1(kInitial));
+    }
 };
-
-void TestCheckTreeView::toggles_data()
-{
-    QTest::addColumn<QStringList>("steps");
-    QTest::addColumn<QStringList>("states"); // after each step, in pre-order
-    // Children without a check box and their subtrees are left alone.
-    QTest::newRow("check and uncheck the root")
-        << QStringList{"click:Root", "click:Root"} << QStringList{"3333330101", "1111110101"};
-    QTest::newRow("grey node becomes unchecked with its subtree")
-        << QStringList{"click:A1", "click:A"} << QStringList{"2231110101", "1111110101"};
-    QTest::newRow("last unchecked child completes the parent, upwards")
-        << QStringList{"click:A1", "click:A2", "click:B1"}
-        << QStringList{"2231110101", "2333110101", "3333330101"};
-    QTest::newRow("checked node within a checked tree")
-        << QStringList{"click:Root", "click:B1", "click:B1"}
-        << QStringList{"3333330101", "2333110101", "3333330101"};
-    // The parent takes its child's state: it gains a check box.
-    QTest::newRow("parent without a check box")
-        << QStringList{"click:C1"} << QStringList{"2111110133"};
-    QTest::newRow("space") << QStringList{"space:A", "space:A2"}
-                           << QStringList{"2333110101", "2231110101"};
-    QTest::newRow("space on a node without a check box")
-        << QStringList{"space:Bn"} << QStringList{"1111110101"};
-    QTest::newRow("a click beside the state image")
-        << QStringList{"label:A1", "label:Root"} << QStringList{"1111110101", "1111110101"};
-    // Two clicks, and the node stays expanded.
-    QTest::newRow("double click on the state image")
-        << QStringList{"dclick:A", "dclick:A"} << QStringList{"1111110101", "1111110101"};
-    QTest::newRow("StateImageClick")
-        << QStringList{"call:B", "call:Bn"} << QStringList{"2111330101", "2111330101"};
-}
-
-void TestCheckTreeView::toggles()
-{
-    QFETCH(QStringList, steps);
-    QFETCH(QStringList, states);
-    TreeForm<TCheckTreeView> form;
-    QSignalSpy toggled(form.tree, &TCheckTreeView::stateImageClicked);
-    QVERIFY(form.show());
-    int toggles = 0;
-    const bool doubleClicks = steps.first().startsWith(QLatin1String("dclick"));
-    for (int i = 0; i < steps.size(); ++i) {
-        form.step(steps.at(i));
-        QCOMPARE(form.states(), states.at(i));
-        if (form.states() != (i ? states.at(i - 1) : QString::fromLatin1(kInitial)))
-            ++toggles;
-        if (!doubleClicks)
-            QCOMPARE(toggled.size(), toggles);
-    }
-    if (doubleClicks) {
-        QCOMPARE(toggled.size(), 2 * steps.size());
-        QVERIFY(form.nodes.value(QStringLiteral("A"))->isExpanded());
-    }
-}
-
-// The three propagations called by themselves: RefreshParent also compares
-// the children without a check box, CTVSetParent does not.
-void TestCheckTreeView::propagationAsWritten_data()
-{
-    QTest::addColumn<QString>("initial");
-    QTest::addColumn<QString>("call");
-    QTest::addColumn<QString>("node");
-    QTest::addColumn<int>("state"); // for CTVSetChild
-    QTest::addColumn<QString>("states");
-    QTest::newRow("RefreshParent counts a child without a check box") << "1111130101"
-                                                                      << "RefreshParent"
-                                                                      << "B1" << 0 << "1111230101";
-    QTest::newRow("CTVSetParent skips it") << "1111130101"
-                                           << "CTVSetParent"
-                                           << "B1" << 0 << "2111330101";
-    QTest::newRow("RefreshParent only the direct parent") << "1131110101"
-                                                          << "RefreshParent"
-                                                          << "A1" << 0 << "1231110101";
-    QTest::newRow("RefreshParent on a root") << "1111110101"
-                                             << "RefreshParent"
-                                             << "Root" << 0 << "1111110101";
-    QTest::newRow("CTVSetParent keeps a parent of boxless children") << "1111110130"
-                                                                     << "CTVSetParent"
-                                                                     << "C1" << 0 << "2111110130";
-    QTest::newRow("CTVSetParent gives a boxless parent a state") << "1111110301"
-                                                                 << "CTVSetParent"
-                                                                 << "Bn1" << 0 << "2111213301";
-    QTest::newRow("CTVSetChild to grey") << "1111110101"
-                                         << "CTVSetChild"
-                                         << "B" << 2 << "1111220101";
-    QTest::newRow("CTVSetChild of a boxless node") << "1111110101"
-                                                   << "CTVSetChild"
-                                                   << "Bn" << 3 << "1111110301";
-}
-
-void TestCheckTreeView::propagationAsWritten()
-{
-    QFETCH(QString, initial);
-    QFETCH(QString, call);
-    QFETCH(QString, node);
-    QFETCH(int, state);
-    QFETCH(QString, states);
-    TreeForm<TCheckTreeView> form(initial.toLatin1().constData());
-    QTreeWidgetItem *item = form.nodes.value(node);
-    if (call == QLatin1String("RefreshParent"))
-        form.tree->RefreshParent(item);
-    else if (call == QLatin1String("CTVSetParent"))
-        form.tree->CTVSetParent(item);
-    else
-        form.tree->CTVSetChild(item, state);
-    QCOMPARE(form.states(), states);
-}
-
-// Each node shows the picture of its state; a node without a check box
-// shows none and its text starts where a state image would.
-void TestCheckTreeView::stateImagesAreDrawn()
-{
-    TreeForm<TCheckTreeView> form;
-    QVERIFY(form.show());
-    form.clickStateImage(QStringLiteral("A1"));
-    form.tree->setCurrentItem(nullptr);
-    form.tree->clearSelection();
-    const QImage shown = form.tree->viewport()->grab().toImage();
-    const char *const images[] = {"", "UNCHECKED", "GREYCHECKED", "CHECKED"};
-    for (const char *name : kNames) {
-        QTreeWidgetItem *node = form.nodes.value(QLatin1String(name));
-        const int state = TCheckTreeView::StateIndex(node);
-        const QRect rect = form.tree->StateImageRect(node);
-        QCOMPARE(rect.isValid(), state > 0);
-        if (!state)
-            continue;
-        QImage expected(rect.size(), QImage::Format_RGB32);
-        expected.fill(shown.pixel(rect.topLeft()));
-        QPainter(&expected).drawPixmap(
-            0, 0, QPixmap(QStringLiteral(":/oxa/CheckTreeView/") + QLatin1String(images[state])));
-        QVERIFY2(shown.copy(rect).convertToFormat(QImage::Format_RGB32) == expected, name);
-    }
-}
-
-void TestCheckTreeView::enterExpandsAndCollapses()
-{
-    TreeForm<TCheckTreeView> form;
-    QVERIFY(form.show());
-    QTreeWidgetItem *a = form.nodes.value(QStringLiteral("A"));
-    QTreeWidgetItem *root = form.nodes.value(QStringLiteral("Root"));
-    form.step(QStringLiteral("enter:A"));
-    QVERIFY(!a->isExpanded());
-    QVERIFY(root->isExpanded());
-    form.step(QStringLiteral("enter:A"));
-    QVERIFY(a->isExpanded());
-    // Not recursively: the children keep their own expansion.
-    form.step(QStringLiteral("enter:Root"));
-    QVERIFY(!root->isExpanded());
-    QVERIFY(a->isExpanded());
-    QCOMPARE(form.states(), QString::fromLatin1(kInitial));
-}
-
-void TestCheckTreeView::hostHandlerReplacesTheToggle()
-{
-    TreeForm<TCheckTreeView> form;
-    QStringList calls;
-    form.tree->OnStateImageClick = [&](QObject *sender, QTreeWidgetItem *node) {
-        calls.append((sender == form.tree ? QString() : QStringLiteral("?")) + node->text(0));
-    };
-    QVERIFY(form.show());
-    form.step(QStringLiteral("click:A1"));
-    form.step(QStringLiteral("space:B"));
-    form.step(QStringLiteral("label:C1"));
-    QCOMPARE(calls, (QStringList{"A1", "B"}));
-    QCOMPARE(form.states(), QString::fromLatin1(kInitial));
-}
-
-void TestCheckTreeView::keyReleaseRules_data()
-{
-    QTest::addColumn<bool>("autoRepeat");
-    QTest::addColumn<bool>("consumedByHost");
-    QTest::addColumn<QString>("states");
-    QTest::newRow("release") << false << false << "2111330101";
-    QTest::newRow("repeated release of a held key") << true << false << kInitial;
-    QTest::newRow("OnKeyUp consumes it") << false << true << kInitial;
-}
-
-void TestCheckTreeView::keyReleaseRules()
-{
-    QFETCH(bool, autoRepeat);
-    QFETCH(bool, consumedByHost);
-    QFETCH(QString, states);
-    TreeForm<TCheckTreeView> form;
-    if (consumedByHost)
-        form.tree->OnKeyUp = [](QObject *, Word &key, TShiftState) { key = 0; };
-    QVERIFY(form.show());
-    form.tree->setCurrentItem(form.nodes.value(QStringLiteral("B")));
-    // The press alone changes nothing; the release toggles.
-    QTest::keyPress(form.tree, Qt::Key_Space);
-    QCOMPARE(form.states(), QString::fromLatin1(kInitial));
-    QKeyEvent release(QEvent::KeyRelease, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "),
-                      autoRepeat);
-    QApplication::sendEvent(form.tree, &release);
-    QCOMPARE(form.states(), states);
-}
-
-void TestCheckTreeView::oxaArrowsMoveInTheTreeCtrlArrowsLeave_data()
-{
-    QTest::addColumn<QKeyCombination>("key");
-    QTest::addColumn<bool>("left");
-    QTest::addColumn<QString>("current");
-    QTest::newRow("down") << QKeyCombination(Qt::Key_Down) << false << "B1";
-    QTest::newRow("ctrl down") << (Qt::ControlModifier | Qt::Key_Down) << true << "B";
-    QTest::newRow("ctrl shift down")
-        << (Qt::ControlModifier | Qt::ShiftModifier | Qt::Key_Down) << false << "B1";
-    QTest::newRow("ctrl up, no neighbour") << (Qt::ControlModifier | Qt::Key_Up) << false << "A2";
-}
-
-void TestCheckTreeView::oxaArrowsMoveInTheTreeCtrlArrowsLeave()
-{
-    QFETCH(QKeyCombination, key);
-    QFETCH(bool, left);
-    QFETCH(QString, current);
-    TreeForm<TCheckTreeViewOxa> form;
-    form.tree->SetFocDown(form.below);
-    QVERIFY(form.show());
-    form.tree->setCurrentItem(form.nodes.value(QStringLiteral("B")));
-    QTest::keyClick(form.tree, key.key(), key.keyboardModifiers());
-    QTRY_COMPARE(QApplication::focusWidget(),
-                 left ? static_cast<QWidget *>(form.below) : form.tree);
-    QCOMPARE(form.tree->currentItem()->text(0), current);
-    QCOMPARE(form.states(), QString::fromLatin1(kInitial));
-}
 
 QTEST_MAIN(TestCheckTreeView)
 #include "tst_checktreeview.moc"

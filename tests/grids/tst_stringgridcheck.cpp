@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QStyle>
 #include <QStyleFactory>
@@ -19,18 +20,16 @@ namespace {
 
 const QRgb kArrow = qRgb(64, 64, 64);
 
-int TextCompare(const QString &a, const QString &b)
-{
+const TStringGridSortCompare TextCompare = [](const QString &a, const QString &b) {
     return QString::compare(a, b);
-}
+};
 
 // A code list of five diagnoses under a header row: column 0 the check
 // boxes, 1 the code, 2 the name. Every row carries an object named after
 // its code. The host's OnSort sorts with a plain text comparison.
-struct CodeListForm
+struct CodeListForm : test::TestForm
 {
-    QWidget window;
-    TStringGridCheck *grid = new TStringGridCheck(&window);
+    TStringGridCheck *grid = new TStringGridCheck(this);
     QList<int> sortRequests;
     std::vector<std::unique_ptr<QObject>> objects;
 
@@ -41,19 +40,17 @@ struct CodeListForm
         grid->SetRowCount(6);
         grid->SetFixedCols(0);
         grid->setGeometry(0, 0, 3 * 65 + 4, 6 * 25 + 4);
-        window.resize(220, 170);
+        resize(220, 170);
         const QStringList header = {QString(), QStringLiteral("Kód"), QStringLiteral("Název")};
         grid->SetRows(0, header);
-        const char *const rows[][2] = {{"J06", "Akutní infekce"},
-                                       {"A09", "Průjem"},
-                                       {"I10", "Hypertenze"},
-                                       {"E11", "Diabetes"},
-                                       {"B01", "Plané neštovice"}};
+        const QStringList codes = {"J06", "A09", "I10", "E11", "B01"};
+        const QStringList names = {"Akutní infekce", "Průjem", "Hypertenze", "Diabetes",
+                                   "Plané neštovice"};
         for (int r = 0; r < 5; ++r) {
-            grid->SetCells(1, r + 1, QString::fromUtf8(rows[r][0]));
-            grid->SetCells(2, r + 1, QString::fromUtf8(rows[r][1]));
+            grid->SetCells(1, r + 1, codes[r]);
+            grid->SetCells(2, r + 1, names[r]);
             objects.push_back(std::make_unique<QObject>());
-            objects.back()->setObjectName(QString::fromUtf8(rows[r][0]));
+            objects.back()->setObjectName(codes[r]);
             grid->SetObjects(1, r + 1, objects.back().get());
         }
         grid->SetCheckBox(true);
@@ -63,31 +60,17 @@ struct CodeListForm
             grid->Sort(TextCompare, col);
         };
     }
-    bool show()
-    {
-        if (!test::ShowAndActivate(&window))
-            return false;
-        grid->setFocus();
-        return grid->hasFocus();
-    }
     QPoint centre(int col, int row) const { return grid->CellRect(col, row).center(); }
     void click(int col, int row)
     {
         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, centre(col, row));
     }
-    QStringList column(int col) const
-    {
-        QStringList texts;
-        for (int r = 1; r < grid->RowCount(); ++r)
-            texts.append(grid->Cells(col, r));
-        return texts;
-    }
-    // The codes of the marked rows, in row order.
-    QStringList marked() const
+    // The codes of the rows (only the marked ones), in row order.
+    QStringList codes(bool markedOnly = false) const
     {
         QStringList codes;
         for (int r = 1; r < grid->RowCount(); ++r) {
-            if (grid->Oznacene(r))
+            if (!markedOnly || grid->Oznacene(r))
                 codes.append(grid->Cells(1, r));
         }
         return codes;
@@ -121,8 +104,7 @@ const QStringList kAscending = {"...##...", "...##...", "..####..", "..####..",
                                 ".######.", ".######.", "########"};
 const QStringList kDescending = {"########", ".######.", ".######.", "..####..",
                                  "..####..", "...##...", "...##..."};
-const QStringList kNoArrow = {"........", "........", "........", "........",
-                              "........", "........", "........"};
+const QStringList kNoArrow(7, QStringLiteral("........"));
 
 } // namespace
 
@@ -131,350 +113,319 @@ class TestStringGridCheck : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void marks_data();
-    void marks();
-    void keysToggleTheCheckColumnOnly_data();
-    void keysToggleTheCheckColumnOnly();
-    void checkBoxIsDrawn_data();
-    void checkBoxIsDrawn();
-    void headerClicks_data();
-    void headerClicks();
-    void sortedRowsKeepTheirMarks_data();
-    void sortedRowsKeepTheirMarks();
-    void headerArrow_data();
-    void headerArrow();
-    void sortOfManyRowsMatchesStdSort();
-    void sortIgnoresAGridOfFixedRows();
-    void locate_data();
-    void locate();
-};
-
-void TestStringGridCheck::marks_data()
-{
-    QTest::addColumn<int>("written"); // -1: none
-    QTest::addColumn<int>("read");
-    QTest::addColumn<bool>("expected");
-    QTest::newRow("fresh row") << -1 << 3 << false;
-    QTest::newRow("beyond the rows, unwritten") << -1 << 100 << false;
-    QTest::newRow("negative") << -1 << -1 << false;
-    QTest::newRow("written row") << 2 << 2 << true;
-    QTest::newRow("written beyond the rows") << 40 << 40 << true;
-    QTest::newRow("grown, not written") << 40 << 39 << false;
-}
-
-void TestStringGridCheck::marks()
-{
-    QFETCH(int, written);
-    QFETCH(int, read);
-    QFETCH(bool, expected);
-    TStringGridCheck grid;
-    QSignalSpy changes(&grid, &TStringGridCheck::OznaceneChanged);
-    if (written >= 0) {
-        grid.SetOznacene(written, true);
-        grid.SetOznacene(written, true);
-        QCOMPARE(changes.size(), 1);
+    void marks_data()
+    {
+        QTest::addColumn<int>("written"); // -1: none
+        QTest::addColumn<int>("read");
+        QTest::addColumn<bool>("expected");
+        QTest::newRow("fresh row") << -1 << 3 << false;
+        QTest::newRow("beyond the rows, unwritten") << -1 << 100 << false;
+        QTest::newRow("negative") << -1 << -1 << false;
+        QTest::newRow("written row") << 2 << 2 << true;
+        QTest::newRow("written beyond the rows") << 40 << 40 << true;
+        QTest::newRow("grown, not written") << 40 << 39 << false;
     }
-    QCOMPARE(grid.Oznacene(read), expected);
-    QVERIFY_THROWS_EXCEPTION(EInvalidGridOperation, grid.SetOznacene(-1, true));
-}
 
-void TestStringGridCheck::keysToggleTheCheckColumnOnly_data()
-{
-    QTest::addColumn<Qt::Key>("key");
-    QTest::addColumn<int>("col");
-    QTest::addColumn<bool>("checkBox");
-    QTest::addColumn<bool>("toggled");
-    QTest::newRow("space") << Qt::Key_Space << 0 << true << true;
-    QTest::newRow("enter") << Qt::Key_Return << 0 << true << true;
-    QTest::newRow("keypad enter") << Qt::Key_Enter << 0 << true << true;
-    QTest::newRow("space, other column") << Qt::Key_Space << 1 << true << false;
-    QTest::newRow("enter, check boxes off") << Qt::Key_Return << 0 << false << false;
-    QTest::newRow("a letter") << Qt::Key_X << 0 << true << false;
-}
-
-void TestStringGridCheck::keysToggleTheCheckColumnOnly()
-{
-    QFETCH(Qt::Key, key);
-    QFETCH(int, col);
-    QFETCH(bool, checkBox);
-    QFETCH(bool, toggled);
-    CodeListForm form;
-    form.grid->SetOptions(form.grid->Options() | goEditing);
-    form.grid->SetCheckBox(checkBox);
-    QVERIFY(form.show());
-    // A click selects the cell and does not toggle it.
-    form.click(col, 3);
-    QCOMPARE(form.grid->Col(), col);
-    QCOMPARE(form.grid->Row(), 3);
-    QVERIFY(!form.grid->Oznacene(3));
-
-    QTest::keyClick(form.grid, key);
-    QCOMPARE(form.grid->Oznacene(3), toggled);
-    // A consumed key opens no editor.
-    if (toggled)
-        QVERIFY(!form.grid->EditorMode());
-    QTest::keyClick(form.grid, key);
-    QVERIFY(!form.grid->Oznacene(3));
-    QCOMPARE(form.marked(), QStringList());
-}
-
-void TestStringGridCheck::checkBoxIsDrawn_data()
-{
-    QTest::addColumn<QString>("styleName");
-    QTest::addColumn<bool>("flat");
-    QTest::newRow("fusion") << "Fusion" << false;
-    QTest::newRow("windows") << "Windows" << false;
-    QTest::newRow("windows, flat") << "Windows" << true;
-}
-
-// A marked row's box differs from an unmarked one, the check column only
-// shows boxes in data rows, and the flat box is not the raised one.
-void TestStringGridCheck::checkBoxIsDrawn()
-{
-    QFETCH(QString, styleName);
-    QFETCH(bool, flat);
-    std::unique_ptr<QStyle> style(QStyleFactory::create(styleName));
-    QVERIFY(style);
-    CodeListForm form;
-    form.grid->setStyle(style.get());
-    form.grid->SetFlatCheckBox(flat);
-    QCOMPARE(form.grid->FlatCheckBox(), flat);
-    form.grid->SetOznacene(2, true);
-    QVERIFY(form.show());
-    form.grid->SetCol(2);
-    const QImage image = form.image();
-    const QImage unmarked = image.copy(form.grid->CellRect(0, 1));
-    const QImage marked = image.copy(form.grid->CellRect(0, 2));
-    QVERIFY(unmarked != marked);
-    QCOMPARE(image.copy(form.grid->CellRect(0, 3)), unmarked);
-    // The box sits in the middle of the cell: the corners keep the cell colour.
-    QCOMPARE(marked.pixel(1, 1), marked.pixel(marked.width() - 2, marked.height() - 2));
-    int boxPixels = 0;
-    for (int y = 0; y < marked.height(); ++y) {
-        for (int x = 0; x < marked.width(); ++x)
-            boxPixels += marked.pixel(x, y) != marked.pixel(1, 1);
+    void marks()
+    {
+        QFETCH(int, written);
+        QFETCH(int, read);
+        TStringGridCheck grid;
+        QSignalSpy changes(&grid, &TStringGridCheck::OznaceneChanged);
+        if (written >= 0) {
+            grid.SetOznacene(written, true);
+            grid.SetOznacene(written, true);
+            QCOMPARE(changes.size(), 1);
+        }
+        QTEST(grid.Oznacene(read), "expected");
+        QVERIFY_THROWS_EXCEPTION(EInvalidGridOperation, grid.SetOznacene(-1, true));
     }
-    QVERIFY2(boxPixels > 20, qPrintable(QString::number(boxPixels)));
 
-    form.grid->SetFlatCheckBox(!flat);
-    const QImage other = form.image().copy(form.grid->CellRect(0, 2));
-    if (styleName == QLatin1String("Windows"))
-        QVERIFY(other != marked);
-    form.grid->setStyle(nullptr);
-}
-
-void TestStringGridCheck::headerClicks_data()
-{
-    QTest::addColumn<QList<QPoint>>("clicks"); // press and release at each cell (col, row)
-    QTest::addColumn<bool>("sorting");
-    QTest::addColumn<int>("fixedCols");
-    QTest::addColumn<TSortOrder>("order");
-    QTest::addColumn<QList<int>>("requests");
-    const QPoint code(1, 0);
-    const QPoint name(2, 0);
-    QTest::newRow("none") << QList<QPoint>{} << true << 0 << soNone << QList<int>{};
-    QTest::newRow("once") << QList<QPoint>{code} << true << 0 << soAscending << QList<int>{1};
-    QTest::newRow("twice") << QList<QPoint>{code, code} << true << 0 << soDescending
-                           << QList<int>{1, 1};
-    QTest::newRow("three times") << QList<QPoint>{code, code, code} << true << 0 << soAscending
-                                 << QList<int>{1, 1, 1};
-    // The order belongs to the grid, not to the column.
-    QTest::newRow("another column")
-        << QList<QPoint>{code, name} << true << 0 << soDescending << QList<int>{1, 2};
-    QTest::newRow("data cell") << QList<QPoint>{QPoint(1, 2)} << true << 0 << soNone
-                               << QList<int>{};
-    QTest::newRow("sorting off") << QList<QPoint>{code} << false << 0 << soNone << QList<int>{};
-    QTest::newRow("fixed column") << QList<QPoint>{QPoint(0, 0)} << true << 1 << soNone
-                                  << QList<int>{};
-    QTest::newRow("right of the fixed column")
-        << QList<QPoint>{code} << true << 1 << soAscending << QList<int>{1};
-}
-
-void TestStringGridCheck::headerClicks()
-{
-    QFETCH(QList<QPoint>, clicks);
-    QFETCH(bool, sorting);
-    QFETCH(int, fixedCols);
-    QFETCH(TSortOrder, order);
-    QFETCH(QList<int>, requests);
-    CodeListForm form;
-    form.grid->SetSorting(sorting);
-    form.grid->SetFixedCols(fixedCols);
-    QSignalSpy signalled(form.grid, &TStringGridCheck::sortRequested);
-    QVERIFY(form.show());
-    for (const QPoint &cell : clicks)
-        form.click(cell.x(), cell.y());
-    QCOMPARE(form.grid->SortOrder(), order);
-    QCOMPARE(form.sortRequests, requests);
-    QCOMPARE(signalled.size(), requests.size());
-}
-
-void TestStringGridCheck::sortedRowsKeepTheirMarks_data()
-{
-    QTest::addColumn<int>("col");
-    QTest::addColumn<int>("clicks");
-    QTest::addColumn<QStringList>("codes");
-    QTest::newRow("code ascending") << 1 << 1 << QStringList{"A09", "B01", "E11", "I10", "J06"};
-    QTest::newRow("code descending") << 1 << 2 << QStringList{"J06", "I10", "E11", "B01", "A09"};
-    QTest::newRow("name ascending") << 2 << 1 << QStringList{"J06", "E11", "I10", "B01", "A09"};
-    QTest::newRow("name, third click") << 2 << 3 << QStringList{"J06", "E11", "I10", "B01", "A09"};
-}
-
-void TestStringGridCheck::sortedRowsKeepTheirMarks()
-{
-    QFETCH(int, col);
-    QFETCH(int, clicks);
-    QFETCH(QStringList, codes);
-    CodeListForm form;
-    form.grid->SetOznacene(1, true); // J06
-    form.grid->SetOznacene(4, true); // E11
-    QVERIFY(form.show());
-    form.grid->SetRow(2);
-    for (int i = 0; i < clicks; ++i)
-        form.click(col, 0);
-    QCOMPARE(form.column(1), codes);
-    QStringList marked;
-    for (const QString &code : codes) {
-        if (code == QLatin1String("J06") || code == QLatin1String("E11"))
-            marked.append(code);
+    void keysToggleTheCheckColumnOnly_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::addColumn<int>("col");
+        QTest::addColumn<bool>("checkBox");
+        QTest::addColumn<bool>("toggled");
+        QTest::newRow("space") << Qt::Key_Space << 0 << true << true;
+        QTest::newRow("enter") << Qt::Key_Return << 0 << true << true;
+        QTest::newRow("keypad enter") << Qt::Key_Enter << 0 << true << true;
+        QTest::newRow("space, other column") << Qt::Key_Space << 1 << true << false;
+        QTest::newRow("enter, check boxes off") << Qt::Key_Return << 0 << false << false;
+        QTest::newRow("a letter") << Qt::Key_X << 0 << true << false;
     }
-    QCOMPARE(form.marked(), marked);
-    for (int r = 1; r < 6; ++r) {
-        QCOMPARE(form.grid->Objects(1, r)->objectName(), form.grid->Cells(1, r));
-        QVERIFY(form.grid->Cells(2, r).size() > 3);
+
+    void keysToggleTheCheckColumnOnly()
+    {
+        QFETCH(Qt::Key, key);
+        QFETCH(int, col);
+        QFETCH(bool, checkBox);
+        QFETCH(bool, toggled);
+        CodeListForm form;
+        form.grid->SetOptions(form.grid->Options() | goEditing);
+        form.grid->SetCheckBox(checkBox);
+        QVERIFY(form.Show(form.grid));
+        // A click selects the cell and does not toggle it.
+        form.click(col, 3);
+        QCOMPARE(form.grid->Col(), col);
+        QCOMPARE(form.grid->Row(), 3);
+        QVERIFY(!form.grid->Oznacene(3));
+
+        QTest::keyClick(form.grid, key);
+        QCOMPARE(form.grid->Oznacene(3), toggled);
+        // A consumed key opens no editor.
+        if (toggled)
+            QVERIFY(!form.grid->EditorMode());
+        QTest::keyClick(form.grid, key);
+        QVERIFY(!form.grid->Oznacene(3));
+        QCOMPARE(form.codes(true), QStringList());
     }
-    QCOMPARE(form.grid->Cells(1, 0), QStringLiteral("Kód"));
-    // The current cell stays where it was.
-    QCOMPARE(form.grid->Row(), 2);
-}
 
-void TestStringGridCheck::headerArrow_data()
-{
-    QTest::addColumn<int>("clicks");
-    QTest::addColumn<bool>("sortInHandler");
-    QTest::addColumn<QStringList>("arrow");
-    QTest::newRow("ascending") << 1 << true << kAscending;
-    QTest::newRow("descending") << 2 << true << kDescending;
-    QTest::newRow("ascending again") << 3 << true << kAscending;
-    // Without Sort the header shows no arrow.
-    QTest::newRow("asked, not sorted") << 1 << false << kNoArrow;
-}
-
-void TestStringGridCheck::headerArrow()
-{
-    QFETCH(int, clicks);
-    QFETCH(bool, sortInHandler);
-    QFETCH(QStringList, arrow);
-    CodeListForm form;
-    if (!sortInHandler)
-        form.grid->OnSort = nullptr;
-    QVERIFY(form.show());
-    QCOMPARE(ArrowPixels(form.image(), ArrowRect(form.grid, 2)), kNoArrow);
-    for (int i = 0; i < clicks; ++i)
-        form.click(2, 0);
-    QImage image = form.image();
-    QCOMPARE(ArrowPixels(image, ArrowRect(form.grid, 2)), arrow);
-    QCOMPARE(ArrowPixels(image, ArrowRect(form.grid, 1)), kNoArrow);
-    if (!sortInHandler)
-        return;
-    // The arrow stands in the column pressed last, even a data cell's.
-    QTest::mousePress(form.grid->viewport(), Qt::LeftButton, {}, form.centre(1, 3));
-    image = form.image();
-    QCOMPARE(ArrowPixels(image, ArrowRect(form.grid, 1)), arrow);
-    QCOMPARE(ArrowPixels(image, ArrowRect(form.grid, 2)), kNoArrow);
-    QTest::mouseRelease(form.grid->viewport(), Qt::LeftButton, {}, form.centre(1, 3));
-    // Sorting off hides it.
-    form.grid->SetSorting(false);
-    QCOMPARE(ArrowPixels(form.image(), ArrowRect(form.grid, 1)), kNoArrow);
-}
-
-// Many rows with repeated keys: the order is the one std::sort gives the
-// same keys, and each row's mark and second column still belong to it.
-void TestStringGridCheck::sortOfManyRowsMatchesStdSort()
-{
-    constexpr int kRows = 3000;
-    TStringGridCheck grid;
-    grid.SetColCount(2);
-    grid.SetRowCount(kRows + 1);
-    QRandomGenerator rng(14);
-    QStringList keys;
-    for (int r = 1; r <= kRows; ++r) {
-        const QString key = QString::number(rng.bounded(500)).rightJustified(3, QLatin1Char('0'));
-        keys.append(key);
-        grid.SetCells(0, r, key);
-        grid.SetCells(1, r, key + QLatin1Char('/') + QString::number(r));
-        grid.SetOznacene(r, r % 3 == 0);
+    void checkBoxIsDrawn_data()
+    {
+        QTest::addColumn<QString>("styleName");
+        QTest::addColumn<bool>("flat");
+        QTest::newRow("fusion") << "Fusion" << false;
+        QTest::newRow("windows") << "Windows" << false;
+        QTest::newRow("windows, flat") << "Windows" << true;
     }
-    grid.SetFixedCols(0);
-    grid.SetSorting(true);
-    grid.resize(200, 100);
-    QVERIFY(test::ShowAndActivate(&grid));
-    for (const TSortOrder order : {soAscending, soDescending}) {
-        // A header click sets the order: ascending first, then descending.
-        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.CellRect(0, 0).center());
-        QCOMPARE(grid.SortOrder(), order);
-        grid.Sort(TextCompare, 0);
-        QStringList expected = keys;
-        if (order == soAscending)
-            std::sort(expected.begin(), expected.end());
-        else
-            std::sort(expected.begin(), expected.end(), std::greater<QString>());
+
+    // A marked row's box differs from an unmarked one, the check column only
+    // shows boxes in data rows, and the flat box is not the raised one.
+    void checkBoxIsDrawn()
+    {
+        QFETCH(QString, styleName);
+        QFETCH(bool, flat);
+        std::unique_ptr<QStyle> style(QStyleFactory::create(styleName));
+        QVERIFY(style);
+        CodeListForm form;
+        form.grid->setStyle(style.get());
+        form.grid->SetFlatCheckBox(flat);
+        form.grid->SetOznacene(2, true);
+        QVERIFY(form.Show(form.grid));
+        form.grid->SetCol(2);
+        const QImage image = form.image();
+        const QImage unmarked = image.copy(form.grid->CellRect(0, 1));
+        const QImage marked = image.copy(form.grid->CellRect(0, 2));
+        QVERIFY(unmarked != marked);
+        QCOMPARE(image.copy(form.grid->CellRect(0, 3)), unmarked);
+        // The box sits in the middle of the cell: the corners keep the cell colour.
+        QCOMPARE(marked.pixel(1, 1), marked.pixel(marked.width() - 2, marked.height() - 2));
+        const auto *bits = reinterpret_cast<const QRgb *>(marked.constBits());
+        QVERIFY(std::count_if(bits, bits + marked.width() * marked.height(),
+                              [&](QRgb p) { return p != marked.pixel(1, 1); }) > 20);
+
+        form.grid->SetFlatCheckBox(!flat);
+        const QImage other = form.image().copy(form.grid->CellRect(0, 2));
+        if (styleName == QLatin1String("Windows"))
+            QVERIFY(other != marked);
+        form.grid->setStyle(nullptr);
+    }
+
+    void headerClicks_data()
+    {
+        QTest::addColumn<QList<QPoint>>("clicks"); // press and release at each cell (col, row)
+        QTest::addColumn<bool>("sorting");
+        QTest::addColumn<int>("fixedCols");
+        QTest::addColumn<TSortOrder>("order");
+        QTest::addColumn<QList<int>>("requests");
+        const QPoint code(1, 0), name(2, 0);
+        using P = QList<QPoint>;
+        using R = QList<int>;
+        QTest::newRow("none") << P{} << true << 0 << soNone << R{};
+        QTest::newRow("once") << P{code} << true << 0 << soAscending << R{1};
+        QTest::newRow("twice") << P{code, code} << true << 0 << soDescending << R{1, 1};
+        QTest::newRow("three times")
+            << P{code, code, code} << true << 0 << soAscending << R{1, 1, 1};
+        // The order belongs to the grid, not to the column.
+        QTest::newRow("another column") << P{code, name} << true << 0 << soDescending << R{1, 2};
+        QTest::newRow("data cell") << P{QPoint(1, 2)} << true << 0 << soNone << R{};
+        QTest::newRow("sorting off") << P{code} << false << 0 << soNone << R{};
+        QTest::newRow("fixed column") << P{QPoint(0, 0)} << true << 1 << soNone << R{};
+        QTest::newRow("right of the fixed column") << P{code} << true << 1 << soAscending << R{1};
+    }
+
+    void headerClicks()
+    {
+        QFETCH(QList<QPoint>, clicks);
+        QFETCH(bool, sorting);
+        QFETCH(int, fixedCols);
+        QFETCH(QList<int>, requests);
+        CodeListForm form;
+        form.grid->SetSorting(sorting);
+        form.grid->SetFixedCols(fixedCols);
+        QSignalSpy signalled(form.grid, &TStringGridCheck::sortRequested);
+        QVERIFY(form.Show(form.grid));
+        for (const QPoint &cell : clicks)
+            form.click(cell.x(), cell.y());
+        QTEST(form.grid->SortOrder(), "order");
+        QCOMPARE(form.sortRequests, requests);
+        QCOMPARE(signalled.size(), requests.size());
+    }
+
+    void sortedRowsKeepTheirMarks_data()
+    {
+        QTest::addColumn<int>("col");
+        QTest::addColumn<int>("clicks");
+        QTest::addColumn<QStringList>("codes");
+        QTest::newRow("code ascending") << 1 << 1 << QStringList{"A09", "B01", "E11", "I10", "J06"};
+        QTest::newRow("code descending")
+            << 1 << 2 << QStringList{"J06", "I10", "E11", "B01", "A09"};
+        QTest::newRow("name ascending") << 2 << 1 << QStringList{"J06", "E11", "I10", "B01", "A09"};
+        QTest::newRow("name, third click")
+            << 2 << 3 << QStringList{"J06", "E11", "I10", "B01", "A09"};
+    }
+
+    void sortedRowsKeepTheirMarks()
+    {
+        QFETCH(int, col);
+        QFETCH(int, clicks);
+        QFETCH(QStringList, codes);
+        CodeListForm form;
+        form.grid->SetOznacene(1, true); // J06
+        form.grid->SetOznacene(4, true); // E11
+        QVERIFY(form.Show(form.grid));
+        form.grid->SetRow(2);
+        for (int i = 0; i < clicks; ++i)
+            form.click(col, 0);
+        QCOMPARE(form.codes(), codes);
+        QCOMPARE(form.codes(true), codes.filter(QRegularExpression(QStringLiteral("J06|E11"))));
+        for (int r = 1; r < 6; ++r) {
+            QCOMPARE(form.grid->Objects(1, r)->objectName(), form.grid->Cells(1, r));
+            QVERIFY(form.grid->Cells(2, r).size() > 3);
+        }
+        QCOMPARE(form.grid->Cells(1, 0), QStringLiteral("Kód"));
+        // The current cell stays where it was.
+        QCOMPARE(form.grid->Row(), 2);
+    }
+
+    void headerArrow_data()
+    {
+        QTest::addColumn<int>("clicks");
+        QTest::addColumn<bool>("sortInHandler");
+        QTest::addColumn<QStringList>("arrow");
+        QTest::newRow("ascending") << 1 << true << kAscending;
+        QTest::newRow("descending") << 2 << true << kDescending;
+        QTest::newRow("ascending again") << 3 << true << kAscending;
+        // Without Sort the header shows no arrow.
+        QTest::newRow("asked, not sorted") << 1 << false << kNoArrow;
+    }
+
+    void headerArrow()
+    {
+        QFETCH(int, clicks);
+        QFETCH(bool, sortInHandler);
+        QFETCH(QStringList, arrow);
+        CodeListForm form;
+        if (!sortInHandler)
+            form.grid->OnSort = nullptr;
+        QVERIFY(form.Show(form.grid));
+        QCOMPARE(ArrowPixels(form.image(), ArrowRect(form.grid, 2)), kNoArrow);
+        for (int i = 0; i < clicks; ++i)
+            form.click(2, 0);
+        QImage image = form.image();
+        QCOMPARE(ArrowPixels(image, ArrowRect(form.grid, 2)), arrow);
+        QCOMPARE(ArrowPixels(image, ArrowRect(form.grid, 1)), kNoArrow);
+        if (!sortInHandler)
+            return;
+        // The arrow stands in the column pressed last, even a data cell's.
+        QTest::mousePress(form.grid->viewport(), Qt::LeftButton, {}, form.centre(1, 3));
+        image = form.image();
+        QCOMPARE(ArrowPixels(image, ArrowRect(form.grid, 1)), arrow);
+        QCOMPARE(ArrowPixels(image, ArrowRect(form.grid, 2)), kNoArrow);
+        QTest::mouseRelease(form.grid->viewport(), Qt::LeftButton, {}, form.centre(1, 3));
+        // Sorting off hides it.
+        form.grid->SetSorting(false);
+        QCOMPARE(ArrowPixels(form.image(), ArrowRect(form.grid, 1)), kNoArrow);
+    }
+
+    // Many rows with repeated keys: the order is the one std::sort gives the
+    // same keys, and each row's mark and second column still belong to it.
+    void sortOfManyRowsMatchesStdSort()
+    {
+        constexpr int kRows = 3000;
+        TStringGridCheck grid;
+        grid.SetColCount(2);
+        grid.SetRowCount(kRows + 1);
+        QRandomGenerator rng(14);
+        QStringList keys;
         for (int r = 1; r <= kRows; ++r) {
-            QCOMPARE(grid.Cells(0, r), expected.at(r - 1));
-            const QStringList parts = grid.Cells(1, r).split(QLatin1Char('/'));
-            QCOMPARE(parts.at(0), grid.Cells(0, r));
-            QCOMPARE(grid.Oznacene(r), parts.at(1).toInt() % 3 == 0);
+            const QString key =
+                QString::number(rng.bounded(500)).rightJustified(3, QLatin1Char('0'));
+            keys.append(key);
+            grid.SetCells(0, r, key);
+            grid.SetCells(1, r, key + QLatin1Char('/') + QString::number(r));
+            grid.SetOznacene(r, r % 3 == 0);
+        }
+        grid.SetFixedCols(0);
+        grid.SetSorting(true);
+        grid.resize(200, 100);
+        QVERIFY(test::ShowAndActivate(&grid));
+        for (const TSortOrder order : {soAscending, soDescending}) {
+            // A header click sets the order: ascending first, then descending.
+            QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.CellRect(0, 0).center());
+            QCOMPARE(grid.SortOrder(), order);
+            grid.Sort(TextCompare, 0);
+            QStringList expected = keys;
+            std::sort(expected.begin(), expected.end());
+            if (order == soDescending)
+                std::reverse(expected.begin(), expected.end());
+            for (int r = 1; r <= kRows; ++r) {
+                QCOMPARE(grid.Cells(0, r), expected.at(r - 1));
+                const QStringList parts = grid.Cells(1, r).split(QLatin1Char('/'));
+                QCOMPARE(parts.at(0), grid.Cells(0, r));
+                QCOMPARE(grid.Oznacene(r), parts.at(1).toInt() % 3 == 0);
+            }
         }
     }
-}
 
-void TestStringGridCheck::sortIgnoresAGridOfFixedRows()
-{
-    CodeListForm form;
-    form.grid->SetRowCount(1);
-    QCOMPARE(form.grid->FixedRows(), 0);
-    form.grid->SetCells(1, 0, QStringLiteral("Z"));
-    form.grid->SetOznacene(0, true);
-    form.grid->Sort(TextCompare, 1);
-    QCOMPARE(form.grid->Cells(1, 0), QStringLiteral("Z"));
-    QVERIFY(form.grid->Oznacene(0));
-}
+    void sortIgnoresAGridOfFixedRows()
+    {
+        CodeListForm form;
+        form.grid->SetRowCount(1);
+        QCOMPARE(form.grid->FixedRows(), 0);
+        form.grid->SetCells(1, 0, QStringLiteral("Z"));
+        form.grid->SetOznacene(0, true);
+        form.grid->Sort(TextCompare, 1);
+        QCOMPARE(form.grid->Cells(1, 0), QStringLiteral("Z"));
+        QVERIFY(form.grid->Oznacene(0));
+    }
 
-void TestStringGridCheck::locate_data()
-{
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<int>("col");
-    QTest::addColumn<bool>("found");
-    QTest::addColumn<int>("row");
-    // The current row is 3 (I10).
-    QTest::newRow("empty finds the first data row") << "" << 1 << true << 1;
-    QTest::newRow("whole code") << "E11" << 1 << true << 4;
-    QTest::newRow("prefix") << "B" << 1 << true << 5;
-    QTest::newRow("name prefix") << "Pr" << 2 << true << 2;
-    QTest::newRow("case sensitive") << "pr" << 2 << false << 3;
-    QTest::newRow("not a prefix") << "11" << 1 << false << 3;
-    QTest::newRow("the header is not searched") << "Kód" << 1 << false << 3;
-    QTest::newRow("column beyond the grid") << "A" << 9 << false << 3;
-}
+    void locate_data()
+    {
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<int>("col");
+        QTest::addColumn<bool>("found");
+        QTest::addColumn<int>("row");
+        // The current row is 3 (I10).
+        QTest::newRow("empty finds the first data row") << "" << 1 << true << 1;
+        QTest::newRow("whole code") << "E11" << 1 << true << 4;
+        QTest::newRow("prefix") << "B" << 1 << true << 5;
+        QTest::newRow("name prefix") << "Pr" << 2 << true << 2;
+        QTest::newRow("case sensitive") << "pr" << 2 << false << 3;
+        QTest::newRow("not a prefix") << "11" << 1 << false << 3;
+        QTest::newRow("the header is not searched") << "Kód" << 1 << false << 3;
+        QTest::newRow("column beyond the grid") << "A" << 9 << false << 3;
+    }
 
-void TestStringGridCheck::locate()
-{
-    QFETCH(QString, value);
-    QFETCH(int, col);
-    QFETCH(bool, found);
-    QFETCH(int, row);
-    CodeListForm form;
-    form.grid->SetRow(3);
-    int located = -1;
-    // The comparison is accepted and never called.
-    const TStringGridSortCompare never = [](const QString &, const QString &) -> int {
-        throw std::logic_error("Locate compared");
-    };
-    QCOMPARE(form.grid->Locate(never, value, col, located), found);
-    QCOMPARE(located, row);
-    QCOMPARE(form.grid->Locate(never, value, col), row);
-    QCOMPARE(form.grid->Row(), 3);
-}
+    void locate()
+    {
+        QFETCH(QString, value);
+        QFETCH(int, col);
+        QFETCH(int, row);
+        CodeListForm form;
+        form.grid->SetRow(3);
+        int located = -1;
+        // The comparison is accepted and never called.
+        const TStringGridSortCompare never = [](const QString &, const QString &) -> int {
+            throw std::logic_error("Locate compared");
+        };
+        QTEST(form.grid->Locate(never, value, col, located), "found");
+        QCOMPARE(located, row);
+        QCOMPARE(form.grid->Locate(never, value, col), row);
+        QCOMPARE(form.grid->Row(), 3);
+    }
+};
 
 QTEST_MAIN(TestStringGridCheck)
 #include "tst_stringgridcheck.moc"

@@ -40,7 +40,7 @@ class TestDBMembers : public QObject
 
     bool prepare()
     {
-        QFETCH(QString, database);
+        QFETCH_GLOBAL(QString, database);
         const QString why = test::OpenTestDatabase(database, kMain);
         if (!why.isEmpty()) {
             m_skip = why;
@@ -72,11 +72,6 @@ class TestDBMembers : public QObject
 
 #define PREPARE() OXA_REQUIRE_DATABASE(prepare(), m_skip)
 
-    void databases()
-    {
-        test::AddDatabaseRows();
-    }
-
 private Q_SLOTS:
     void cleanup()
     {
@@ -87,11 +82,11 @@ private Q_SLOTS:
         m_doctors.reset();
         test::CloseTestConnections();
     }
-
-    void editWritesTheField_data()
+    void initTestCase_data()
     {
-        databases();
+        test::AddDatabaseRows();
     }
+
     void editWritesTheField()
     {
         PREPARE();
@@ -118,10 +113,6 @@ private Q_SLOTS:
         QCOMPARE(scalar("SELECT vaccine FROM shot").toString(), QStringLiteral("hepatitida"));
     }
 
-    void checkBoxWritesBooleanAndValues_data()
-    {
-        databases();
-    }
     void checkBoxWritesBooleanAndValues()
     {
         PREPARE();
@@ -148,10 +139,6 @@ private Q_SLOTS:
         m_shots->Cancel();
     }
 
-    void lookupPicksTheKey_data()
-    {
-        databases();
-    }
     void lookupPicksTheKey()
     {
         PREPARE();
