@@ -26,6 +26,8 @@ using namespace oxa::test;
 
 namespace {
 
+const QString kAddWord = QStringLiteral("Přidat do slovníku");
+
 struct Shown
 {
     TestForm form;
@@ -62,6 +64,11 @@ QStringList Underlined(const QTextDocument *document)
     return words;
 }
 
+QStringList Underlined(const TOxaRichView *e)
+{
+    return Underlined(e->document());
+}
+
 // Types text with real keys: a letter key for ASCII, and for a Czech letter
 // the key a Czech keyboard sends (Qt names it by the capital letter's code).
 void Type(QWidget *w, const QString &text)
@@ -91,25 +98,24 @@ int RedPixels(TOxaRichView *e)
     return red;
 }
 
-QString AllText(const TOxaRichView &e)
+QString AllText(const TOxaRichView *e)
 {
-    return e.document()->toPlainText();
+    return e->document()->toPlainText();
 }
 
 // The point in the viewport over the middle of the first occurrence of a word.
 QPoint PointOfWord(TOxaRichView *e, const QString &word)
 {
-    const int at = AllText(*e).indexOf(word);
     QTextCursor c(e->document());
-    c.setPosition(at + int(word.size()) / 2);
+    c.setPosition(int(AllText(e).indexOf(word) + word.size() / 2));
     return e->cursorRect(c).center();
 }
 
-QMenu *RightClickAt(TOxaRichView *e, const QPoint &viewportPos)
+QMenu *RightClickOn(TOxaRichView *e, const QString &word)
 {
     QWidget *top = e->window();
     QTest::mouseClick(top->windowHandle(), Qt::RightButton, {},
-                      e->viewport()->mapTo(top, viewportPos));
+                      e->viewport()->mapTo(top, PointOfWord(e, word)));
     return qobject_cast<QMenu *>(QApplication::activePopupWidget());
 }
 
@@ -119,6 +125,14 @@ QStringList Captions(const QMenu *menu)
     for (const QAction *a : menu->actions())
         captions.append(a->isSeparator() ? QStringLiteral("-") : a->text());
     return captions;
+}
+
+void ClickItem(QMenu *menu, const QString &caption)
+{
+    const int at = int(Captions(menu).indexOf(caption));
+    QVERIFY2(at >= 0, qPrintable(Captions(menu).join(u'|')));
+    QTest::mouseClick(menu, Qt::LeftButton, {},
+                      menu->actionGeometry(menu->actions().at(at)).center());
 }
 
 // A report of paragraphs in tagged text, a misspelt word in the last one.
@@ -151,13 +165,9 @@ private Q_SLOTS:
     void typedMistakesAreUnderlined_data();
     void typedMistakesAreUnderlined();
     void typingACorrectionRemovesTheUnderline();
-    void wordsInTableCellsAreChecked();
-    void propertyOffRemovesEveryUnderline();
-    void underlinesNeverReachTheDocument();
-    void typingChecksOnlyTheEditedParagraph();
+    void underlinesArePaintedOnly();
     void longDocumentIsCheckedInTheBackground();
     void contextMenuOffersCorrections();
-    void chosenCorrectionIsOneUndoStep();
     void addedWordIsKnownInEveryEditor();
 };
 
@@ -171,24 +181,18 @@ void TestSpellChecker::charsetsConvertBothWays_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<QString>("text");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<bool>("encodable");
+    QTest::addColumn<QByteArray>("bytes"); // empty: the text is not encodable
 
-    const QString czech = QStringLiteral("Žluťoučký kůň úpěl");
-    QTest::newRow("UTF-8") << QByteArray("UTF-8") << czech << czech.toUtf8() << true;
-    QTest::newRow("ISO8859-2") << QByteArray("ISO8859-2") << czech
-                               << QByteArray("\xAE"
-                                             "lu\xBBou\xE8k\xFD k\xF9\xF2 \xFAp\xEC"
-                                             "l")
-                               << true;
+    QTest::newRow("UTF-8") << QByteArray("UTF-8") << "Žluťoučký kůň"
+                           << QStringLiteral("Žluťoučký kůň").toUtf8();
+    QTest::newRow("ISO8859-2") << QByteArray("ISO8859-2") << "Žluťoučký kůň"
+                               << QByteArray("\xAElu\xBBou\xE8k\xFD k\xF9\xF2");
     QTest::newRow("iso-8859-2 spelt otherwise")
-        << QByteArray("iso-8859-2") << QStringLiteral("ř") << QByteArray("\xF8") << true;
-    QTest::newRow("cp1250") << QByteArray("microsoft-cp1250") << QStringLiteral("Šťáva")
-                            << QByteArray("\x8A\x9D\xE1va") << true;
-    QTest::newRow("Latin-2 lacks the euro sign")
-        << QByteArray("ISO8859-2") << QStringLiteral("5€") << QByteArray() << false;
-    QTest::newRow("Latin-1 lacks ř")
-        << QByteArray("ISO8859-1") << QStringLiteral("řez") << QByteArray() << false;
+        << QByteArray("iso-8859-2") << "ř" << QByteArray("\xF8");
+    QTest::newRow("cp1250") << QByteArray("microsoft-cp1250") << "Šťáva"
+                            << QByteArray("\x8A\x9D\xE1va");
+    QTest::newRow("Latin-2 lacks the euro sign") << QByteArray("ISO8859-2") << "5€" << QByteArray();
+    QTest::newRow("Latin-1 lacks ř") << QByteArray("ISO8859-1") << "řez" << QByteArray();
 }
 
 void TestSpellChecker::charsetsConvertBothWays()
@@ -196,22 +200,17 @@ void TestSpellChecker::charsetsConvertBothWays()
     QFETCH(QByteArray, name);
     QFETCH(QString, text);
     QFETCH(QByteArray, bytes);
-    QFETCH(bool, encodable);
     const DictionaryCharset set = DictionaryCharset::FromName(name);
     QVERIFY(set.IsValid());
-    const auto encoded = set.Encode(text);
-    QCOMPARE(encoded.has_value(), encodable);
-    if (encodable) {
-        QCOMPARE(*encoded, bytes);
+    QCOMPARE(set.Encode(text).value_or(QByteArray()), bytes);
+    if (!bytes.isEmpty())
         QCOMPARE(set.Decode(bytes), text);
-    }
 }
 
 void TestSpellChecker::setLineOfTheAffixFile_data()
 {
     QTest::addColumn<QByteArray>("affix");
     QTest::addColumn<QByteArray>("set");
-
     QTest::newRow("first line") << QByteArray("SET UTF-8\nTRY abc\n") << QByteArray("UTF-8");
     QTest::newRow("after comments")
         << QByteArray("# Czech\r\n\r\nSET ISO8859-2\r\nTRY x\r\n") << QByteArray("ISO8859-2");
@@ -239,26 +238,21 @@ void TestSpellChecker::latin2DictionaryIsCheckedInItsCharset()
     // A dictionary of its own in ISO 8859-2: the words go to Hunspell in that
     // set and its suggestions come back from it.
     QTemporaryDir dir;
-    QFile aff(dir.filePath(QStringLiteral("l2.aff")));
-    QVERIFY(aff.open(QIODevice::WriteOnly));
-    aff.write("SET ISO8859-2\nTRY \xBE\xBBl\xB9\xE8\xF8uo\xFA\xF9\xFDkn\xEC\n");
-    aff.close();
-    QFile dic(dir.filePath(QStringLiteral("l2.dic")));
-    QVERIFY(dic.open(QIODevice::WriteOnly));
-    dic.write("3\n\xBElu\xBBou\xE8k\xFD\nk\xF9\xF2\n\xFAp\xECl\n");
-    dic.close();
-
-    SpellChecker checker(aff.fileName());
+    const QList<QPair<QString, QByteArray>> files = {
+        {"l2.aff", "SET ISO8859-2\nTRY \xBE\xBBl\xB9\xE8\xF8uo\xFA\xF9\xFDkn\xEC\n"},
+        {"l2.dic", "3\n\xBElu\xBBou\xE8k\xFD\nk\xF9\xF2\n\xFAp\xECl\n"}};
+    for (const auto &[name, bytes] : files) {
+        QFile file(dir.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    SpellChecker checker(dir.filePath(QStringLiteral("l2.aff")));
     QVERIFY(checker.IsAvailable());
     QCOMPARE(checker.Encoding(), QStringLiteral("ISO8859-2"));
     QVERIFY(checker.IsCorrect(u"žluťoučký"));
-    QVERIFY(checker.IsCorrect(u"kůň"));
-    QVERIFY(!checker.IsCorrect(u"kun"));
     QVERIFY(!checker.IsCorrect(u"čaj€")); // not even in the charset
     QVERIFY(checker.Suggest(QStringLiteral("žlutoučký")).contains(QStringLiteral("žluťoučký")));
-    const auto wrong = checker.Misspelled(u"Žluťoučký kun úpěl");
-    QCOMPARE(wrong.size(), 1);
-    QCOMPARE(wrong.first(), (SpellRange{10, 3}));
+    QCOMPARE(checker.Misspelled(u"Žluťoučký kun úpěl"), QList<SpellRange>{(SpellRange{10, 3})});
 }
 
 void TestSpellChecker::missingDictionaryTurnsCheckingOff()
@@ -273,7 +267,6 @@ void TestSpellChecker::missingDictionaryTurnsCheckingOff()
     // An editor on it stays without underlines and cannot be turned on.
     QTextDocument document;
     SpellHighlighter highlighter(&document, &checker, nullptr);
-    QVERIFY(!highlighter.IsEnabled());
     highlighter.SetEnabled(true);
     QVERIFY(!highlighter.IsEnabled());
     QTextCursor(&document).insertText(QStringLiteral("pacinet bolesit"));
@@ -285,22 +278,17 @@ void TestSpellChecker::wordsThatAreNeverFlagged_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QStringList>("misspelt");
-
-    QTest::newRow("short capitals") << QStringLiteral("EKG, CRP a CHOPN bez změn, XYZABQ ano.")
-                                    << QStringList{QStringLiteral("XYZABQ")};
-    QTest::newRow("dotted") << QStringLiteral("Dávkování p.o. a i.v. dle s.c. schématu.")
-                            << QStringList{};
+    QTest::newRow("short capitals")
+        << "EKG, CRP a CHOPN bez změn, XYZABQ ano." << QStringList{"XYZABQ"};
+    QTest::newRow("dotted") << "Dávkování p.o. a i.v. dle s.c. schématu." << QStringList{};
     QTest::newRow("short word before a dot, sentence goes on")
-        << QStringLiteral("Užívá 1 tbl. denně, st.p. operaci, amp. 2x.") << QStringList{};
+        << "Užívá 1 tbl. denně, st.p. operaci, amp. 2x." << QStringList{};
     QTest::newRow("a dot that ends the sentence")
-        << QStringLiteral("Kontrola za týden pacinet. Pak bolesit.")
-        << QStringList{QStringLiteral("pacinet"), QStringLiteral("bolesit")};
-    QTest::newRow("digits") << QStringLiteral("HbA1c 6,5 %, B12 a 2x denně, 3krát.")
-                            << QStringList{};
+        << "Kontrola za týden pacinet. Pak bolesit." << QStringList{"pacinet", "bolesit"};
+    QTest::newRow("digits") << "HbA1c 6,5 %, B12 a 2x denně, 3krát." << QStringList{};
     QTest::newRow("units and internal capitals")
-        << QStringLiteral("TK 120/80 mmHg, pH 7,4, SpO 98, 5 mg, 10 ml, gtt. a supp")
-        << QStringList{};
-    QTest::newRow("one letter") << QStringLiteral("Pravá q a x osa.") << QStringList{};
+        << "TK 120/80 mmHg, pH 7,4, SpO 98, 5 mg, 10 ml, gtt. a supp" << QStringList{};
+    QTest::newRow("one letter") << "Pravá q a x osa." << QStringList{};
 }
 
 void TestSpellChecker::wordsThatAreNeverFlagged()
@@ -319,20 +307,18 @@ void TestSpellChecker::typedMistakesAreUnderlined_data()
     QTest::addColumn<QString>("sentence");
     QTest::addColumn<QStringList>("underlined");
     QTest::addColumn<QString>("correction"); // among the suggestions of the first
-
-    QTest::newRow("two mistakes") << QStringLiteral("Pacient udává bolesit v pravem podžebří.")
-                                  << QStringList{QStringLiteral("bolesit"),
-                                                 QStringLiteral("pravem")}
-                                  << QStringLiteral("bolesti");
+    QTest::addColumn<bool>("inTable");
+    QTest::newRow("two mistakes") << "Pacient udává bolesit v pravem podžebří."
+                                  << QStringList{"bolesit", "pravem"} << "bolesti" << false;
     QTest::newRow("capital at the start")
-        << QStringLiteral("Teplotta 38,5 °C, tlak 120/80 mmHg.")
-        << QStringList{QStringLiteral("Teplotta")} << QStringLiteral("Teplota");
+        << "Teplotta 38,5 °C, tlak 120/80 mmHg." << QStringList{"Teplotta"} << "Teplota" << false;
     QTest::newRow("swapped letters")
-        << QStringLiteral("Kontrola za týden, pacinet poučen.")
-        << QStringList{QStringLiteral("pacinet")} << QStringLiteral("pacient");
+        << "Kontrola za týden, pacinet poučen." << QStringList{"pacinet"} << "pacient" << false;
     QTest::newRow("correct report")
-        << QStringLiteral("Užívá 1 tbl. denně p.o., EKG a CRP bez nálezu, stolice v normě.")
-        << QStringList{} << QString();
+        << "Užívá 1 tbl. denně p.o., EKG a CRP bez nálezu, stolice v normě." << QStringList{}
+        << QString() << false;
+    QTest::newRow("table cell") << "hodnotta v normě" << QStringList{"hodnotta"} << QString()
+                                << true;
 }
 
 void TestSpellChecker::typedMistakesAreUnderlined()
@@ -341,11 +327,17 @@ void TestSpellChecker::typedMistakesAreUnderlined()
     QFETCH(QString, sentence);
     QFETCH(QStringList, underlined);
     QFETCH(QString, correction);
+    QFETCH(bool, inTable);
     Shown s;
+    if (inTable) {
+        QVERIFY(s.editor->InsTable({2, 2, 0, clBlack, 1}));
+        QVERIFY(WaitChecked(s.editor));
+        s.editor->setTextCursor(s.editor->CurrentTable()->cellAt(1, 1).firstCursorPosition());
+    }
     Type(s.editor, sentence);
-    QCOMPARE(AllText(*s.editor), sentence);
+    QVERIFY(AllText(s.editor).contains(sentence));
     // Checked while typing: nothing waits for the event loop.
-    QCOMPARE(Underlined(s.editor->document()), underlined);
+    QCOMPARE(Underlined(s.editor), underlined);
     QVERIFY(!Highlighter(s.editor)->IsPending());
     if (!correction.isEmpty()) {
         const QStringList suggestions = SpellChecker::Shared()->Suggest(underlined.first());
@@ -359,68 +351,30 @@ void TestSpellChecker::typingACorrectionRemovesTheUnderline()
     REQUIRE_DICTIONARY();
     Shown s;
     Type(s.editor, QStringLiteral("Pacinet "));
-    QCOMPARE(Underlined(s.editor->document()), QStringList{QStringLiteral("Pacinet")});
+    QCOMPARE(Underlined(s.editor), QStringList{"Pacinet"});
     for (int i = 0; i < 3; ++i)
         QTest::keyClick(s.editor, Qt::Key_Backspace);
-    QCOMPARE(Underlined(s.editor->document()), QStringList{QStringLiteral("Pacin")});
+    QCOMPARE(Underlined(s.editor), QStringList{"Pacin"});
     QTest::keyClick(s.editor, Qt::Key_Backspace);
     Type(s.editor, QStringLiteral("ent přišel"));
-    QCOMPARE(AllText(*s.editor), QStringLiteral("Pacient přišel"));
-    QCOMPARE(Underlined(s.editor->document()), QStringList());
+    QCOMPARE(AllText(s.editor), QStringLiteral("Pacient přišel"));
+    QCOMPARE(Underlined(s.editor), QStringList());
     // A new paragraph splits the block; both halves are checked.
     QTest::keyClick(s.editor, Qt::Key_Home);
     Type(s.editor, QStringLiteral("zhorseni"));
     QTest::keyClick(s.editor, Qt::Key_Return);
-    QCOMPARE(Underlined(s.editor->document()), QStringList{QStringLiteral("zhorseni")});
+    QCOMPARE(Underlined(s.editor), QStringList{"zhorseni"});
 }
 
-void TestSpellChecker::wordsInTableCellsAreChecked()
-{
-    REQUIRE_DICTIONARY();
-    Shown s;
-    QVERIFY(s.editor->InsTable({2, 2, 0, clBlack, 1}));
-    QTextTable *table = s.editor->CurrentTable();
-    QVERIFY(table);
-    s.editor->setTextCursor(table->cellAt(1, 1).firstCursorPosition());
-    Type(s.editor, QStringLiteral("hodnotta v normě"));
-    QCOMPARE(Underlined(s.editor->document()), QStringList{QStringLiteral("hodnotta")});
-    QVERIFY(s.editor->CurrentTable() == table);
-}
-
-void TestSpellChecker::propertyOffRemovesEveryUnderline()
-{
-    REQUIRE_DICTIONARY();
-    Shown s;
-    QVERIFY(s.editor->SpellCheckAvailable());
-    QVERIFY(s.editor->SpellCheck());
-    QSignalSpy changed(s.editor, &TOxaRichView::spellCheckChanged);
-    SetFormatedText(s.editor, LongReport(3));
-    QVERIFY(WaitChecked(s.editor));
-    QCOMPARE(Underlined(s.editor->document()), QStringList{QStringLiteral("pacinet")});
-    QVERIFY(RedPixels(s.editor) > 10);
-
-    s.editor->setProperty("SpellCheck", false);
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(Underlined(s.editor->document()), QStringList());
-    QCOMPARE(RedPixels(s.editor), 0);
-    Type(s.editor, QStringLiteral(" bolesit"));
-    QVERIFY(WaitChecked(s.editor));
-    QCOMPARE(Underlined(s.editor->document()), QStringList());
-    s.editor->SetSpellCheck(false);
-    QCOMPARE(changed.count(), 1);
-
-    s.editor->SetSpellCheck(true);
-    QCOMPARE(changed.count(), 2);
-    QVERIFY(WaitChecked(s.editor));
-    QCOMPARE(Underlined(s.editor->document()),
-             (QStringList{QStringLiteral("pacinet"), QStringLiteral("bolesit")}));
-}
-
-void TestSpellChecker::underlinesNeverReachTheDocument()
+// The underline is painted, never stored: the document, its stream, tagged
+// text and undo stay as they were, whatever the checking does.
+void TestSpellChecker::underlinesArePaintedOnly()
 {
     REQUIRE_DICTIONARY();
     Shown s;
     TOxaRichView *e = s.editor;
+    QVERIFY(e->SpellCheckAvailable());
+    QVERIFY(e->SpellCheck());
     SetFormatedText(e, QStringLiteral("Pacinet <b>udává</b> bolesit.\r\nTeplotta 38 °C."));
     e->RVData()->ClearUndo();
     e->document()->setModified(false);
@@ -428,16 +382,13 @@ void TestSpellChecker::underlinesNeverReachTheDocument()
     const QString tagged = GetFormatedText(e, 0, 1, e->ItemCount() - 1, 100);
     QSignalSpy contents(e->document(), &QTextDocument::contentsChanged);
     QSignalSpy undoAdded(e->document(), &QTextDocument::undoCommandAdded);
-
+    QSignalSpy changed(e, &TOxaRichView::spellCheckChanged);
     auto unchanged = [&] {
         QCOMPARE(e->SaveOxaRVFToString(), before);
         QCOMPARE(GetFormatedText(e, 0, 1, e->ItemCount() - 1, 100), tagged);
         QCOMPARE(e->UndoAction(), int(utNone));
-        QVERIFY(!e->document()->isUndoAvailable());
         QVERIFY(!e->document()->isModified());
-        QCOMPARE(contents.count(), 0);
-        QCOMPARE(undoAdded.count(), 0);
-        // No character of the document carries the underline.
+        QCOMPARE(contents.count() + undoAdded.count(), 0);
         for (QTextBlock b = e->document()->begin(); b.isValid(); b = b.next()) {
             for (auto f = b.begin(); !f.atEnd(); ++f)
                 QVERIFY(f.fragment().charFormat().underlineStyle() !=
@@ -445,35 +396,28 @@ void TestSpellChecker::underlinesNeverReachTheDocument()
         }
     };
     QVERIFY(WaitChecked(e));
-    QCOMPARE(Underlined(e->document()).size(), 3);
+    QCOMPARE(Underlined(e).size(), 3);
+    QVERIFY(RedPixels(e) > 10);
     unchanged();
     SpellChecker::Shared()->SetPersonalWords({QStringLiteral("pacinet")});
     QVERIFY(WaitChecked(e));
-    QCOMPARE(Underlined(e->document()).size(), 2);
+    QCOMPARE(Underlined(e), (QStringList{"bolesit", "Teplotta"}));
     unchanged();
-    e->SetSpellCheck(false);
-    QVERIFY(Underlined(e->document()).isEmpty());
-    unchanged();
-}
 
-void TestSpellChecker::typingChecksOnlyTheEditedParagraph()
-{
-    REQUIRE_DICTIONARY();
-    Shown s;
-    SetFormatedText(s.editor, LongReport(400));
-    QVERIFY(WaitChecked(s.editor));
-    SpellHighlighter *h = Highlighter(s.editor);
-    h->ResetStatistics();
-    QTextCursor c(s.editor->document()->findBlockByNumber(200));
-    c.movePosition(QTextCursor::EndOfBlock);
-    s.editor->setTextCursor(c);
-    Type(s.editor, QStringLiteral(" bolesit"));
-    QCOMPARE(h->Statistics().BlocksChecked, 8); // one per key
-    QVERIFY(!h->IsPending());
-    QTest::keyClick(s.editor, Qt::Key_Return);
-    QCOMPARE(h->Statistics().BlocksChecked, 10); // both halves
-    QCOMPARE(Underlined(s.editor->document()),
-             (QStringList{QStringLiteral("bolesit"), QStringLiteral("pacinet")}));
+    e->setProperty("SpellCheck", false);
+    e->SetSpellCheck(false);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(Underlined(e), QStringList());
+    QCOMPARE(RedPixels(e), 0);
+    unchanged();
+    Type(e, QStringLiteral(" zhorseni"));
+    QVERIFY(WaitChecked(e));
+    QCOMPARE(Underlined(e), QStringList());
+
+    e->SetSpellCheck(true);
+    QCOMPARE(changed.count(), 2);
+    QVERIFY(WaitChecked(e));
+    QCOMPARE(Underlined(e), (QStringList{"bolesit", "Teplotta", "zhorseni"}));
 }
 
 void TestSpellChecker::longDocumentIsCheckedInTheBackground()
@@ -482,60 +426,81 @@ void TestSpellChecker::longDocumentIsCheckedInTheBackground()
     Shown s;
     TOxaRichView source;
     SetFormatedText(&source, LongReport(3000));
-    const QByteArray stream = source.SaveOxaRVFToString();
-
     SpellHighlighter *h = Highlighter(s.editor);
     h->SetSliceBudgetNs(0); // one paragraph per slice
-    s.editor->LoadOxaRVFFromString(stream);
+    s.editor->LoadOxaRVFFromString(source.SaveOxaRVFToString());
     h->ResetStatistics();
     // Loading returned before the check: it is queued for the event loop.
     QVERIFY(h->IsPending());
-    QCOMPARE(Underlined(s.editor->document()), QStringList());
+    QCOMPARE(Underlined(s.editor), QStringList());
     QApplication::processEvents();
     QVERIFY(h->IsPending());
     // The user types at the start meanwhile, and is served at once.
     Type(s.editor, QStringLiteral("Zpráva: bolesit "));
-    QCOMPARE(Underlined(s.editor->document()), QStringList{QStringLiteral("bolesit")});
+    QCOMPARE(Underlined(s.editor), QStringList{"bolesit"});
     QVERIFY(h->IsPending());
 
     QSignalSpy idle(h, &SpellHighlighter::Idle);
     QVERIFY(WaitChecked(s.editor));
     QCOMPARE(idle.count(), 1);
-    QCOMPARE(Underlined(s.editor->document()),
-             (QStringList{QStringLiteral("bolesit"), QStringLiteral("pacinet")}));
+    QCOMPARE(Underlined(s.editor), (QStringList{"bolesit", "pacinet"}));
     // Each paragraph once, in a slice of its own, besides the typed ones.
     const auto &stats = h->Statistics();
     QCOMPARE(stats.BlocksChecked - stats.Immediate, stats.Slices);
-    QVERIFY(stats.Slices >= s.editor->document()->blockCount() - 1);
-    QVERIFY(stats.Slices <= s.editor->document()->blockCount() + 1);
+    QVERIFY(qAbs(stats.Slices - s.editor->document()->blockCount()) <= 1);
+
+    // Typing later checks the edited paragraph alone, once per key.
+    h->ResetStatistics();
+    QTextCursor c(s.editor->document()->findBlockByNumber(200));
+    c.movePosition(QTextCursor::EndOfBlock);
+    s.editor->setTextCursor(c);
+    Type(s.editor, QStringLiteral(" bolesit"));
+    QCOMPARE(h->Statistics().BlocksChecked, 8);
+    QVERIFY(!h->IsPending());
+    QTest::keyClick(s.editor, Qt::Key_Return);
+    QCOMPARE(h->Statistics().BlocksChecked, 10); // both halves
+    QCOMPARE(Underlined(s.editor), (QStringList{"bolesit", "bolesit", "pacinet"}));
 }
 
 void TestSpellChecker::contextMenuOffersCorrections()
 {
     REQUIRE_DICTIONARY();
     Shown s;
-    Type(s.editor, QStringLiteral("Pacient udává bolesit v podžebří."));
+    Type(s.editor, QStringLiteral("Pacient udává "));
+    s.editor->SetFontStyle(afsBold);
+    Type(s.editor, QStringLiteral("bolesit"));
+    s.editor->SetFontStyle(afsUnBold);
+    Type(s.editor, QStringLiteral(" v podžebří."));
+    const int typedSteps = s.editor->document()->availableUndoSteps();
     QSignalSpy popup(s.editor, &TOxaRichView::OnPopup);
-    QMenu *menu = RightClickAt(s.editor, PointOfWord(s.editor, QStringLiteral("bolesit")));
+    QMenu *menu = RightClickOn(s.editor, QStringLiteral("bolesit"));
     QVERIFY(menu);
     QCOMPARE(popup.count(), 1);
     const QStringList captions = Captions(menu);
-    const int add = int(captions.indexOf(QStringLiteral("Přidat do slovníku")));
+    const int add = int(captions.indexOf(kAddWord));
     QVERIFY2(add >= 2 && add <= 5, qPrintable(captions.join(u'|')));
     QVERIFY(captions.mid(0, add).contains(QStringLiteral("bolesti")));
     QCOMPARE(captions.value(add + 1), QStringLiteral("-"));
     QVERIFY(captions.size() > add + 3); // the standard items follow
-    QTest::mouseClick(
-        menu, Qt::LeftButton, {},
-        menu->actionGeometry(menu->actions().at(int(captions.indexOf(QStringLiteral("bolesti")))))
-            .center());
-    QCOMPARE(AllText(*s.editor), QStringLiteral("Pacient udává bolesti v podžebří."));
-    QCOMPARE(Underlined(s.editor->document()), QStringList());
+    // The correction keeps the word's format and is one undo step.
+    ClickItem(menu, QStringLiteral("bolesti"));
+    QCOMPARE(GetFormatedText(s.editor, 0, 1, s.editor->ItemCount() - 1, 100),
+             QStringLiteral("Pacient udává <b>bolesti</b> v podžebří."));
+    QCOMPARE(Underlined(s.editor), QStringList());
+    QCOMPARE(s.editor->UndoAction(), int(utTyping));
+    QVERIFY(s.editor->document()->availableUndoSteps() > typedSteps);
+    QTest::keyClick(s.editor, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(AllText(s.editor), QStringLiteral("Pacient udává bolesit v podžebří."));
+    QCOMPARE(Underlined(s.editor), QStringList{"bolesit"});
+    s.editor->Redo(); // from the host: checked in the background
+    QCOMPARE(AllText(s.editor), QStringLiteral("Pacient udává bolesti v podžebří."));
+    QVERIFY(WaitChecked(s.editor));
+    QCOMPARE(Underlined(s.editor), QStringList());
 
     // A correct word gets the standard menu only; so does an editor with checking off.
-    menu = RightClickAt(s.editor, PointOfWord(s.editor, QStringLiteral("udává")));
+    menu = RightClickOn(s.editor, QStringLiteral("udává"));
     QVERIFY(menu);
-    QVERIFY(!Captions(menu).contains(QStringLiteral("Přidat do slovníku")));
+    QVERIFY(!Captions(menu).contains(kAddWord));
     menu->close();
     QMenu host;
     host.addAction(QStringLiteral("Vložit"));
@@ -548,43 +513,7 @@ void TestSpellChecker::contextMenuOffersCorrections()
     // A host's own menu gets the same actions on top of its items.
     const int added = s.editor->AddSpellingActions(&host, wrong);
     QVERIFY(added >= 2 && added <= 6);
-    QCOMPARE(Captions(&host).value(added - 1), QStringLiteral("Přidat do slovníku"));
-    QCOMPARE(Captions(&host).mid(added),
-             (QStringList{QStringLiteral("-"), QStringLiteral("Vložit")}));
-}
-
-void TestSpellChecker::chosenCorrectionIsOneUndoStep()
-{
-    REQUIRE_DICTIONARY();
-    Shown s;
-    Type(s.editor, QStringLiteral("Stav po "));
-    s.editor->SetFontStyle(afsBold);
-    Type(s.editor, QStringLiteral("opraci"));
-    s.editor->SetFontStyle(afsUnBold);
-    Type(s.editor, QStringLiteral(" kyčle."));
-    const int typedSteps = s.editor->document()->availableUndoSteps();
-    QMenu menu;
-    QVERIFY(s.editor->AddSpellingActions(&menu, PointOfWord(s.editor, QStringLiteral("opraci"))) >
-            1);
-    QAction *operace = nullptr;
-    for (QAction *a : menu.actions()) {
-        if (a->text() == QStringLiteral("operaci"))
-            operace = a;
-    }
-    QVERIFY2(operace, qPrintable(Captions(&menu).join(u'|')));
-    operace->trigger();
-    QCOMPARE(AllText(*s.editor), QStringLiteral("Stav po operaci kyčle."));
-    QCOMPARE(GetFormatedText(s.editor, 0, 1, s.editor->ItemCount() - 1, 100),
-             QStringLiteral("Stav po <b>operaci</b> kyčle."));
-    QCOMPARE(s.editor->UndoAction(), int(utTyping));
-    QVERIFY(s.editor->document()->availableUndoSteps() > typedSteps);
-    QTest::keyClick(s.editor, Qt::Key_Z, Qt::ControlModifier);
-    QCOMPARE(AllText(*s.editor), QStringLiteral("Stav po opraci kyčle."));
-    QCOMPARE(Underlined(s.editor->document()), QStringList{QStringLiteral("opraci")});
-    s.editor->Redo(); // from the host: checked in the background
-    QCOMPARE(AllText(*s.editor), QStringLiteral("Stav po operaci kyčle."));
-    QVERIFY(WaitChecked(s.editor));
-    QCOMPARE(Underlined(s.editor->document()), QStringList());
+    QCOMPARE(Captions(&host).mid(added - 1), (QStringList{kAddWord, "-", "Vložit"}));
 }
 
 void TestSpellChecker::addedWordIsKnownInEveryEditor()
@@ -594,32 +523,26 @@ void TestSpellChecker::addedWordIsKnownInEveryEditor()
     TOxaRichView other;
     SetFormatedText(&other, QStringLiteral("Stav eupnoe, afebrilní."));
     QVERIFY(WaitChecked(&other));
-    QCOMPARE(Underlined(other.document()).size(), 2);
+    QCOMPARE(Underlined(&other).size(), 2);
     Type(s.editor, QStringLiteral("Pacient eupnoe."));
     QSignalSpy added(s.editor, &TOxaRichView::personalWordAdded);
     QSignalSpy shared(SpellChecker::Shared(), &SpellChecker::PersonalWordAdded);
-    QMenu *menu = RightClickAt(s.editor, PointOfWord(s.editor, QStringLiteral("eupnoe")));
-    QVERIFY(menu);
-    const QStringList captions = Captions(menu);
-    QTest::mouseClick(menu, Qt::LeftButton, {},
-                      menu->actionGeometry(menu->actions().at(int(captions.indexOf(
-                                               QStringLiteral("Přidat do slovníku")))))
-                          .center());
+    ClickItem(RightClickOn(s.editor, QStringLiteral("eupnoe")), kAddWord);
     QCOMPARE(added.count(), 1);
     QCOMPARE(added.first().first().toString(), QStringLiteral("eupnoe"));
     QCOMPARE(shared.count(), 1);
-    QCOMPARE(s.editor->PersonalWords(), QStringList{QStringLiteral("eupnoe")});
+    QCOMPARE(s.editor->PersonalWords(), QStringList{"eupnoe"});
     QVERIFY(WaitChecked(s.editor));
     QVERIFY(WaitChecked(&other));
-    QCOMPARE(Underlined(s.editor->document()), QStringList());
-    QCOMPARE(Underlined(other.document()), QStringList{QStringLiteral("afebrilní")});
+    QCOMPARE(Underlined(s.editor), QStringList());
+    QCOMPARE(Underlined(&other), QStringList{"afebrilní"});
 
     // The host restores its stored list; a word no longer in it is flagged again.
     other.SetPersonalWords({QStringLiteral("afebrilní")});
     QVERIFY(WaitChecked(s.editor));
     QVERIFY(WaitChecked(&other));
-    QCOMPARE(Underlined(s.editor->document()), QStringList{QStringLiteral("eupnoe")});
-    QCOMPARE(Underlined(other.document()), QStringList{QStringLiteral("eupnoe")});
+    QCOMPARE(Underlined(s.editor), QStringList{"eupnoe"});
+    QCOMPARE(Underlined(&other), QStringList{"eupnoe"});
 }
 
 QTEST_MAIN(TestSpellChecker)
