@@ -1,14 +1,11 @@
-#include "oxa/richtext/OxaRichView.h"
 #include "oxa/richtext/Oxarichview_ftfunc.h"
 #include "oxa/richtext/RichClipboard.h"
-#include "support/TestSupport.h"
+#include "richtext/RichTestSupport.h"
 
-#include <QApplication>
 #include <QClipboard>
 #include <QDialog>
 #include <QMimeData>
 #include <QSignalSpy>
-#include <QTest>
 #include <QTextTable>
 #include <QVBoxLayout>
 
@@ -16,20 +13,6 @@ using namespace oxa;
 using namespace oxa::test;
 
 namespace {
-
-// A shown editor in a window of its own, with the focus.
-struct Shown
-{
-    TestForm form;
-    TOxaRichView *editor = nullptr;
-    Shown()
-    {
-        form.resize(400, 300);
-        editor = form.Add<TOxaRichView>(200);
-        editor->resize(380, 200);
-        form.Show(editor);
-    }
-};
 
 QString AllText(const TOxaRichView &e)
 {
@@ -63,7 +46,7 @@ private Q_SLOTS:
 
 void TestOxaRichView::stuckKeyGuard()
 {
-    Shown s;
+    EditorWindow s(380, 200);
     MessageRecorder messages;
     for (int i = 0; i < 51; ++i)
         QTest::keyClick(s.editor, Qt::Key_A);
@@ -114,7 +97,7 @@ void TestOxaRichView::formattingShortcuts()
     QFETCH(int, key);
     QFETCH(int, modifiers);
     QFETCH(QString, tagged);
-    Shown s;
+    EditorWindow s(380, 200);
     QTest::keyClick(s.editor, Qt::Key_A);
     QTest::keyClick(s.editor, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
     QTest::keyClick(s.editor, Qt::Key_B);
@@ -125,7 +108,7 @@ void TestOxaRichView::formattingShortcuts()
 
 void TestOxaRichView::pageKeysAtTheEdges()
 {
-    Shown s;
+    EditorWindow s(380, 200);
     s.editor->InsertText(QStringLiteral("first\r\nsecond\r\nthird"));
     auto converted = [&](Word key) {
         s.editor->KeyDown(key, {});
@@ -146,7 +129,7 @@ void TestOxaRichView::pageKeysAtTheEdges()
 
 void TestOxaRichView::insertTogglesOverwrite()
 {
-    Shown s;
+    EditorWindow s(380, 200);
     QSignalSpy changed(s.editor, &TOxaRichView::OnChangeInserting);
     s.editor->InsertText(QStringLiteral("abc"));
     s.editor->CaretToBegin();
@@ -177,7 +160,7 @@ void TestOxaRichView::escapeReachesTheDialog()
 
 void TestOxaRichView::undoTypesOfEdits()
 {
-    Shown s;
+    EditorWindow s(380, 200);
     TOxaRichView &e = *s.editor;
     QCOMPARE(e.UndoAction(), int(utNone));
     QTest::keyClicks(&e, QStringLiteral("abc"));
@@ -212,7 +195,7 @@ void TestOxaRichView::undoTypesOfEdits()
 
 void TestOxaRichView::insertedTable()
 {
-    Shown s;
+    EditorWindow s(380, 200);
     TOxaRichView &e = *s.editor;
     QTest::keyClicks(&e, QStringLiteral("pred"));
     QVERIFY(e.InsTable({3, 2, 400, clRed, 2}));
@@ -257,7 +240,7 @@ void TestOxaRichView::getTextJoinsParagraphsWithCrLf()
 
 void TestOxaRichView::linksAreActivated()
 {
-    Shown s;
+    EditorWindow s(380, 200);
     TOxaRichView &e = *s.editor;
     QSignalSpy jumps(&e, &TOxaRichView::OnTextJump);
     SetFormatedText(&e, QStringLiteral("text <a=42>odkaz</a> dál"));
@@ -278,7 +261,7 @@ void TestOxaRichView::linksAreActivated()
 
 void TestOxaRichView::autoSizeFollowsTheContent()
 {
-    Shown s;
+    EditorWindow s(380, 200);
     TOxaRichView &e = *s.editor;
     QSignalSpy heights(&e, &TOxaRichView::OnChangeHeight);
     e.SetMinimalHeight(40);
@@ -389,7 +372,7 @@ void TestOxaRichView::pastedHtmlMapsOntoTheStyleSheet()
 
 void TestOxaRichView::caretHelpers()
 {
-    Shown s;
+    EditorWindow s(380, 200);
     TOxaRichView &e = *s.editor;
     e.InsertText(QStringLiteral("one\r\ntwo"));
     e.CaretToBegin();
