@@ -72,6 +72,17 @@ struct Dialog
         return tables;
     }
     QTextTable *Table() const { return Tables().value(0); }
+    // The preview's one table as "columns x rows, width, border width and colour".
+    QString TableText() const
+    {
+        if (Tables().size() != 1)
+            return QStringLiteral("%1 tables").arg(Tables().size());
+        const TRVTableProps p = RichDocument::TableProps(Table());
+        return QStringLiteral("%1x%2 w%3 b%4 c%5")
+            .arg(QString::number(Table()->columns()), QString::number(Table()->rows()),
+                 QString::number(p.BestWidth), QString::number(p.CellBorderWidth),
+                 QString::number(p.CellBorderColor));
+    }
 };
 
 constexpr int kRed = 9;   // "červená" in the picker's palette
@@ -117,26 +128,17 @@ void TestDlgTableCreate::designTimeValues()
     QVERIFY(!d.Control("Label5")->isVisible());
     QVERIFY(!d.Control("RVColorCombo_Bunka")->isVisible());
 
-    // The limits and steps are pressed against in upDownLimits.
-    const QList<QPair<const char *, const char *>> upDowns = {
-        {"udCols", "eCols"},
-        {"udRows", "eRows"},
-        {"udWidth", "eWidth"},
-        {"UpDown_BorderWidth", "Edit_BorderWidth"}};
+    // Limits, steps and the edits' links are pressed against in upDownLimits.
     QStringList texts;
-    for (const auto &[upDown, edit] : upDowns) {
+    for (const char *edit : {"eCols", "eRows", "eWidth", "Edit_BorderWidth"})
         texts << d.Edit(edit)->text();
-        QCOMPARE(d.UpDown(upDown)->Associate(), d.Edit(edit));
-    }
     QCOMPARE(texts, QStringList({"1", "1", "0", "1"}));
     QVERIFY(d.Edit("eCols")->hasFocus());
     QCOMPARE(d.Control<QComboBox>("RVColorCombo_Border")->currentText(), QStringLiteral("černá"));
 
     // The preview shows a table of one cell in its own style sheet.
-    QTextTable *table = d.Table();
-    QVERIFY(table);
-    QCOMPARE(table->rows(), 1);
-    QCOMPARE(table->columns(), 1);
+    QVERIFY(d.Table());
+    QCOMPARE(d.Table()->rows() * d.Table()->columns(), 1);
     QStringList names;
     for (const TFontInfo &font : d.dlg->Preview()->Style().TextStyles)
         names << font.StyleName;
@@ -199,28 +201,20 @@ void TestDlgTableCreate::previewFollowsTheControls()
     d.Type("eCols", QStringLiteral("4"));
     d.Press("udRows", true, 2);
     d.Press("udWidth", true, 3);
-    QTextTable *table = d.Table();
-    QVERIFY(table);
-    QCOMPARE(table->columns(), 4);
-    QCOMPARE(table->rows(), 3);
-    QCOMPARE(RichDocument::TableProps(table).BestWidth, 150);
+    QCOMPARE(d.TableText(), QStringLiteral("4x3 w150 b1 c0"));
     QCOMPARE(d.Auto(), QStringLiteral("px"));
-    QCOMPARE(d.Tables().size(), 1);
 
     // Colour and border width change the table that is there.
+    QTextTable *table = d.Table();
     d.ChooseBorderColour(kRed);
     QCOMPARE(d.Table(), table);
-    QCOMPARE(RichDocument::TableProps(table).CellBorderColor, clRed);
     d.Type("Edit_BorderWidth", QStringLiteral("3"));
     QCOMPARE(d.Table(), table);
-    QCOMPARE(RichDocument::TableProps(table).CellBorderWidth, 3);
-    QCOMPARE(table->columns(), 4);
+    QCOMPARE(d.TableText(), QStringLiteral("4x3 w150 b3 c255"));
 
     // A typed number beyond the limit makes the largest table.
     d.Type("eCols", QStringLiteral("70"));
-    QCOMPARE(d.Table()->columns(), 50);
-    QCOMPARE(RichDocument::TableProps(d.Table()).CellBorderColor, clRed);
-    QCOMPARE(RichDocument::TableProps(d.Table()).CellBorderWidth, 3);
+    QCOMPARE(d.TableText(), QStringLiteral("50x3 w150 b3 c255"));
 }
 
 void TestDlgTableCreate::nonIntegerBorderWidthFails()
@@ -228,26 +222,24 @@ void TestDlgTableCreate::nonIntegerBorderWidthFails()
     MessageRecorder messages;
     Dialog d;
     QTextTable *table = d.Table();
+    const QStringList error{QStringLiteral("'2x' není platné celé číslo")};
     d.Type("Edit_BorderWidth", QStringLiteral("2x"));
-    QCOMPARE(messages.Texts(), QStringList{QStringLiteral("'2x' není platné celé číslo")});
+    QCOMPARE(messages.Texts(), error);
     QCOMPARE(messages.Shown().first().Type, mtError);
-    QVERIFY(d.dlg->isVisible());
     QCOMPARE(d.Table(), table);
     QVERIFY(d.dlg->Preview()->updatesEnabled());
 
     // Rebuilding fails the same way until the width is a number again.
     messages.Clear();
     d.Press("udCols", true);
-    QCOMPARE(messages.Texts(), QStringList{QStringLiteral("'2x' není platné celé číslo")});
+    QCOMPARE(messages.Texts(), error);
     QVERIFY(d.dlg->Preview()->updatesEnabled());
-    QVERIFY(d.Tables().isEmpty()); // cleared, then the rebuild failed
+    QCOMPARE(d.TableText(), QStringLiteral("0 tables")); // cleared, then the rebuild failed
     d.Type("Edit_BorderWidth", QStringLiteral("$A"));
     QCOMPARE(messages.Texts().size(), 2); // "$" alone is no number yet
     d.Press("udCols", true);
     QCOMPARE(messages.Texts().size(), 2);
-    QVERIFY(d.Table());
-    QCOMPARE(d.Table()->columns(), 3);
-    QCOMPARE(RichDocument::TableProps(d.Table()).CellBorderWidth, 10);
+    QCOMPARE(d.TableText(), QStringLiteral("3x1 w0 b10 c0"));
     QVERIFY(d.dlg->isVisible());
 }
 
