@@ -60,7 +60,6 @@ private Q_SLOTS:
     void roundTrip();
     void isPlainText_data();
     void isPlainText();
-    void rangeStartingAParagraphBeginsWithCrLf();
     void linkRunningToTheEndIsNotClosed();
     void clippedRanges_data();
     void clippedRanges();
@@ -191,15 +190,6 @@ void TestFtFunc::isPlainText()
     QCOMPARE(IsPlainText(text), plain);
 }
 
-void TestFtFunc::rangeStartingAParagraphBeginsWithCrLf()
-{
-    TOxaRichView e;
-    SetFormatedText(&e, QStringLiteral("one\r\ntwo\r\nthree"));
-    QCOMPARE(e.ItemCount(), 3);
-    QCOMPARE(GetFormatedText(&e, 1, 1, 2, 6), QStringLiteral("\r\ntwo\r\nthree"));
-    QCOMPARE(GetFormatedText(&e, 0, 1, 0, 4), QStringLiteral("one"));
-}
-
 void TestFtFunc::linkRunningToTheEndIsNotClosed()
 {
     TOxaRichView e;
@@ -210,28 +200,35 @@ void TestFtFunc::linkRunningToTheEndIsNotClosed()
 
 void TestFtFunc::clippedRanges_data()
 {
+    QTest::addColumn<QString>("tagged");
     QTest::addColumn<int>("itemStart");
     QTest::addColumn<int>("offsetStart");
     QTest::addColumn<int>("itemStop");
     QTest::addColumn<int>("offsetStop");
     QTest::addColumn<QString>("written");
-    // Items: "abcdef" then bold "ghij".
-    QTest::newRow("inside one item") << 0 << 2 << 0 << 5 << "bcd";
-    QTest::newRow("from the start of one item") << 0 << 1 << 0 << 3 << "ab";
-    QTest::newRow("across two items") << 0 << 5 << 1 << 3 << "ef<b>gh</b>";
-    QTest::newRow("stop offset 1 keeps nothing") << 0 << 0 << 1 << 1 << "abcdef<b></b>";
-    QTest::newRow("zero offsets take whole items") << 0 << 0 << 1 << 0 << "abcdef<b>ghij</b>";
+    const QString runs = QStringLiteral("abcdef<b>ghij");
+    QTest::newRow("inside one item") << runs << 0 << 2 << 0 << 5 << "bcd";
+    QTest::newRow("from the start of one item") << runs << 0 << 1 << 0 << 3 << "ab";
+    QTest::newRow("across two items") << runs << 0 << 5 << 1 << 3 << "ef<b>gh</b>";
+    QTest::newRow("stop offset 1 keeps nothing") << runs << 0 << 0 << 1 << 1 << "abcdef<b></b>";
+    QTest::newRow("zero offsets take whole items")
+        << runs << 0 << 0 << 1 << 0 << "abcdef<b>ghij</b>";
+    const QString paragraphs = QStringLiteral("one\r\ntwo\r\nthree");
+    QTest::newRow("a range starting a paragraph begins with CR LF")
+        << paragraphs << 1 << 1 << 2 << 6 << "\r\ntwo\r\nthree";
+    QTest::newRow("first paragraph alone") << paragraphs << 0 << 1 << 0 << 4 << "one";
 }
 
 void TestFtFunc::clippedRanges()
 {
+    QFETCH(QString, tagged);
     QFETCH(int, itemStart);
     QFETCH(int, offsetStart);
     QFETCH(int, itemStop);
     QFETCH(int, offsetStop);
     QFETCH(QString, written);
     TOxaRichView e;
-    SetFormatedText(&e, QStringLiteral("abcdef<b>ghij"));
+    SetFormatedText(&e, tagged);
     QCOMPARE(GetFormatedText(&e, itemStart, offsetStart, itemStop, offsetStop), written);
 }
 
