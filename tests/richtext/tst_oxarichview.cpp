@@ -203,15 +203,12 @@ void TestOxaRichView::insertedTable()
     const int table = 1;
     QCOMPARE(e.GetItemStyle(table), rvsTableItem);
     QTextTable *t = e.RVData()->GetItemTable(table);
-    QCOMPARE(t->columns(), 3);
-    QCOMPARE(t->rows(), 2);
     QCOMPARE(RichDocument::TableName(t), QStringLiteral("tabulka"));
     const TRVTableProps p = RichDocument::TableProps(t);
-    QCOMPARE(p.BestWidth, 400);
-    QCOMPARE(p.CellBorderColor, clRed);
-    QCOMPARE(p.CellBorderWidth, 2);
-    QCOMPARE(p.CellBorderStyle, 2);
-    QCOMPARE(p.BorderWidth, 0);
+    // Columns, rows, width, cell border colour, width and style, table border.
+    QCOMPARE(QList<qint64>({t->columns(), t->rows(), p.BestWidth, p.CellBorderColor,
+                            p.CellBorderWidth, p.CellBorderStyle, p.BorderWidth}),
+             QList<qint64>({3, 2, 400, clRed, 2, 2, 0}));
     QCOMPARE(e.GetAllItemText(table), QStringLiteral("A1\t\t\r\n\t\t"));
     e.SetTableColor(clYellow);
     QCOMPARE(RichDocument::CellColor(t, 0, 0), clYellow);

@@ -132,10 +132,7 @@ void TestSpellChecker::charsetsConvertBothWays_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QByteArray>("bytes"); // empty: the text is not encodable
 
-    QTest::newRow("UTF-8") << QByteArray("UTF-8") << "Žluťoučký kůň"
-                           << QStringLiteral("Žluťoučký kůň").toUtf8();
-    QTest::newRow("ISO8859-2") << QByteArray("ISO8859-2") << "Žluťoučký kůň"
-                               << QByteArray("\xAElu\xBBou\xE8k\xFD k\xF9\xF2");
+    // UTF-8 is the installed dictionary's set, ISO 8859-2 the own dictionary's below.
     QTest::newRow("iso-8859-2 spelt otherwise")
         << QByteArray("iso-8859-2") << "ř" << QByteArray("\xF8");
     QTest::newRow("cp1250") << QByteArray("microsoft-cp1250") << "Šťáva"
@@ -322,12 +319,8 @@ void TestSpellChecker::underlinesArePaintedOnly()
         }
     };
     QVERIFY(WaitChecked(e));
-    QCOMPARE(Underlined(e).size(), 3);
+    QCOMPARE(Underlined(e), (QStringList{"Pacinet", "bolesit", "Teplotta"}));
     QVERIFY(RedPixels(e) > 10);
-    unchanged();
-    SpellChecker::Shared()->SetPersonalWords({QStringLiteral("pacinet")});
-    QVERIFY(WaitChecked(e));
-    QCOMPARE(Underlined(e), (QStringList{"bolesit", "Teplotta"}));
     unchanged();
 
     e->setProperty("SpellCheck", false);
@@ -343,7 +336,7 @@ void TestSpellChecker::underlinesArePaintedOnly()
     e->SetSpellCheck(true);
     QCOMPARE(changed.count(), 2);
     QVERIFY(WaitChecked(e));
-    QCOMPARE(Underlined(e), (QStringList{"bolesit", "Teplotta", "zhorseni"}));
+    QCOMPARE(Underlined(e), (QStringList{"Pacinet", "bolesit", "Teplotta", "zhorseni"}));
 }
 
 void TestSpellChecker::longDocumentIsCheckedInTheBackground()
