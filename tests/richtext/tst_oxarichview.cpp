@@ -29,19 +29,17 @@ private Q_SLOTS:
     void stuckKeyGuard();
     void formattingShortcuts_data();
     void formattingShortcuts();
-    void pageKeysAtTheEdges();
+    void caretAtTheEdges();
     void insertTogglesOverwrite();
     void escapeReachesTheDialog();
     void undoTypesOfEdits();
     void insertedTable();
-    void getTextJoinsParagraphsWithCrLf();
     void linksAreActivated();
     void autoSizeFollowsTheContent();
     void itemsAndPositions();
     void deleteUnusedStylesRenumbers();
     void copyBetweenEditorsKeepsStyles();
     void pastedHtmlMapsOntoTheStyleSheet();
-    void caretHelpers();
 };
 
 void TestOxaRichView::stuckKeyGuard()
@@ -106,18 +104,26 @@ void TestOxaRichView::formattingShortcuts()
              tagged);
 }
 
-void TestOxaRichView::pageKeysAtTheEdges()
+// The caret helpers, and the page keys that move like arrows in the first
+// and the last line.
+void TestOxaRichView::caretAtTheEdges()
 {
     EditorWindow s(380, 200);
-    s.editor->InsertText(QStringLiteral("first\r\nsecond\r\nthird"));
+    TOxaRichView &e = *s.editor;
+    e.InsertText(QStringLiteral("first\r\nsecond\r\nthird"));
     auto converted = [&](Word key) {
-        s.editor->KeyDown(key, {});
+        e.KeyDown(key, {});
         return key;
     };
-    s.editor->CaretToEnd();
+    e.CaretToEnd();
+    QVERIFY(e.IsCaretInEnd() && e.IsCaretInLastLine() && !e.IsCaretInFirstLine());
     QCOMPARE(converted(VK_NEXT), VK_DOWN);
     QCOMPARE(converted(VK_PRIOR), VK_PRIOR);
-    s.editor->CaretToBegin();
+    QVERIFY(e.GetCaretY() > 0);
+    QCOMPARE(e.GetCaretHeight(), e.fontMetrics().height());
+    QVERIFY(e.TryFocus());
+    e.CaretToBegin();
+    QVERIFY(e.IsCaretInBegin() && e.IsCaretInFirstLine() && !e.IsCaretInLastLine());
     QCOMPARE(converted(VK_PRIOR), VK_UP);
     QCOMPARE(converted(VK_NEXT), VK_NEXT);
     // PageDown in the last line moves like Down: the caret stays in that line.
@@ -225,16 +231,6 @@ void TestOxaRichView::insertedTable()
     QCOMPARE(e.GetText(0, e.ItemCount() - 1), QStringLiteral("pred"));
 }
 
-void TestOxaRichView::getTextJoinsParagraphsWithCrLf()
-{
-    TOxaRichView e;
-    SetFormatedText(&e, QStringLiteral("a<b>b</b>\r\nc\r\n\r\nd"));
-    QCOMPARE(e.GetText(0, 4), QStringLiteral("ab\r\nc\r\n\r\nd"));
-    QCOMPARE(e.GetText(2, 3), QStringLiteral("c\r\n"));
-    QCOMPARE(e.GetText(1, 1), QStringLiteral("b"));
-    QCOMPARE(e.GetText(7, 9), QString());
-}
-
 void TestOxaRichView::linksAreActivated()
 {
     EditorWindow s(380, 200);
@@ -278,6 +274,10 @@ void TestOxaRichView::itemsAndPositions()
     TOxaRichView e;
     SetFormatedText(&e, QStringLiteral("ab<b>cd</b>\r\n\r\nef"));
     QCOMPARE(e.ItemCount(), 4);
+    // Paragraphs are joined with CR LF; a range outside the items is empty.
+    QCOMPARE(e.GetText(0, 3), QStringLiteral("abcd\r\n\r\nef"));
+    QCOMPARE(e.GetText(1, 2), QStringLiteral("cd\r\n"));
+    QCOMPARE(e.GetText(7, 9), QString());
     const QList<TCursorPos> positions{{0, 1}, {0, 2}, {0, 3}, {1, 2},
                                       {1, 3}, {2, 1}, {3, 1}, {3, 3}};
     for (const TCursorPos &pos : positions) {
@@ -365,26 +365,6 @@ void TestOxaRichView::pastedHtmlMapsOntoTheStyleSheet()
     QCOMPARE(e.GetItemText(e.ItemCount() - 1), QStringLiteral("q"));
     QCOMPARE(e.Style().TextStyle(e.GetItemStyle(e.ItemCount() - 1)).Style, TFontStyles());
     QCOMPARE(e.UndoAction(), int(utInserting));
-}
-
-void TestOxaRichView::caretHelpers()
-{
-    EditorWindow s(380, 200);
-    TOxaRichView &e = *s.editor;
-    e.InsertText(QStringLiteral("one\r\ntwo"));
-    e.CaretToBegin();
-    QVERIFY(e.IsCaretInBegin());
-    QVERIFY(e.IsCaretInFirstLine());
-    QVERIFY(!e.IsCaretInLastLine());
-    e.CaretToEnd();
-    QVERIFY(e.IsCaretInEnd());
-    QVERIFY(e.IsCaretInLastLine());
-    QCOMPARE(e.GetCaretHeight(), e.fontMetrics().height());
-    QVERIFY(e.GetCaretY() > 0);
-    QVERIFY(e.TryFocus());
-    QVERIFY(!e.IsEmpty());
-    e.Clear();
-    QVERIFY(e.IsEmpty());
 }
 
 QTEST_MAIN(TestOxaRichView)
