@@ -349,11 +349,8 @@ void TestOxaRichView::pastedHtmlMapsOntoTheStyleSheet()
     QTextCursor c = e.textCursor();
     RichClipboard::Paste(*e.RVData(), c, &mime);
     const TFontInfo &a = e.Style().TextStyle(e.GetItemStyle(0));
-    QCOMPARE(e.GetItemText(0), QStringLiteral("A"));
-    QCOMPARE(a.FontName, QStringLiteral("Courier New"));
-    QCOMPARE(a.Size, 14);
-    QCOMPARE(a.Color, clRed);
-    QCOMPARE(a.Style, TFontStyles(fsBold));
+    QCOMPARE(QVariantList({e.GetItemText(0), a.FontName, a.Size, a.Color, a.Style.toInt()}),
+             QVariantList({"A", "Courier New", 14, clRed, int(fsBold)}));
     QCOMPARE(e.Style().ParaStyle(e.GetItemPara(0)).Alignment, rvaCenter);
     QCOMPARE(e.GetItemStyle(2), rvsTableItem);
     auto *text = new QMimeData;

@@ -252,19 +252,15 @@ void TestStream::malformedHeaderNumbersTakeDefaults()
     e.LoadOxaRVFFromString("1 " + QByteArray::number(header.size()) + "|" + header + body);
     const TRVStyle &s = e.Style();
     QCOMPARE(s.TextStyles.size(), 5);
-    QCOMPARE(s.TextStyles[3].Color, clRed);
-    QCOMPARE(s.TextStyles[3].Size, 10);
-    QCOMPARE(s.TextStyles[3].Style, TFontStyles());
-    QCOMPARE(s.TextStyles[3].FontName, QStringLiteral("Arial"));
-    QCOMPARE(s.TextStyles[4].BackColor, TColor(0x00FF0000));
-    QCOMPARE(s.TextStyles[4].Style, TFontStyles(fsBold | fsUnderline));
-    QCOMPARE(s.TextStyles[4].FontName, QStringLiteral("Cou rier"));
     QCOMPARE(s.ParaStyles.size(), 4);
-    QCOMPARE(s.ParaStyles[2].LineSpacing, 100);
-    QCOMPARE(s.ParaStyles[2].FirstIndent, 0);
-    QCOMPARE(s.ParaStyles[3].SpaceAfter, 4);
-    QCOMPARE(s.ParaStyles[3].Alignment, rvaCenter);
-    QVERIFY(!s.TextStyles[3].Standard);
+    const TFontInfo &t3 = s.TextStyles[3], &t4 = s.TextStyles[4];
+    QCOMPARE(QVariantList({t3.Color, t3.Size, t3.Style.toInt(), t3.FontName, t3.Standard}),
+             QVariantList({clRed, 10, 0, "Arial", false}));
+    QCOMPARE(QVariantList({t4.BackColor, t4.Style.toInt(), t4.FontName}),
+             QVariantList({0x00FF0000u, int(fsBold | fsUnderline), "Cou rier"}));
+    const TParaInfo &p2 = s.ParaStyles[2], &p3 = s.ParaStyles[3];
+    QCOMPARE(QVariantList({p2.LineSpacing, p2.FirstIndent, p3.SpaceAfter, int(p3.Alignment)}),
+             QVariantList({100, 0, 4, int(rvaCenter)}));
 }
 
 void TestStream::saveFontNameIsNotMarked()
