@@ -118,13 +118,7 @@ private Q_SLOTS:
     void everyCharacterFitsItsCell()
     {
         QFETCH(int, points);
-        const QFont original = QApplication::font();
-        const auto restoreFont = qScopeGuard([&original] { QApplication::setFont(original); });
-        if (points > 0) {
-            QFont font = original;
-            font.setPointSize(points);
-            QApplication::setFont(font);
-        }
+        const test::ApplicationFontScope font(points);
 
         TMapaZnaku form;
         QVERIFY(test::ShowAndActivate(&form));

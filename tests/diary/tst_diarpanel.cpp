@@ -746,13 +746,7 @@ void TestDiarPanel::timeColumnHoldsTheTimes()
 {
     QFETCH(int, points);
     QFETCH(int, size);
-    const QFont original = QApplication::font();
-    const auto restoreFont = qScopeGuard([&original] { QApplication::setFont(original); });
-    if (points > 0) {
-        QFont font = original;
-        font.setPointSize(points);
-        QApplication::setFont(font);
-    }
+    const test::ApplicationFontScope font(points);
 
     TDiarPanel panel;
     panel.resize(1600, 900);

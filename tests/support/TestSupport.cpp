@@ -77,6 +77,20 @@ bool TestForm::Show(QWidget *focus, Qt::FocusReason reason)
     return !focus || focus->hasFocus();
 }
 
+ApplicationFontScope::ApplicationFontScope(int points) : m_original(QApplication::font())
+{
+    if (points <= 0)
+        return;
+    QFont font = m_original;
+    font.setPointSize(points);
+    QApplication::setFont(font);
+}
+
+ApplicationFontScope::~ApplicationFontScope()
+{
+    QApplication::setFont(m_original);
+}
+
 bool WaitFor(const std::function<bool()> &done, int timeoutMs)
 {
     QEventLoop loop;

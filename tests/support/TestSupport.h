@@ -2,6 +2,7 @@
 
 #include "oxa/toolkit/MessageService.h"
 
+#include <QFont>
 #include <QList>
 #include <QMenu>
 #include <QString>
@@ -53,6 +54,20 @@ bool ShowAndActivate(QWidget *window);
 // opened. When an item is named, also clicks the menu's first item whose text
 // starts with it, and returns null when there is none.
 QMenu *RightClick(QWidget *widget, const QString &item = QString());
+
+// The application's font at a point size (0 keeps it) until the object
+// goes; widgets made meanwhile take it, as they would in a host.
+class ApplicationFontScope
+{
+public:
+    explicit ApplicationFontScope(int points);
+    ~ApplicationFontScope();
+    ApplicationFontScope(const ApplicationFontScope &) = delete;
+    ApplicationFontScope &operator=(const ApplicationFontScope &) = delete;
+
+private:
+    QFont m_original;
+};
 
 // A top-level window for the widgets of a test. Add places each new widget
 // below the previous one (200 pixels wide); Show shows and activates the
