@@ -236,6 +236,7 @@ void TestSpellChecker::typedMistakesAreUnderlined_data()
     row("capital at the start", "Teplotta 38,5 °C, tlak 120/80 mmHg.", {"Teplotta"}, "Teplota");
     row("swapped letters", "Kontrola za týden, pacinet poučen.", {"pacinet"}, "pacient");
     row("table cell", "hodnotta v normě", {"hodnotta"}, "", true);
+    row("the word at the caret is still being typed", "Pacient udává bolesit", {});
     // Words that are never flagged.
     row("short capitals", "EKG, CRP a CHOPN bez změn, XYZABQ ano.", {"XYZABQ"});
     row("dotted", "Dávkování p.o. a i.v. dle s.c. schématu.", {});
@@ -282,7 +283,11 @@ void TestSpellChecker::typingACorrectionRemovesTheUnderline()
     QCOMPARE(Underlined(s.editor), QStringList{"Pacinet"});
     for (int i = 0; i < 3; ++i)
         QTest::keyClick(s.editor, Qt::Key_Backspace);
+    // The word being edited waits until the caret leaves it.
+    QCOMPARE(Underlined(s.editor), QStringList());
+    QTest::keyClick(s.editor, Qt::Key_Home);
     QCOMPARE(Underlined(s.editor), QStringList{"Pacin"});
+    QTest::keyClick(s.editor, Qt::Key_End);
     QTest::keyClick(s.editor, Qt::Key_Backspace);
     Type(s.editor, QStringLiteral("ent přišel"));
     QCOMPARE(AllText(s.editor), QStringLiteral("Pacient přišel"));

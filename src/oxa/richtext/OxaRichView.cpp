@@ -210,6 +210,8 @@ TOxaRichView::TOxaRichView(QWidget *parent) : QTextEdit(parent), d(std::make_uni
     setAcceptRichText(true);
     d->spell = new SpellHighlighter(document(), SpellChecker::Shared(), this);
     connect(this, &QTextEdit::cursorPositionChanged, this, &TOxaRichView::OnCaretMoveOxa);
+    connect(this, &QTextEdit::cursorPositionChanged, this,
+            [this] { d->spell->CaretMoved(textCursor().position()); });
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &TOxaRichView::OnVScrolled);
     connect(d->doc->Document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged,
             this, [this] { d->UpdateAutoSize(); });

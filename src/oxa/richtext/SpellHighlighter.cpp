@@ -41,6 +41,7 @@ void SpellHighlighter::SetEnabled(bool on)
         m_pending.clear();
         m_slice.stop();
         m_waitingForDictionary = false;
+        m_held = QTextCursor();
         ClearAll();
     }
 }
@@ -65,8 +66,12 @@ void SpellHighlighter::OnContentsChange(int from, int removed, int added)
     if (m_interactive > 0 && small && m_checker->IsReady()) {
         QElapsedTimer timer;
         timer.start();
+        // A typed or erased character leaves the caret in a word that may be
+        // unfinished; an undo or a chosen correction does not.
+        const bool typing = added == 1 || (added == 0 && removed == 1);
+        const int caret = typing ? from + added : -1;
         for (QTextBlock b = first; b.isValid(); b = b.next()) {
-            CheckBlock(b);
+            CheckBlock(b, caret);
             if (b == last)
                 break;
         }
@@ -183,18 +188,37 @@ void SpellHighlighter::RunSlice()
     Q_EMIT Idle();
 }
 
-void SpellHighlighter::CheckBlock(const QTextBlock &block)
+void SpellHighlighter::CheckBlock(const QTextBlock &block, int holdAt)
 {
     ++m_stats.BlocksChecked;
+    if (!m_held.isNull() && m_held.block() == block)
+        m_held = QTextCursor();
     QList<QTextLayout::FormatRange> formats;
     const QString text = block.text();
     if (!text.isEmpty()) {
         const QList<SpellRange> words = m_checker->Misspelled(text);
         formats.reserve(words.size());
-        for (const SpellRange &w : words)
+        const int caret = holdAt - block.position();
+        for (const SpellRange &w : words) {
+            if (caret > w.Start && caret <= w.Start + w.Length) {
+                m_held = QTextCursor(m_document);
+                m_held.setPosition(holdAt);
+                continue;
+            }
             formats.append({w.Start, w.Length, m_underline});
+        }
     }
     SetBlockFormats(block, formats);
+}
+
+void SpellHighlighter::CaretMoved(int position)
+{
+    if (m_held.isNull() || m_held.position() == position)
+        return;
+    const QTextBlock block = m_held.block();
+    m_held = QTextCursor();
+    if (m_enabled && block.isValid())
+        CheckBlock(block, position);
 }
 
 void SpellHighlighter::SetBlockFormats(const QTextBlock &block,

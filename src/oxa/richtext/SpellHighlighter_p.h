@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QTextBlock>
+#include <QTextCursor>
 #include <QTextLayout>
 #include <QTimer>
 #include <vector>
@@ -62,6 +63,10 @@ public:
         SpellHighlighter *m_h;
     };
 
+    // The caret moved. A word held back while it was being typed is checked
+    // once the caret has left it.
+    void CaretMoved(int position);
+
     // The misspelt word at a document position: its start (a document
     // position) and length; false when the position is in no misspelt word.
     // The paragraph is checked first, as the background may not have come
@@ -99,7 +104,9 @@ private:
     void Queue(int from, int to);
     void ScheduleSlice();
     void RunSlice();
-    void CheckBlock(const QTextBlock &block);
+    // holdAt: the caret of a typed change; a word it stands in or at the end
+    // of is still being typed and is not underlined yet.
+    void CheckBlock(const QTextBlock &block, int holdAt = -1);
     void SetBlockFormats(const QTextBlock &block, const QList<QTextLayout::FormatRange> &formats);
     void ClearAll();
 
@@ -109,6 +116,8 @@ private:
     bool m_enabled = true;
     bool m_waitingForDictionary = false;
     int m_interactive = 0;
+    // The caret at the word held back, moving with edits; null when none is.
+    QTextCursor m_held;
     std::vector<Range> m_pending;
     QTimer m_slice;
     QElapsedTimer m_pass;
