@@ -635,13 +635,18 @@ bool DiaryPage::AllowMove(const TDayRecord &nove)
     return true;
 }
 
+bool DiaryPage::StoreEntryDate(const TDayRecord &zaznam, QSqlQuery &q)
+{
+    q.prepare(QStringLiteral("UPDATE diar SET datum = ? WHERE id = ?"));
+    q.addBindValue(EntryDate(zaznam).toString(Qt::ISODate));
+    q.addBindValue(zaznam.ID_DIAR);
+    return q.exec();
+}
+
 void DiaryPage::StoreMove(const TDayRecord &stary, const TDayRecord &nove)
 {
     QSqlQuery q(Db());
-    q.prepare(QStringLiteral("UPDATE diar SET datum = ? WHERE id = ?"));
-    q.addBindValue(EntryDate(nove).toString(Qt::ISODate));
-    q.addBindValue(nove.ID_DIAR);
-    if (!q.exec()) {
+    if (!StoreEntryDate(nove, q)) {
         ReportError(QStringLiteral("Přesun záznamu"), q);
         return;
     }
@@ -657,10 +662,7 @@ void DiaryPage::UndoMove()
     const TDayRecord puvodni = m_moves.takeLast();
     m_undo->setEnabled(!m_moves.isEmpty());
     QSqlQuery q(Db());
-    q.prepare(QStringLiteral("UPDATE diar SET datum = ? WHERE id = ?"));
-    q.addBindValue(EntryDate(puvodni).toString(Qt::ISODate));
-    q.addBindValue(puvodni.ID_DIAR);
-    if (!q.exec()) {
+    if (!StoreEntryDate(puvodni, q)) {
         ReportError(QStringLiteral("Vrácení přesunu"), q);
         return;
     }

@@ -45,6 +45,8 @@ private:
     bool ConfirmDelete(const oxa::TDayRecord &zaznam);
     bool AllowMove(const oxa::TDayRecord &nove);
     void StoreMove(const oxa::TDayRecord &stary, const oxa::TDayRecord &nove);
+    // Writes the entry's day into the database through q; false when it failed.
+    bool StoreEntryDate(const oxa::TDayRecord &zaznam, QSqlQuery &q);
     void ShowEntry(const oxa::TDayRecord *zaznam);
     quint32 BoldDays(int month, int year) const;
     // The public holidays of the months the calendar shows, in the diary's
