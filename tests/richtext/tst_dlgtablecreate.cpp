@@ -129,17 +129,19 @@ void TestDlgTableCreate::upDownLimits_data()
     QTest::addColumn<int>("presses");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("unit");
+    QTest::addColumn<bool>("keys"); // the arrow keys in the edit instead of the buttons
     const auto row = [](const char *name, const char *upDown, const char *edit, bool up,
-                        int presses, const char *text, const char *unit = "automaticky") {
+                        int presses, const char *text, const char *unit, bool keys) {
         QTest::newRow(name) << QByteArray(upDown) << QByteArray(edit) << up << presses
-                            << QString(text) << QString(unit);
+                            << QString(text) << QString(unit) << keys;
     };
-    row("columns stop at 50", "udCols", "eCols", true, 60, "50");
-    row("columns stop at 1", "udCols", "eCols", false, 3, "1");
-    row("one width step", "udWidth", "eWidth", true, 1, "50", "px");
-    row("width stops at 1000", "udWidth", "eWidth", true, 25, "1000", "px");
-    row("width stops at 0", "udWidth", "eWidth", false, 2, "0");
-    row("border stops at 50", "UpDown_BorderWidth", "Edit_BorderWidth", true, 52, "50");
+    row("columns stop at 50", "udCols", "eCols", true, 60, "50", "automaticky", false);
+    row("columns stop at 1, keys", "udCols", "eCols", false, 3, "1", "automaticky", true);
+    row("one width step", "udWidth", "eWidth", true, 1, "50", "px", false);
+    row("width stops at 1000, keys", "udWidth", "eWidth", true, 25, "1000", "px", true);
+    row("width stops at 0", "udWidth", "eWidth", false, 2, "0", "automaticky", false);
+    row("border stops at 50, keys", "UpDown_BorderWidth", "Edit_BorderWidth", true, 52, "50",
+        "automaticky", true);
 }
 
 void TestDlgTableCreate::upDownLimits()
@@ -150,22 +152,17 @@ void TestDlgTableCreate::upDownLimits()
     QFETCH(int, presses);
     QFETCH(QString, text);
     QFETCH(QString, unit);
-    {
-        Dialog d;
+    QFETCH(bool, keys);
+    Dialog d;
+    QLineEdit *e = d.Edit(edit.constData());
+    e->setFocus();
+    for (int i = 0; keys && i < presses; ++i)
+        QTest::keyClick(e, up ? Qt::Key_Up : Qt::Key_Down);
+    if (!keys)
         d.Press(upDown.constData(), up, presses);
-        QCOMPARE(d.Edit(edit.constData())->text(), text);
-        QCOMPARE(d.UpDown(upDown.constData())->Position(), text.toInt());
-        QCOMPARE(d.Auto(), unit);
-    }
-    {
-        // The same with the arrow keys in the edit.
-        Dialog d;
-        d.Edit(edit.constData())->setFocus();
-        for (int i = 0; i < presses; ++i)
-            QTest::keyClick(d.Edit(edit.constData()), up ? Qt::Key_Up : Qt::Key_Down);
-        QCOMPARE(d.Edit(edit.constData())->text(), text);
-        QCOMPARE(d.Auto(), unit);
-    }
+    QCOMPARE(e->text(), text);
+    QCOMPARE(d.UpDown(upDown.constData())->Position(), text.toInt());
+    QCOMPARE(d.Auto(), unit);
 }
 
 void TestDlgTableCreate::previewFollowsTheControls()
