@@ -168,7 +168,6 @@ void TestDlgTableCreate::previewFollowsTheControls()
     d.Press("udRows", true, 2);
     d.Press("udWidth", true, 3);
     QCOMPARE(d.TableText(), QStringLiteral("4x3 w150 b1 c0"));
-    QCOMPARE(d.Auto(), QStringLiteral("px"));
 
     // Colour and border width change the table that is there.
     QTextTable *table = d.Table();
@@ -191,7 +190,6 @@ void TestDlgTableCreate::nonIntegerBorderWidthFails()
     const QStringList error{QStringLiteral("'2x' není platné celé číslo")};
     d.Type("Edit_BorderWidth", QStringLiteral("2x"));
     QCOMPARE(messages.Texts(), error);
-    QCOMPARE(messages.Shown().first().Type, mtError);
     QCOMPARE(d.Table(), table);
     QVERIFY(d.dlg->Preview()->updatesEnabled());
 

@@ -203,14 +203,6 @@ void TestFtFunc::insertionIsOneUndoStep()
     QCOMPARE(e.RedoAction(), int(utInserting));
     e.Redo();
     QCOMPARE(e.GetText(0, e.ItemCount() - 1), QStringLiteral("start ab\r\ncd "));
-
-    // Empty input adds no undo step and leaves the formatting at the caret alone.
-    e.SetFontStyle(afsBold);
-    const int bold = e.CurTextStyleNo();
-    const int steps = e.document()->availableUndoSteps();
-    SetFormatedText(&e, QString());
-    QCOMPARE(e.CurTextStyleNo(), bold);
-    QCOMPARE(e.document()->availableUndoSteps(), steps);
 }
 
 void TestFtFunc::resetKeepsSizeAndAlignment()
