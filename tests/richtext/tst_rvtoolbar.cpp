@@ -96,11 +96,12 @@ void TestRVToolBar::buttonTable_data()
                         TRVToolButtonKind kind) {
         QTest::newRow(name) << typ << QString::fromUtf8(hint) << kind;
     };
-    // One type of each kind, and the texts users know as they are spelt.
+    // One type of each kind (a grouped check is a check), the texts as users know them.
     row("check", tbtStrikeOut, "Preškrtnuté [Ctrl+S]", tbkCheck);
     row("speed button", tbtInclude, "Vložit", tbkSpeedButton);
     row("drop-down", tbtIncludeSmall, "Vložit...", tbkDropDown);
     row("combo box", tbtFontSize, "Velikost písma", tbkComboBox);
+    row("button", tbtInTrvaleDiagnozy, "Vložit trvalé diagnozy ...", tbkButton);
 }
 
 // A type makes the control of its kind, with its hint and picture.
