@@ -97,8 +97,6 @@ private Q_SLOTS:
         QTest::newRow("day first") << day << "" << QDate(2019, 2, 1) << d;
         QTest::newRow("month: 31 January + 1") << day << "R" << QDate(2019, 2, 28) << m;
         QTest::newRow("Left from the day to the year") << day << "L" << QDate(2020, 1, 31) << y;
-        QTest::newRow("Right from the year to the day") << day << "RRR" << QDate(2019, 2, 1) << d;
-        QTest::newRow("typed digit moves on to the month") << day << "5" << QDate(2019, 2, 5) << m;
         // "2" could begin a two-digit day: it is the day at once all the same.
         QTest::newRow("first digit of a longer day") << day << "2" << QDate(2019, 2, 2) << m;
         QTest::newRow("month digit, day kept within it") << day << "R4" << QDate(2020, 4, 30) << y;
@@ -106,7 +104,6 @@ private Q_SLOTS:
             << day << "L7" << QDate(2007, 2, 1) << d;
         QTest::newRow("a 0 day refused, section stays") << day << "0" << QDate(2019, 2, 1) << d;
         QTest::newRow("month name: Left to the year") << month << "L" << QDate(2020, 1, 31) << y;
-        QTest::newRow("month name: back to the month") << month << "LR" << QDate(2019, 2, 28) << m;
     }
 
     void sectionsTakeTurns()
@@ -212,20 +209,11 @@ private Q_SLOTS:
 
     void calendar()
     {
-        // Closed on an empty picker, the calendar changes nothing.
-        m_picker->setFocus();
+        focusPicker(QDate(2019, 1, 31));
+        press(Qt::Key_Left); // the year section
         press(Qt::Key_F4);
         QCalendarWidget *calendar = m_picker->calendarWidget();
         auto *view = calendar->findChild<QTableView *>();
-        QTRY_VERIFY(calendar->isVisible());
-        QTest::keyClick(view, Qt::Key_Escape);
-        QTRY_VERIFY(!calendar->isVisible());
-        QVERIFY(m_picker->EmptyDate());
-        QCOMPARE(m_closeUps + m_changes, 0);
-
-        m_picker->SetDate(EncodeDate(2019, 1, 31));
-        press(Qt::Key_Left); // the year section
-        press(Qt::Key_F4);
         QTRY_VERIFY(calendar->isVisible());
         // Moving in the open calendar changes the date, but steps nothing
         // and is no change yet.

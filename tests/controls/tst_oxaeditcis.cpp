@@ -63,7 +63,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("trigger");
         QTest::addColumn<int>("calls");
         QTest::newRow("Ctrl+F1") << "Ctrl+F1" << 1;
-        QTest::newRow("F1 alone") << "F1" << 0;
         QTest::newRow("Ctrl+Shift+F1") << "Ctrl+Shift+F1" << 0;
         QTest::newRow("button") << "button" << 1;
         QTest::newRow("double click") << "double click" << 1;

@@ -46,8 +46,6 @@ private Q_SLOTS:
             << false << TGridCoord{1, 1} << TColor(0x00B9FFFF) << clBlue;
         QTest::newRow("other") << true << TGridCoord{2, 2} << clWindow << clWindowText;
         QTest::newRow("refused") << true << TGridCoord{3, 2} << clInactiveBorder << clWindowText;
-        QTest::newRow("refused, unfocused")
-            << false << TGridCoord{3, 2} << clInactiveBorder << clWindowText;
         QTest::newRow("fixed over refused") << true << TGridCoord{3, 0} << clLime << clWindowText;
     }
 

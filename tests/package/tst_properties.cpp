@@ -72,19 +72,11 @@ void TestProperties::writesNotifyOnceAndOnlyOnChange_data()
     QTest::addColumn<QString>("className");
     QTest::addColumn<QByteArray>("property");
     QTest::addColumn<QVariant>("value");
-    // Declared once for many classes: the focus neighbours and colours.
+    // Declared once for many classes; a value the setter clamps; a date.
     QTest::newRow("neighbour") << "TEditOxa" << QByteArray("FocUp") << QVariant();
-    QTest::newRow("active colour")
-        << "TMemoOxa" << QByteArray("ActiveColor") << QVariant(0x0000FFu);
-    QTest::newRow("default colour")
-        << "TComboBoxOxa" << QByteArray("DefaultColor") << QVariant(0x00FF00u);
-    QTest::newRow("own property") << "TEditOxa" << QByteArray("KorekceTextu") << QVariant(true);
     QTest::newRow("clamped digits") << "TNumEditOxa" << QByteArray("Digits") << QVariant(3);
     QTest::newRow("picker date") << "TDateTimePickerOxa" << QByteArray("Date")
                                  << QVariant(EncodeDate(2026, 11, 24));
-    QTest::newRow("grid size") << "TStringGridOxa" << QByteArray("RowCount") << QVariant(12);
-    QTest::newRow("file name") << "TXLSfile" << QByteArray("FileName")
-                               << QVariant(QStringLiteral("a.xls"));
 }
 
 void TestProperties::writesNotifyOnceAndOnlyOnChange()
