@@ -3,7 +3,6 @@
 
 #include <QLineEdit>
 #include <QPointer>
-#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 #include <memory>
@@ -146,21 +145,6 @@ private Q_SLOTS:
         QVERIFY(form->findChildren<TErrorImage *>().isEmpty());
     }
 
-    void updateBatchStartsHidden()
-    {
-        QLineEdit *first = AddEdit("edPrvni"), *second = AddEdit("edDruhy", 100);
-        provider->BeginUpdate();
-        provider->SetError(first, "první", etError);
-        provider->SetError(second, "druhá", etInformation);
-        QSignalSpy ticks(timer, &QTimer::timeout);
-        QVERIFY(ticks.wait() && ticks.wait());
-        // The timer runs, but the blinking pauses until the batch ends.
-        QVERIFY(!provider->ErrorImage(first)->isVisible() &&
-                !provider->ErrorImage(second)->isVisible());
-        provider->EndUpdate();
-        QCOMPARE(BlinkPhases({first, second}), QStringLiteral("00 11 00 11 00 11 11"));
-    }
-
     void doubleClickShowsMatchingBox_data()
     {
         QTest::addColumn<int>("errorType");
@@ -181,10 +165,6 @@ private Q_SLOTS:
         QTEST(int(recorder.Shown().first().Type), "boxType");
         QCOMPARE(recorder.Shown().first().Text, QString("Zkontrolujte jméno"));
         QCOMPARE(recorder.Shown().first().Buttons, TMsgDlgButtons(mbOK));
-        // The icon of the kind, from the resources, drawn transparently.
-        const QImage icon = TErrorProvider::ErrorBitmap(TErrorType(errorType)).toImage();
-        QCOMPARE(icon.size(), QSize(16, 16));
-        QCOMPARE(qAlpha(icon.pixel(0, 0)), 0);
     }
 
     void destruction()
@@ -198,11 +178,6 @@ private Q_SLOTS:
         QVERIFY(image.isNull());
         QCOMPARE(provider->ErrorCount(), 1);
         QCOMPARE(provider->BlickCount(), 1);
-
-        // A provider freed before its form frees its marks.
-        image = provider->ErrorImage("edPrijmeni");
-        delete provider;
-        QVERIFY(image.isNull());
     }
 };
 

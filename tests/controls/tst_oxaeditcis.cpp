@@ -50,8 +50,6 @@ private Q_SLOTS:
         QCOMPARE(button->toolTip(), QStringLiteral("Otevřít číselník F4"));
 
         QCOMPARE(button->geometry(), QRect(110, 10, 21, 21));
-        form.edit->setGeometry(30, 40, 80, 30);
-        QCOMPARE(button->geometry(), QRect(110, 40, 30, 30));
         form.edit->hide();
         QVERIFY(!button->isVisible());
         delete form.edit;
@@ -129,7 +127,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("selected");
         QTest::newRow("same length") << 2 << 3 << "abcdef" << 5 << "cde";
         QTest::newRow("selection cut off") << 2 << 3 << "abcd" << 2 << "";
-        QTest::newRow("start cut off") << 4 << 1 << "ab" << 2 << "";
         QTest::newRow("caret only") << 3 << 0 << "abcdef" << 3 << "";
     }
 

@@ -114,7 +114,6 @@ private Q_SLOTS:
         // Not exactly Ctrl: the grid takes the key and pages sideways.
         QTest::newRow("ctrl shift right")
             << (ctrl | Qt::ShiftModifier | Qt::Key_Right) << 0 << TGridCoord{4, 1};
-        QTest::newRow("ctrl left, no neighbour") << (ctrl | Qt::Key_Left) << 0 << TGridCoord{1, 1};
     }
 
     void keys()
