@@ -117,34 +117,6 @@ private Q_SLOTS:
         QWidget textless;
         QVERIFY_THROWS_EXCEPTION(EInvalidOperation, form.edit->SetSecondEdit(&textless));
     }
-
-    void selectionRestored_data()
-    {
-        QTest::addColumn<int>("start");
-        QTest::addColumn<int>("length");
-        QTest::addColumn<QString>("newText");
-        QTest::addColumn<int>("caret");
-        QTest::addColumn<QString>("selected");
-        QTest::newRow("same length") << 2 << 3 << "abcdef" << 5 << "cde";
-        QTest::newRow("selection cut off") << 2 << 3 << "abcd" << 2 << "";
-        QTest::newRow("caret only") << 3 << 0 << "abcdef" << 3 << "";
-    }
-
-    void selectionRestored()
-    {
-        QFETCH(int, start);
-        QFETCH(int, length);
-        QFETCH(QString, newText);
-        Form form;
-        QVERIFY(form.Show(form.edit));
-        form.edit->setText(QStringLiteral("ABCDEF"));
-        form.edit->setSelection(start, length);
-        form.edit->OnBtnClick = [&](QObject *, QString &text) { text = newText; };
-        QTest::keyClick(form.edit, Qt::Key_F1, Qt::ControlModifier);
-        QCOMPARE(form.edit->text(), newText);
-        QTEST(form.edit->cursorPosition(), "caret");
-        QTEST(form.edit->selectedText(), "selected");
-    }
 };
 
 QTEST_MAIN(TestOxaEditCis)

