@@ -46,62 +46,60 @@ class TestDesignerPlugin : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void offersEveryWidgetClassOnItsPage();
-    void loaderBuildsAFormOfOxaWidgets();
-};
+    void offersEveryWidgetClassOnItsPage()
+    {
+        QPluginLoader loader(pluginFile());
+        QVERIFY2(loader.load(), qPrintable(loader.errorString()));
+        auto *collection =
+            qobject_cast<QDesignerCustomWidgetCollectionInterface *>(loader.instance());
+        QVERIFY(collection);
 
-void TestDesignerPlugin::offersEveryWidgetClassOnItsPage()
-{
-    QPluginLoader loader(pluginFile());
-    QVERIFY2(loader.load(), qPrintable(loader.errorString()));
-    auto *collection = qobject_cast<QDesignerCustomWidgetCollectionInterface *>(loader.instance());
-    QVERIFY(collection);
-
-    QMap<QString, QString> groups;
-    for (QDesignerCustomWidgetInterface *w : collection->customWidgets()) {
-        groups.insert(w->name(), w->group());
-        QVERIFY2(w->domXml().contains(w->name()), qPrintable(w->name()));
-        QVERIFY(!w->includeFile().isEmpty());
-    }
-    int widgets = 0;
-    for (const oxa::TComponentEntry &entry : oxa::Catalogue::Instance().Components()) {
-        if (!entry.IsWidget) {
-            QVERIFY(!groups.contains(QStringLiteral("oxa::") + entry.ClassName));
-            continue;
+        QMap<QString, QString> groups;
+        for (QDesignerCustomWidgetInterface *w : collection->customWidgets()) {
+            groups.insert(w->name(), w->group());
+            QVERIFY2(w->domXml().contains(w->name()), qPrintable(w->name()));
+            QVERIFY(!w->includeFile().isEmpty());
         }
-        ++widgets;
-        QCOMPARE(groups.value(QStringLiteral("oxa::") + entry.ClassName), entry.Page);
+        int widgets = 0;
+        for (const oxa::TComponentEntry &entry : oxa::Catalogue::Instance().Components()) {
+            if (!entry.IsWidget) {
+                QVERIFY(!groups.contains(QStringLiteral("oxa::") + entry.ClassName));
+                continue;
+            }
+            ++widgets;
+            QCOMPARE(groups.value(QStringLiteral("oxa::") + entry.ClassName), entry.Page);
+        }
+        QCOMPARE(groups.size(), widgets);
+        QVERIFY(groups.contains(QStringLiteral("oxa::TEditOxa")));
+        // The context menu is a non-visual component, as the edits' menu is.
+        QVERIFY(!groups.contains(QStringLiteral("oxa::TRVPopupMenu")));
     }
-    QCOMPARE(groups.size(), widgets);
-    QVERIFY(groups.contains(QStringLiteral("oxa::TEditOxa")));
-    // The context menu is a non-visual component, as the edits' menu is.
-    QVERIFY(!groups.contains(QStringLiteral("oxa::TRVPopupMenu")));
-}
 
-void TestDesignerPlugin::loaderBuildsAFormOfOxaWidgets()
-{
-    QUiLoader loader;
-    loader.clearPluginPaths();
-    loader.addPluginPath(QStringLiteral(OXA_DESIGNER_PLUGIN_DIR));
-    QVERIFY(loader.availableWidgets().contains(QStringLiteral("oxa::TEditOxa")));
+    void loaderBuildsAFormOfOxaWidgets()
+    {
+        QUiLoader loader;
+        loader.clearPluginPaths();
+        loader.addPluginPath(QStringLiteral(OXA_DESIGNER_PLUGIN_DIR));
+        QVERIFY(loader.availableWidgets().contains(QStringLiteral("oxa::TEditOxa")));
 
-    QByteArray xml(kForm);
-    QBuffer buffer(&xml);
-    QVERIFY(buffer.open(QIODevice::ReadOnly));
-    std::unique_ptr<QWidget> form(loader.load(&buffer));
-    QVERIFY2(form, qPrintable(loader.errorString()));
+        QByteArray xml(kForm);
+        QBuffer buffer(&xml);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        std::unique_ptr<QWidget> form(loader.load(&buffer));
+        QVERIFY2(form, qPrintable(loader.errorString()));
 
-    auto *surname = form->findChild<oxa::TEditOxa *>(QStringLiteral("editPrijmeni"));
-    auto *born = form->findChild<oxa::TMaskEditOxa *>(QStringLiteral("editNarozen"));
-    QVERIFY(surname && born);
-    QVERIFY(born->IsDateFormat());
+        auto *surname = form->findChild<oxa::TEditOxa *>(QStringLiteral("editPrijmeni"));
+        auto *born = form->findChild<oxa::TMaskEditOxa *>(QStringLiteral("editNarozen"));
+        QVERIFY(surname && born);
+        QVERIFY(born->IsDateFormat());
 
-    // The form's widgets behave as Oxa controls: the correction runs.
-    QVERIFY(oxa::test::ShowAndActivate(form.get()));
-    surname->setFocus();
-    QTest::keyClicks(surname, QStringLiteral("M\"uller"));
-    QCOMPARE(surname->text(), QStringLiteral("Müller"));
-}
+        // The form's widgets behave as Oxa controls: the correction runs.
+        QVERIFY(oxa::test::ShowAndActivate(form.get()));
+        surname->setFocus();
+        QTest::keyClicks(surname, QStringLiteral("M\"uller"));
+        QCOMPARE(surname->text(), QStringLiteral("Müller"));
+    }
+};
 
 QTEST_MAIN(TestDesignerPlugin)
 #include "tst_designerplugin.moc"
