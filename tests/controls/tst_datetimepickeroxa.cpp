@@ -68,10 +68,8 @@ private Q_SLOTS:
         QVERIFY(m_other->hasFocus());
         QCOMPARE(m_picker->text(), QStringLiteral(" "));
         QCOMPARE(m_picker->Color(), clWindow);
-        m_picker->SetDate(EncodeDate(2019, 1, 31));
-        QCOMPARE(m_picker->text(), QStringLiteral("31.01.2019"));
-        QCOMPARE(m_changes, 0);
 
+        m_picker->SetDate(EncodeDate(2019, 1, 31));
         m_picker->setFocus();
         press(Qt::Key_Delete);
         QVERIFY(m_picker->EmptyDate());
@@ -130,7 +128,6 @@ private Q_SLOTS:
     {
         test::MessageRecorder messages;
         m_picker->setFocus(Qt::TabFocusReason);
-        QVERIFY(m_picker->EmptyDate());
         press(Qt::Key_5);
         const QDate today = QDate::currentDate();
         QCOMPARE(pickerDate(), QDate(today.year(), today.month(), 5));

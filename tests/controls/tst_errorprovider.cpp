@@ -79,16 +79,6 @@ private Q_SLOTS:
         QCOMPARE(provider->ErrorImage("edDefault")->pos(), QPoint(222, 150)); // top right
     }
 
-    void markFollowsControl()
-    {
-        QLineEdit *edit = AddEdit("edJmeno");
-        provider->SetError(edit, "Chybí jméno", etError, jtCenterRight);
-        edit->setGeometry(10, 200, 60, 31);
-        QCOMPARE(provider->ErrorImage(edit)->pos(), QPoint(72, 207));
-        edit->hide();
-        QVERIFY(!provider->ErrorImage(edit)->isVisible());
-    }
-
     void severityOrdering_data()
     {
         QTest::addColumn<int>("first");

@@ -8,7 +8,6 @@
 
 #include <QAbstractItemView>
 #include <QMenu>
-#include <QPointer>
 #include <QTest>
 
 using namespace oxa;
@@ -131,24 +130,6 @@ private Q_SLOTS:
         QCOMPARE(changed, 1); // also for the single item, and for typed text
         QVERIFY(!combo->view()->isVisible());
         QCOMPARE(combo->currentText().endsWith(' '), editable);
-    }
-
-    void labeledEditLabel()
-    {
-        test::TestForm form;
-        auto *edit = new TLabeledEditOxa;
-        QPointer<QLabel> label = edit->EditLabel();
-        edit->setParent(&form);
-        edit->SetLabelCaption(QStringLiteral("Příjmení:"));
-        QVERIFY(form.Show());
-        QCOMPARE(label->parentWidget(), &form);
-        QCOMPARE(label->buddy(), edit);
-        edit->hide();
-        QVERIFY(!label->isVisible());
-        edit->setEnabled(false);
-        QVERIFY(!label->isEnabled());
-        delete edit;
-        QVERIFY(label.isNull());
     }
 
     // Tab leaves a memo unless it wants tabs, Ctrl+Tab types one; Enter

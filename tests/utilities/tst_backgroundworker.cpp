@@ -111,7 +111,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("outcome");
         QTest::addColumn<int>("workMs");
         QTest::addColumn<QString>("error");
-        QTest::newRow("returns at once") << int(Returns) << 0 << QString();
         QTest::newRow("works for a while") << int(Returns) << 20 << QString();
         QTest::newRow("library exception")
             << int(ThrowsOxa) << 0 << QStringLiteral("Výpočet selhal");
