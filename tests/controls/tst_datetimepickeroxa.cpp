@@ -1,5 +1,4 @@
 #include "oxa/controls/DateTimePickerOxa.h"
-#include "oxa/toolkit/Exceptions.h"
 #include "support/TestSupport.h"
 
 #include <QCalendarWidget>
@@ -9,15 +8,6 @@
 #include <memory>
 
 using namespace oxa;
-
-// Clicks where the user would: on the child under the point (the text field
-// covers most of the picker).
-static void click(QWidget *picker, const QPoint &pos)
-{
-    QWidget *target = picker->childAt(pos);
-    target = target ? target : picker;
-    QTest::mouseClick(target, Qt::LeftButton, {}, target->mapFrom(picker, pos));
-}
 
 class TestDateTimePickerOxa : public QObject
 {
@@ -182,17 +172,6 @@ private Q_SLOTS:
             m_picker->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_picker) - 9;
         QCOMPARE(m_picker->VyhodnotStisk(edge), 1);
         QCOMPARE(m_picker->VyhodnotStisk(edge + 1), 2);
-    }
-
-    void noWindowNoMeasuring()
-    {
-        test::MessageRecorder messages;
-        TDateTimePickerOxa alone;
-        QCOMPARE(alone.VyhodnotStisk(1), 0);
-        QVERIFY_THROWS_EXCEPTION(Exception, alone.VyhodnotStisk(40));
-        alone.show();
-        click(&alone, QPoint(20, alone.height() / 2));
-        QCOMPARE(messages.Texts(), QStringList{QStringLiteral("Neexistuje parent třídy TForm")});
     }
 
     void calendar()

@@ -55,7 +55,6 @@ private Q_SLOTS:
         QTest::addColumn<bool>("notAll");
         QTest::newRow("empty edit") << "" << 0 << 0 << false << false;
         QTest::newRow("no selection") << "abc" << 1 << 0 << false << true;
-        QTest::newRow("part selected") << "abc" << 1 << 1 << true << true;
         QTest::newRow("all selected") << "abc" << 0 << 3 << true << false;
     }
 
@@ -103,10 +102,8 @@ private Q_SLOTS:
     void menuWork_data()
     {
         QTest::addColumn<bool>("readOnly");
-        QTest::addColumn<bool>("withMap");
-        QTest::newRow("writable") << false << true;
-        QTest::newRow("read-only") << true << true;
-        QTest::newRow("MapaZnaku off") << false << false;
+        QTest::newRow("writable") << false;
+        QTest::newRow("read-only") << true;
     }
 
     // A host's menu gets one "Mapa znaků..." item while the edit is focused;
@@ -114,15 +111,12 @@ private Q_SLOTS:
     void menuWork()
     {
         QFETCH(bool, readOnly);
-        QFETCH(bool, withMap);
-        const bool works = !readOnly && withMap;
+        const bool works = !readOnly;
         Form form;
         QMenu host;
         QAction *print = host.addAction(QStringLiteral("Tisk"));
-        for (TEditOxa *edit : {form.edit, form.other}) {
+        for (TEditOxa *edit : {form.edit, form.other})
             edit->setReadOnly(readOnly);
-            edit->SetMapaZnaku(withMap);
-        }
         form.edit->SetPopupMenu(&host);
         QVERIFY(form.show());
         for (int round = 0; round < 2; ++round) {

@@ -37,11 +37,8 @@ private Q_SLOTS:
             QCOMPARE(glyph.pixelColor(7, 7), ColorToQColor(color));
             QCOMPARE(glyph.pixelColor(0, 0), QColor(color == clRed ? Qt::white : Qt::red));
         }
-        QCOMPARE(buttons.at(7)->y(), buttons.at(0)->y()); // rows of eight
-        QVERIFY(buttons.at(8)->y() > buttons.at(0)->y());
         QVERIFY(!form->SpecialButton());
         QCOMPARE(form->OthersButton()->text(), QString("Další barvy..."));
-        QVERIFY(form->OthersButton()->y() > buttons.last()->y());
     }
 
     void clickChoosesAndCloses_data()
@@ -67,7 +64,6 @@ private Q_SLOTS:
         if (QToolButton *special = form->SpecialButton(); tag == -1) {
             QCOMPARE(special->text(), caption);
             QCOMPARE(!special->icon().isNull(), result != clNone);
-            QVERIFY(special->y() < form->PaletteButtons().first()->y());
             QTest::mouseClick(special, Qt::LeftButton);
         } else if (chosen) {
             QTest::mouseClick(form->PaletteButtons().at(tag), Qt::LeftButton);
