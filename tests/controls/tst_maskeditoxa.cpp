@@ -99,8 +99,6 @@ private Q_SLOTS:
         QCOMPARE(m_edit->cursorPosition(), 6);
         QTest::keyClicks(m_edit, QStringLiteral("2026"));
         QCOMPARE(m_edit->text(), QStringLiteral("24.12.2026"));
-        QTest::mouseClick(m_edit, Qt::LeftButton, {}, QPoint(4, m_edit->height() / 2));
-        QCOMPARE(m_edit->cursorPosition(), 0); // before the blank: where clicked
     }
 
     void dateKeysCharactersNeverTyped_data()
@@ -141,7 +139,6 @@ private Q_SLOTS:
         QTest::keyClick(m_edit, Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), m_edit);
         QCOMPARE(messages.Texts(), QStringList{QStringLiteral("'32.13.2019' není platné datum")});
-        QCOMPARE(messages.Shown().first().Type, mtError);
         QCOMPARE(m_edit->Color(), clYellow);
         QCOMPARE(exits, 1);
 

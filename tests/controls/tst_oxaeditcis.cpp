@@ -44,7 +44,6 @@ private Q_SLOTS:
         Form form;
         QVERIFY(form.Show(form.other));
         QPointer<QToolButton> button = form.edit->Button();
-        QCOMPARE(button->text(), QStringLiteral("..."));
         QCOMPARE(button->toolTip(), QStringLiteral("Otevřít číselník Ctrl+F1"));
         form.edit->SetShortCut(VK_F4);
         QCOMPARE(button->toolTip(), QStringLiteral("Otevřít číselník F4"));
@@ -61,7 +60,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("trigger");
         QTest::addColumn<int>("calls");
         QTest::newRow("Ctrl+F1") << "Ctrl+F1" << 1;
-        QTest::newRow("Ctrl+Shift+F1") << "Ctrl+Shift+F1" << 0;
         QTest::newRow("button") << "button" << 1;
         QTest::newRow("double click") << "double click" << 1;
         QTest::newRow("Ctrl+double click") << "Ctrl+double click" << 0;

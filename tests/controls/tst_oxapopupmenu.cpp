@@ -35,7 +35,6 @@ private Q_SLOTS:
     {
         // Hosts find items by name; the character map's is the odd one.
         TOxaPopUpMenu menu;
-        QCOMPARE(menu.actions().size(), 9);
         QCOMPARE(menu.Item(QStringLiteral("_popupmapaznaku"))->text(), mapaZnaku);
         // A click is one event with the item's kind and no character.
         int reported = -1;

@@ -42,7 +42,6 @@ private Q_SLOTS:
         QTest::newRow("selected, focused") << true << TGridCoord{1, 1} << clYellow << clWindowText;
         QTest::newRow("selected, unfocused")
             << false << TGridCoord{1, 1} << TColor(0x00B9FFFF) << clBlue;
-        QTest::newRow("other") << true << TGridCoord{2, 2} << clWindow << clWindowText;
         QTest::newRow("refused") << true << TGridCoord{3, 2} << clInactiveBorder << clWindowText;
         QTest::newRow("fixed over refused") << true << TGridCoord{3, 0} << clLime << clWindowText;
     }
@@ -54,7 +53,6 @@ private Q_SLOTS:
         QFETCH(TColor, background);
         QFETCH(TColor, text);
         GridForm form;
-        QCOMPARE(form.grid->DeactiveTextColor(), clWindowText);
         form.grid->SetDeactiveTextColor(clBlue);
         form.grid->SetFixedColor(clLime);
         form.grid->CanSelectCell = [](int col, int, bool &can) { can = col != 3; };

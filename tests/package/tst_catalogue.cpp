@@ -30,18 +30,12 @@ private Q_SLOTS:
         QTest::newRow("menu spelt PopUp") << "TOxaPopUpMenu"
                                           << "OxaPopupMenu"
                                           << "Oxa";
-        QTest::newRow("launcher") << "TExecApplication"
-                                  << "ExecApp"
-                                  << "Oxa";
         QTest::newRow("grid family") << "TEnhancedCheckDBGrid"
                                      << "CheckDBGrid"
                                      << "Oxa";
         QTest::newRow("diary page") << "TDiarPanel"
                                     << "DayListView"
                                     << "Oxa Diar";
-        QTest::newRow("lower-case file") << "TXLSfile"
-                                         << "XLSfile"
-                                         << "Oxa";
     }
 
     void classesStandInTheirUnitAndPage()

@@ -1,6 +1,5 @@
 #include "oxa/package/Package.h"
 #include "oxa/toolkit/Catalogue.h"
-#include "oxa/toolkit/DateUtils.h"
 
 #include <QLineEdit>
 #include <QMetaProperty>
@@ -66,11 +65,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("className");
         QTest::addColumn<QByteArray>("property");
         QTest::addColumn<QVariant>("value");
-        // Declared once for many classes; a value the setter clamps; a date.
+        // Declared once for many classes; a value the setter clamps.
         QTest::newRow("neighbour") << "TEditOxa" << QByteArray("FocUp") << QVariant();
         QTest::newRow("clamped digits") << "TNumEditOxa" << QByteArray("Digits") << QVariant(3);
-        QTest::newRow("picker date")
-            << "TDateTimePickerOxa" << QByteArray("Date") << QVariant(EncodeDate(2026, 11, 24));
     }
 
     void writesNotifyOnceAndOnlyOnChange()

