@@ -51,13 +51,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("expected");
         const int keypad = Qt::KeypadModifier, plus = Qt::Key_Plus, minus = Qt::Key_Minus;
         QTest::newRow("keypad plus in the day") << 1 << plus << keypad << "01.02.2019";
-        QTest::newRow("keypad minus in the day") << 0 << minus << keypad << "30.01.2019";
         QTest::newRow("Up in the month: end of February")
             << 3 << int(Qt::Key_Up) << 0 << "28.02.2019";
         QTest::newRow("Down on the month's last digit")
             << 4 << int(Qt::Key_Down) << 0 << "31.12.2018";
-        QTest::newRow("Down in the year") << 7 << int(Qt::Key_Down) << 0 << "31.01.2018";
-        QTest::newRow("keypad plus at the year's start") << 6 << plus << keypad << "31.01.2020";
+        QTest::newRow("keypad minus at the year's start") << 6 << minus << keypad << "31.01.2018";
     }
 
     void dateKeysStepByCaret()
@@ -101,8 +99,6 @@ private Q_SLOTS:
         QCOMPARE(m_edit->cursorPosition(), 6);
         QTest::keyClicks(m_edit, QStringLiteral("2026"));
         QCOMPARE(m_edit->text(), QStringLiteral("24.12.2026"));
-        QTest::mouseClick(m_edit, Qt::LeftButton, {}, QPoint(4, m_edit->height() / 2));
-        QCOMPARE(m_edit->cursorPosition(), 0); // before the blank: where clicked
     }
 
     void dateKeysCharactersNeverTyped_data()
@@ -111,7 +107,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("modifiers");
         QTest::addColumn<QString>("typed");
         QTest::newRow("plain edit, main keyboard") << false << 0 << "+-*";
-        QTest::newRow("plain edit, keypad") << false << int(Qt::KeypadModifier) << "+-*";
         QTest::newRow("date edit, keypad, no date to step")
             << true << int(Qt::KeypadModifier) << "+-";
     }
@@ -144,7 +139,6 @@ private Q_SLOTS:
         QTest::keyClick(m_edit, Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), m_edit);
         QCOMPARE(messages.Texts(), QStringList{QStringLiteral("'32.13.2019' není platné datum")});
-        QCOMPARE(messages.Shown().first().Type, mtError);
         QCOMPARE(m_edit->Color(), clYellow);
         QCOMPARE(exits, 1);
 

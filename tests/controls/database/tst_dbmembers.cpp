@@ -97,7 +97,6 @@ private Q_SLOTS:
         edit->SetFocDown(other);
         QVERIFY(m_form->Show(edit));
         QCOMPARE(edit->text(), QStringLiteral("tetanus"));
-        QCOMPARE(edit->Color(), TColor(clYellow));
         edit->selectAll();
         QTest::keyClicks(edit, QStringLiteral("hepatitida"));
         QCOMPARE(m_shots->State(), dsEdit);
@@ -107,7 +106,6 @@ private Q_SLOTS:
         QTest::keyClicks(edit, QStringLiteral("hepatitida"));
         QTest::keyClick(edit, Qt::Key_Down, Qt::ControlModifier);
         QVERIFY(other->hasFocus());
-        QCOMPARE(edit->Color(), TColor(clWindow));
         QCOMPARE(field("vaccine")->AsString(), QStringLiteral("hepatitida"));
         m_shots->Post();
         QCOMPARE(scalar("SELECT vaccine FROM shot").toString(), QStringLiteral("hepatitida"));
@@ -157,7 +155,6 @@ private Q_SLOTS:
         QCOMPARE(doctor->currentText(), QStringLiteral("MUDr. Novák"));
         QTest::keyClick(doctor, Qt::Key_Down);
         QCOMPARE(field("doctor")->AsInteger(), 2);
-        QTest::keyClick(doctor, Qt::Key_Down, Qt::ControlModifier); // no neighbour: stays
         vaccine->setFocus();
         QTest::keyClick(vaccine, Qt::Key_Down);
         QCOMPARE(field("vaccine")->AsString(), QStringLiteral("chřipka"));
