@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -113,9 +112,6 @@ private Q_SLOTS:
         QTest::newRow("last unchecked child completes the parent, upwards")
             << QStringList{"click:A1", "click:A2", "click:B1"}
             << QStringList{"2231110101", "2333110101", "3333330101"};
-        QTest::newRow("checked node within a checked tree")
-            << QStringList{"click:Root", "click:B1", "click:B1"}
-            << QStringList{"3333330101", "2333110101", "3333330101"};
         // The parent takes its child's state: it gains a check box.
         QTest::newRow("parent without a check box")
             << QStringList{"click:C1"} << QStringList{"2111110133"};
@@ -194,33 +190,6 @@ private Q_SLOTS:
         else
             form.tree->CTVSetChild(item, state);
         QTEST(form.states(), "states");
-    }
-
-    // Each node shows the picture of its state; a node without a check box
-    // shows none and its text starts where a state image would.
-    void stateImagesAreDrawn()
-    {
-        TreeForm<TCheckTreeView> form;
-        QVERIFY(form.Show(form.tree));
-        form.clickStateImage(QStringLiteral("A1"));
-        form.tree->setCurrentItem(nullptr);
-        form.tree->clearSelection();
-        const QImage shown = form.tree->viewport()->grab().toImage();
-        const char *const images[] = {"", "UNCHECKED", "GREYCHECKED", "CHECKED"};
-        for (const char *name : kNames) {
-            QTreeWidgetItem *node = form.nodes.value(QLatin1String(name));
-            const int state = TCheckTreeView::StateIndex(node);
-            const QRect rect = form.tree->StateImageRect(node);
-            QCOMPARE(rect.isValid(), state > 0);
-            if (!state)
-                continue;
-            QImage expected(rect.size(), QImage::Format_RGB32);
-            expected.fill(shown.pixel(rect.topLeft()));
-            QPainter(&expected).drawPixmap(
-                0, 0,
-                QPixmap(QStringLiteral(":/oxa/CheckTreeView/") + QLatin1String(images[state])));
-            QVERIFY2(shown.copy(rect).convertToFormat(QImage::Format_RGB32) == expected, name);
-        }
     }
 
     void enterExpandsAndCollapses()
