@@ -259,7 +259,6 @@ private Q_SLOTS:
         QTest::addColumn<QKeyCombination>("key");
         QTest::addColumn<bool>("left");
         QTest::addColumn<QString>("current");
-        QTest::newRow("down") << QKeyCombination(Qt::Key_Down) << false << "B1";
         QTest::newRow("ctrl down") << (Qt::ControlModifier | Qt::Key_Down) << true << "B";
         QTest::newRow("ctrl shift down")
             << (Qt::ControlModifier | Qt::ShiftModifier | Qt::Key_Down) << false << "B1";

@@ -25,11 +25,7 @@ void TestColor::stringRoundTrip_data()
     QTest::addColumn<uint>("color");
     QTest::addColumn<QString>("text");
     QTest::newRow("plain") << 0x000000FFu << "clRed";
-    QTest::newRow("black") << 0x00000000u << "clBlack";
-    QTest::newRow("system") << 0xFF000008u << "clWindowText";
-    QTest::newRow("window") << 0xFF000005u << "clWindow";
     QTest::newRow("none") << 0x1FFFFFFFu << "clNone";
-    QTest::newRow("default") << 0x20000000u << "clDefault";
     QTest::newRow("unnamed plain") << 0x00B9FFFFu << "$00B9FFFF";
     QTest::newRow("unnamed system") << 0xFF000019u << "$FF000019";
 }
@@ -67,10 +63,7 @@ void TestColor::plainColorsHaveRedInTheLowByte()
 void TestColor::systemColorsComeFromThePalette()
 {
     const QList<QPair<TColor, QPalette::ColorRole>> roles = {{clWindow, QPalette::Base},
-                                                             {clWindowText, QPalette::Text},
-                                                             {clHighlight, QPalette::Highlight},
-                                                             {clInfoBk, QPalette::ToolTipBase},
-                                                             {clBtnFace, QPalette::Button}};
+                                                             {clInfoBk, QPalette::ToolTipBase}};
     QPalette palette;
     for (int i = 0; i < roles.size(); ++i)
         palette.setColor(roles[i].second, QColor(i, 10 + i, 20 + i));
