@@ -106,9 +106,12 @@ private Q_SLOTS:
         QTest::newRow("Tab from the last stop, last record")
             << tab << false << false << 3 << 5 << 0 << false;
         QTest::newRow("Down on the last record") << down << false << false << 3 << 1 << 0 << false;
+        QTest::newRow("Down in the middle") << down << false << false << 2 << 1 << down << false;
         QTest::newRow("Shift+Tab") << tab << true << false << 3 << 5 << tab << false;
         QTest::newRow("Down at the end, AllowAppend")
             << down << false << true << 3 << 1 << down << true;
+        QTest::newRow("Tab at the end, AllowAppend: only Down appends")
+            << tab << false << true << 3 << 5 << tab << false;
     }
     void probe()
     {
@@ -178,6 +181,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("record");
         QTest::newRow("down") << -120 << 3;
         QTest::newRow("up") << 120 << 1;
+        QTest::newRow("no turn counts as down") << 0 << 3;
     }
     void wheelActsAsArrowKeys()
     {

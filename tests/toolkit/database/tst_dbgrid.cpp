@@ -8,7 +8,6 @@
 
 #include <QLineEdit>
 #include <QScrollBar>
-#include <QSqlQuery>
 #include <QtTest>
 
 using namespace oxa;
@@ -23,18 +22,7 @@ void createPatients(int count)
     exec(db,
          QStringLiteral("CREATE TABLE patient (id %1 PRIMARY KEY, name VARCHAR(40), age INTEGER)")
              .arg(pg ? "SERIAL" : "INTEGER"));
-    db.transaction();
-    QSqlQuery insert(db);
-    insert.prepare(QStringLiteral("INSERT INTO patient (id, name, age) VALUES (?, ?, ?)"));
-    for (int id = 1; id <= count; ++id) {
-        insert.addBindValue(id);
-        insert.addBindValue(QStringLiteral("p%1").arg(id));
-        insert.addBindValue(20 + id % 50);
-        insert.exec();
-    }
-    db.commit();
-    if (pg)
-        exec(db, QStringLiteral("SELECT setval('patient_id_seq', %1)").arg(count));
+    InsertNumbered(db, QStringLiteral("patient"), count, QStringLiteral("'p' || id, 20 + id % 50"));
 }
 
 } // namespace

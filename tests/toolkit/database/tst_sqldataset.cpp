@@ -25,24 +25,10 @@ void createItems(int count)
          QStringLiteral("CREATE TABLE item (id %1 PRIMARY KEY, name VARCHAR(40) NOT NULL, "
                         "amount %2, done BOOLEAN, born DATE, level INTEGER CHECK (level >= 0))")
              .arg(pg ? "SERIAL" : "INTEGER", pg ? "DOUBLE PRECISION" : "REAL"));
-    db.transaction();
-    QSqlQuery insert(db);
-    insert.prepare(QStringLiteral("INSERT INTO item (id, name, amount, done, born, level) "
-                                  "VALUES (?, ?, ?, ?, ?, ?)"));
-    for (int id = 1; id <= count; ++id) {
-        insert.addBindValue(id);
-        insert.addBindValue(QStringLiteral("n%1").arg(id));
-        insert.addBindValue(id / 4.0);
-        insert.addBindValue(id % 2 == 0);
-        const QDate born = QDate(2000, 1, 1).addDays(id);
-        insert.addBindValue(pg ? QVariant(born) : QVariant(born.toString(Qt::ISODate)));
-        insert.addBindValue(id % 3);
-        if (!insert.exec())
-            qFatal("%s", qPrintable(insert.lastError().text()));
-    }
-    db.commit();
-    if (pg)
-        exec(db, QStringLiteral("SELECT setval('item_id_seq', %1)").arg(count));
+    InsertNumbered(
+        db, QStringLiteral("item"), count,
+        QStringLiteral("'n' || id, id / 4.0, id % 2 = 0, %1, id % 3")
+            .arg(pg ? "DATE '2000-01-01' + id" : "date('2000-01-01', '+' || id || ' days')"));
 }
 
 TField *F(const std::unique_ptr<TSqlDataSet> &set, const char *name)
