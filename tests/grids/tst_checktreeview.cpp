@@ -168,7 +168,6 @@ private Q_SLOTS:
             "1111230101");
         row("CTVSetParent skips it", "1111130101", "B1", 0, "2111330101");
         row("RefreshParent only the direct parent", "1131110101", "A1", 0, "1231110101");
-        row("RefreshParent on a root", "1111110101", "Root", 0, "1111110101");
         row("CTVSetParent keeps a parent of boxless children", "1111110130", "C1", 0, "2111110130");
         row("CTVSetParent gives a boxless parent a state", "1111110301", "Bn1", 0, "2111213301");
         row("CTVSetChild to grey", "1111110101", "B", 2, "1111220101");

@@ -348,18 +348,6 @@ private Q_SLOTS:
         }
     }
 
-    void sortIgnoresAGridOfFixedRows()
-    {
-        CodeListForm form;
-        form.grid->SetRowCount(1);
-        QCOMPARE(form.grid->FixedRows(), 0);
-        form.grid->SetCells(1, 0, QStringLiteral("Z"));
-        form.grid->SetOznacene(0, true);
-        form.grid->Sort(TextCompare, 1);
-        QCOMPARE(form.grid->Cells(1, 0), QStringLiteral("Z"));
-        QVERIFY(form.grid->Oznacene(0));
-    }
-
     void locate_data()
     {
         QTest::addColumn<QString>("value");

@@ -161,8 +161,6 @@ private Q_SLOTS:
     void readLoop();
     void createFailureKeepsCells();
     void writeFailureKeepsCells();
-    void codePage1250_data();
-    void codePage1250();
 };
 
 void TestXLSfile::attributes_data()
@@ -406,28 +404,6 @@ void TestXLSfile::writeFailureKeepsCells()
     QTemporaryDir dir;
     QCOMPARE(WriteSheet(xls, dir.filePath(QStringLiteral("ok.xls"))),
              FixedRecords + QByteArray::fromHex("0200 0900 0000 0000 000000 0500") + EndRecord);
-}
-
-void TestXLSfile::codePage1250_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("czech") << QStringLiteral("áčďéěíňóřšťúůýžÁČĎÉĚÍŇÓŘŠŤÚŮÝŽ")
-                           << QByteArray::fromHex(
-                                  "e1e8efe9ecedf2f3f89a9dfaf9fd9e c1c8cfc9cccdd2d3d88a8ddad9dd8e");
-    // Not in the code page: one '?' per UTF-16 unit, a surrogate pair too.
-    QTest::newRow("outside") << QStringLiteral("Ωà中\u0085") << QByteArray("????");
-    QTest::newRow("surrogate pair")
-        << QString::fromUtf8("a\xF0\x9F\x98\x80z") << QByteArray("a??z");
-}
-
-void TestXLSfile::codePage1250()
-{
-    QFETCH(QString, text);
-    QFETCH(QByteArray, bytes);
-    QCOMPARE(CodePage1250::FromUnicode(text), bytes);
-    if (!bytes.contains('?'))
-        QCOMPARE(CodePage1250::ToUnicode(bytes), text);
 }
 
 QTEST_MAIN(TestXLSfile)
