@@ -117,8 +117,6 @@ private Q_SLOTS:
             << QStringList{"click:C1"} << QStringList{"2111110133"};
         QTest::newRow("space") << QStringList{"space:A", "space:A2"}
                                << QStringList{"2333110101", "2231110101"};
-        QTest::newRow("space on a node without a check box")
-            << QStringList{"space:Bn"} << QStringList{"1111110101"};
         QTest::newRow("a click beside the state image")
             << QStringList{"label:A1", "label:Root"} << QStringList{"1111110101", "1111110101"};
         // Two clicks, and the node stays expanded.

@@ -10,8 +10,6 @@
 #include "support/TestDatabase.h"
 #include "support/TestSupport.h"
 
-#include <QLineEdit>
-#include <QMenu>
 #include <QtTest>
 
 using namespace oxa;
@@ -276,14 +274,6 @@ private Q_SLOTS:
             click(button);
             QCOMPARE(state(), expected);
         }
-        // The column's own menu takes the right button: no step back.
-        QMenu menu;
-        menu.addAction(QStringLiteral("Podrobnosti"));
-        grid->Columns()->Items(2)->SetPopupMenu(&menu);
-        click(right);
-        QTRY_VERIFY(menu.isVisible());
-        QCOMPARE(state(), 1);
-        menu.close();
     }
 
     void booleanInAnEnumerationIsInverted()
@@ -380,32 +370,6 @@ private Q_SLOTS:
         m_set->Close();
         PreradeniSloupcuGridu(&grid, QStringLiteral("name"));
         QCOMPARE(names().size(), 3);
-    }
-
-    void extraEditor_data()
-    {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<bool>("canceled");
-        QTest::newRow("Enter") << int(Qt::Key_Return) << false;
-        QTest::newRow("Escape") << int(Qt::Key_Escape) << true;
-    }
-    void extraEditor()
-    {
-        QFETCH(int, key);
-        QFETCH(bool, canceled);
-        PREPARE();
-        TEnhancedCheckDBGrid *grid = enhancedGrid();
-        QStringList reported;
-        grid->OnExtraEditExit = [&](QObject *, const QString &value, bool wasCanceled) {
-            reported << QStringLiteral("%1/%2").arg(value).arg(wasCanceled);
-        };
-        grid->AktivujExtraEdit();
-        QVERIFY(grid->ExtraEdit()->isVisible());
-        QTest::keyClicks(grid->ExtraEdit(), QStringLiteral("abc"));
-        QTest::keyClick(grid->ExtraEdit(), Qt::Key(key));
-        QCOMPARE(reported, QStringList{QStringLiteral("abc/%1").arg(canceled)});
-        QVERIFY(!grid->ExtraEdit()->isVisible());
-        QVERIFY(grid->hasFocus());
     }
 
     void familyGridsMoveTheFocus()
