@@ -5,8 +5,6 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QStyle>
-#include <QStyleFactory>
 #include <QTest>
 
 #include <algorithm>
@@ -162,26 +160,6 @@ private Q_SLOTS:
         QTest::keyClick(form.grid, key);
         QVERIFY(!form.grid->Oznacene(3));
         QCOMPARE(form.codes(true), QStringList());
-    }
-
-    // A marked row's box differs from an unmarked one, the check column only
-    // shows boxes in data rows, and the flat box is not the raised one.
-    void checkBoxIsDrawn()
-    {
-        std::unique_ptr<QStyle> style(QStyleFactory::create(QStringLiteral("Windows")));
-        CodeListForm form;
-        form.grid->setStyle(style.get());
-        form.grid->SetOznacene(2, true);
-        QVERIFY(form.Show(form.grid));
-        form.grid->SetCol(2);
-        const QImage image = form.image();
-        const QImage unmarked = image.copy(form.grid->CellRect(0, 1));
-        const QImage marked = image.copy(form.grid->CellRect(0, 2));
-        QVERIFY(unmarked != marked);
-        QCOMPARE(image.copy(form.grid->CellRect(0, 3)), unmarked);
-        form.grid->SetFlatCheckBox(true);
-        QVERIFY(form.image().copy(form.grid->CellRect(0, 2)) != marked);
-        form.grid->setStyle(nullptr);
     }
 
     void headerClicks_data()

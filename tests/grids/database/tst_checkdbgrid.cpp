@@ -307,14 +307,6 @@ private Q_SLOTS:
         QCOMPARE(grid->SelectedIndex(), 2);
         QTest::keyClick(grid, Qt::Key_Right);
         QCOMPARE(grid->SelectedIndex(), 2);
-
-        // ArrowToTabs: Ctrl+Left stays a plain Ctrl+Left, Right becomes Tab.
-        grid->SetArrowToTabs(true);
-        grid->SetSelectedIndex(1);
-        QTest::keyClick(grid, Qt::Key_Right);
-        QCOMPARE(grid->SelectedIndex(), 2);
-        QTest::keyClick(grid, Qt::Key_Left);
-        QCOMPARE(grid->SelectedIndex(), 1);
     }
 
     void confirmationsBetweenModes_data()
