@@ -171,7 +171,6 @@ private Q_SLOTS:
         const QPoint code(1, 0), name(2, 0);
         using P = QList<QPoint>;
         using R = QList<int>;
-        QTest::newRow("none") << P{} << true << 0 << soNone << R{};
         QTest::newRow("twice") << P{code, code} << true << 0 << soDescending << R{1, 1};
         // The order belongs to the grid, not to the column.
         QTest::newRow("another column") << P{code, name} << true << 0 << soDescending << R{1, 2};

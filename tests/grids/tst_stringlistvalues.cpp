@@ -23,8 +23,6 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("shown");
         QTest::newRow("fewer texts than values")
             << QStringList{"a", "b"} << 3 << QStringList{"a", "b", ""};
-        QTest::newRow("more texts than values")
-            << QStringList{"a", "b", "c"} << 2 << QStringList{"a", "b"};
         QTest::newRow("no values") << QStringList{"a"} << 0 << QStringList{};
     }
     void showsOneRowPerValue()

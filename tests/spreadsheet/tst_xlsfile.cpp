@@ -151,9 +151,6 @@ void TestXLSfile::attributes_data()
     QTest::addColumn<TSetOfAtribut>("set");
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("hidden locked") << (acHidden | acLocked) << QByteArray::fromHex("c00000");
-    QTest::newRow("borders shaded")
-        << (acShaded | acBottomBorder | acTopBorder | acRightBorder | acLeftBorder)
-        << QByteArray::fromHex("0000f8");
     QTest::newRow("left wins over center, right")
         << (acLeft | acCenter | acRight) << QByteArray::fromHex("000001");
     QTest::newRow("center wins over right")
@@ -239,7 +236,6 @@ void TestXLSfile::lengthBackPatching_data()
 {
     QTest::addColumn<int>("size"); // -1: nothing registered
     QTest::newRow("nothing registered") << -1;
-    QTest::newRow("empty payload") << 0;
     QTest::newRow("longer than 16 bits, truncated") << 70000;
 }
 

@@ -29,7 +29,6 @@ private Q_SLOTS:
     void factorForFont();
     void hostFactor_data();
     void hostFactor();
-    void followsTheApplicationFont();
     void formGeometry();
 };
 
@@ -86,26 +85,6 @@ void TestGeometryScale::hostFactor()
     scale->ResetFactor();
     QVERIFY(scale->Automatic());
     QCOMPARE(scale->Factor(), automatic);
-}
-
-void TestGeometryScale::followsTheApplicationFont()
-{
-    TGeometryScale *scale = TGeometryScale::Instance();
-    const QFont original = QApplication::font();
-    QSignalSpy changes(scale, &TGeometryScale::factorChanged);
-
-    QApplication::setFont(PointFont(14));
-    QCOMPARE(scale->Factor(), TGeometryScale::FactorForFont(PointFont(14)));
-    QVERIFY(scale->Factor() > TGeometryScale::FactorForFont(original));
-    QCOMPARE(changes.size(), 1);
-
-    // A factor the host fixed stays whatever the font.
-    scale->SetFactor(1.0);
-    QApplication::setFont(PointFont(20));
-    QCOMPARE(scale->Factor(), 1.0);
-    scale->ResetFactor();
-    QCOMPARE(scale->Factor(), TGeometryScale::FactorForFont(PointFont(20)));
-    QApplication::setFont(original);
 }
 
 void TestGeometryScale::formGeometry()

@@ -88,7 +88,6 @@ private Q_SLOTS:
     void selectCellCanRefuse();
     void mouseAndWheel();
     void scrolling();
-    void sizingAndMovingByMouse();
     void paintsOnlyVisibleCellsWithState();
     void drawCellFailureIsReportedOnce();
     void stringGridStorage();
@@ -321,29 +320,6 @@ void TestGrid::scrolling()
     QCOMPARE(w.grid->TopRow(), 10);
     QCOMPARE(w.grid->Row(), 60);
     QCOMPARE(bar->maximum(), 100 - w.grid->VisibleRowCount());
-}
-
-void TestGrid::sizingAndMovingByMouse()
-{
-    GridWindow w;
-    w.grid->SetOptions(w.grid->Options() | goColSizing | goColMoving);
-    w.grid->SetRows(1, {QStringLiteral("0"), QStringLiteral("1")});
-    QVERIFY(w.show());
-    QWidget *vp = w.grid->viewport();
-    const QRect header = w.grid->CellRect(1, 0);
-    const QPoint line(header.right() + 1, header.center().y());
-    QTest::mousePress(vp, Qt::LeftButton, {}, line);
-    QCOMPARE(w.grid->GridState(), gsColSizing);
-    QTest::mouseMove(vp, line + QPoint(20, 0));
-    QTest::mouseRelease(vp, Qt::LeftButton, {}, line + QPoint(20, 0));
-    QCOMPARE(w.grid->ColWidths(1), 84);
-    QCOMPARE(w.grid->GridState(), gsNormal);
-    // Dragging a header moves its column, width and texts included.
-    QTest::mousePress(vp, Qt::LeftButton, {}, w.centre(1, 0));
-    QCOMPARE(w.grid->GridState(), gsColMoving);
-    QTest::mouseRelease(vp, Qt::LeftButton, {}, w.centre(3, 0));
-    QCOMPARE(w.grid->Cells(3, 1), QStringLiteral("1"));
-    QCOMPARE(w.grid->ColWidths(3), 84);
 }
 
 void TestGrid::paintsOnlyVisibleCellsWithState()

@@ -51,7 +51,6 @@ void TestKeys::qtKeysMapToVirtualKeys()
 
 void TestKeys::shiftStatesAndShortCuts()
 {
-    QCOMPARE(ShiftStateFromModifiers(Qt::ControlModifier | Qt::ShiftModifier), ssCtrl | ssShift);
     QCOMPARE(ShiftStateFromModifiers(Qt::KeypadModifier), TShiftState());
     QCOMPARE(ShiftStateFromMouse(Qt::AltModifier, Qt::LeftButton | Qt::RightButton, true),
              ssAlt | ssLeft | ssRight | ssDouble);

@@ -1,11 +1,8 @@
 // The check-box record grids over a real database, driven by keys and
 // clicks: the record-advance probe, the wheel, check boxes, value cycling
-// with its arming step, the column-order list, the confirmations and the
-// focus navigation of the family.
+// with its arming step, the column-order list and the confirmations.
 
 #include "oxa/grids/CheckDBGrid.h"
-#include "oxa/grids/CheckDBGridOxa.h"
-#include "oxa/grids/DBGridOxa.h"
 #include "oxa/toolkit/SqlDataSet.h"
 #include "support/TestDatabase.h"
 #include "support/TestSupport.h"
@@ -260,22 +257,6 @@ private Q_SLOTS:
         QCOMPARE(state(), before);
     }
 
-    void clicksStepEnumerations()
-    {
-        PREPARE();
-        TEnhancedCheckDBGrid *grid = enhancedGrid();
-        grid->SetEnableRightButton(true);
-        const auto click = [grid, cell = grid->CellRect(3, 1).center()](Qt::MouseButton button) {
-            QTest::mouseClick(grid->viewport(), button, {}, cell);
-        };
-        const Qt::MouseButton left = Qt::LeftButton, right = Qt::RightButton;
-        // The first click arms, the right button steps backward.
-        for (const auto &[button, expected] : {std::pair{left, 1}, {left, 2}, {right, 1}}) {
-            click(button);
-            QCOMPARE(state(), expected);
-        }
-    }
-
     void booleanInAnEnumerationIsInverted()
     {
         PREPARE();
@@ -362,26 +343,6 @@ private Q_SLOTS:
         m_set->Close();
         PreradeniSloupcuGridu(&grid, QStringLiteral("name"));
         QCOMPARE(names().size(), 3);
-    }
-
-    void familyGridsMoveTheFocus()
-    {
-        PREPARE();
-        auto *grid = m_form->Add<TDBGridOxa>(120);
-        auto *checkGrid = m_form->Add<TCheckDBGridOxa>(120);
-        grid->SetDataSource(m_source.get());
-        checkGrid->SetDataSource(m_source.get());
-        grid->SetFocDown(checkGrid);
-        checkGrid->SetFocUp(grid);
-        QVERIFY(m_form->Show(grid));
-        QTest::keyClick(grid, Qt::Key_Down);
-        QCOMPARE(id(), 2);
-        QVERIFY(grid->hasFocus());
-        QTest::keyClick(grid, Qt::Key_Down, Qt::ControlModifier);
-        QVERIFY(checkGrid->hasFocus());
-        QCOMPARE(id(), 2);
-        QTest::keyClick(checkGrid, Qt::Key_Up, Qt::ControlModifier);
-        QVERIFY(grid->hasFocus());
     }
 };
 
