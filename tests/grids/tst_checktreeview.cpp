@@ -52,40 +52,30 @@ struct TreeForm : test::TestForm
             s += QString::number(TCheckTreeView::StateIndex(nodes.value(QLatin1String(name))));
         return s;
     }
-    void clickStateImage(const QString &name)
-    {
-        const QRect rect = tree->StateImageRect(nodes.value(name));
-        QVERIFY2(rect.isValid(), qPrintable(name));
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, rect.center());
-    }
-    // As the platform delivers a double click: press, release, press,
-    // double click, release.
-    void doubleClickStateImage(const QString &name)
-    {
-        const QPoint at = tree->StateImageRect(nodes.value(name)).center();
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, at);
-        QTest::mousePress(tree->viewport(), Qt::LeftButton, {}, at);
-        QMouseEvent dblClick(QEvent::MouseButtonDblClick, at, tree->viewport()->mapToGlobal(at),
-                             Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(tree->viewport(), &dblClick);
-        QTest::mouseRelease(tree->viewport(), Qt::LeftButton, {}, at);
-    }
     // Runs one step: "click:A1", "dclick:A", "label:A1", "space:A", "enter:A", "call:A".
+    // A double click comes as the platform delivers it: press, release,
+    // press, double click, release.
     void step(const QString &step)
     {
         const QString action = step.section(QLatin1Char(':'), 0, 0);
         QTreeWidgetItem *node = nodes.value(step.section(QLatin1Char(':'), 1));
         const QRect label = tree->visualItemRect(node);
-        if (action == QLatin1String("click"))
-            clickStateImage(node->text(0));
-        else if (action == QLatin1String("dclick"))
-            doubleClickStateImage(node->text(0));
-        else if (action == QLatin1String("label"))
-            QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
+        const QPoint image = tree->StateImageRect(node).center();
+        QWidget *viewport = tree->viewport();
+        if (action == QLatin1String("click") || action == QLatin1String("dclick"))
+            QTest::mouseClick(viewport, Qt::LeftButton, {}, image);
+        if (action == QLatin1String("dclick")) {
+            QTest::mousePress(viewport, Qt::LeftButton, {}, image);
+            QMouseEvent dblClick(QEvent::MouseButtonDblClick, image, viewport->mapToGlobal(image),
+                                 Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(viewport, &dblClick);
+            QTest::mouseRelease(viewport, Qt::LeftButton, {}, image);
+        } else if (action == QLatin1String("label")) {
+            QTest::mouseClick(viewport, Qt::LeftButton, {},
                               QPoint(label.right() - 4, label.center().y()));
-        else if (action == QLatin1String("call"))
+        } else if (action == QLatin1String("call")) {
             tree->StateImageClick(node);
-        else {
+        } else if (action != QLatin1String("click")) {
             tree->setCurrentItem(node);
             QTest::keyClick(tree,
                             action == QLatin1String("space") ? Qt::Key_Space : Qt::Key_Return);

@@ -34,9 +34,8 @@ class TestCheckDBGrid : public QObject
         exec(db,
              QStringLiteral("CREATE TABLE vaccine (id INTEGER PRIMARY KEY, name VARCHAR(40) "
                             "NOT NULL, given BOOLEAN, state INTEGER, dose INTEGER)"));
-        exec(db,
-             QStringLiteral("INSERT INTO vaccine VALUES (1, 'v1', FALSE, 1, 1), "
-                            "(2, 'v2', TRUE, 2, 0), (3, 'v3', FALSE, 0, 1)"));
+        InsertNumbered(db, QStringLiteral("vaccine"), 3,
+                       QStringLiteral("'v' || id, id = 2, id % 3, id % 2"));
         test::CloneTestDatabase(kMain, kOther);
         m_set = std::make_unique<TSqlDataSet>();
         m_set->SetConnectionName(kMain);
