@@ -307,7 +307,6 @@ private Q_SLOTS:
         QTest::newRow("name prefix, case sensitive") << "pr" << 2 << false << 3;
         QTest::newRow("not a prefix") << "11" << 1 << false << 3;
         QTest::newRow("the header is not searched") << "Kód" << 1 << false << 3;
-        QTest::newRow("column beyond the grid") << "A" << 9 << false << 3;
     }
 
     void locate()

@@ -193,7 +193,6 @@ void TestXLSfile::sheetBytes()
         + Bytes().cell(3, 4, 3, 0, Bytes().f64(-1234.5e-3).b).b +
         Bytes().cell(4, 2, 0, 0, QByteArray(1, char(44)) + QByteArray(300, 'x')).b + EndRecord;
     QCOMPARE(WriteSheet(xls, name), expected);
-    QCOMPARE(WriteSheet(xls, name), expected); // written again: the same bytes
     xls.clear();
     QCOMPARE(WriteSheet(xls, name), FixedRecords + EndRecord); // the longer file is replaced
 }
@@ -340,7 +339,6 @@ void TestXLSfile::readLoop_data()
     // record's end, so the end record is read after all.
     QTest::newRow("first registered reads; overrun lands on the end")
         << hex("f4010200 aabb") + eof << L{"Opcode 500 overrun 2 bytes"} << FormatError;
-    QTest::newRow("truncated: no end record") << hex("03000000 0a") << L() << StreamError;
     QTest::newRow("skip past the end")
         << hex("4d00 ff00 00") << L{"Unknown Opcode 77 "} << StreamError;
 }

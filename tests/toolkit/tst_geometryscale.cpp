@@ -65,7 +65,7 @@ void TestGeometryScale::hostFactor_data()
     QTest::addColumn<double>("factor");
     QTest::addColumn<int>("scaled65");
     QTest::newRow("1.0: the designed pixels") << 1.0 << 1.0 << 65;
-    QTest::newRow("1.5") << 1.5 << 1.5 << 98;
+    QTest::newRow("1.5, rounded") << 1.5 << 1.5 << 98;
     QTest::newRow("below 1") << 0.5 << 1.0 << 65;
     QTest::newRow("NaN") << std::nan("") << 1.0 << 65;
 }
