@@ -99,7 +99,6 @@ void TestGeometryScale::formGeometry()
     ScaleFormGeometry(&form);
     QCOMPARE(label->geometry(), QRect(16, 16, 578, 32));
     QCOMPARE(form.size(), QSize(610, 416));
-    QCOMPARE(form.maximumSize(), QSize(610, 416));
 
     // The designed geometry is remembered, so a scale back is exact.
     TGeometryScale::Instance()->SetFactor(1.0);
