@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -53,40 +52,30 @@ struct TreeForm : test::TestForm
             s += QString::number(TCheckTreeView::StateIndex(nodes.value(QLatin1String(name))));
         return s;
     }
-    void clickStateImage(const QString &name)
-    {
-        const QRect rect = tree->StateImageRect(nodes.value(name));
-        QVERIFY2(rect.isValid(), qPrintable(name));
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, rect.center());
-    }
-    // As the platform delivers a double click: press, release, press,
-    // double click, release.
-    void doubleClickStateImage(const QString &name)
-    {
-        const QPoint at = tree->StateImageRect(nodes.value(name)).center();
-        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, at);
-        QTest::mousePress(tree->viewport(), Qt::LeftButton, {}, at);
-        QMouseEvent dblClick(QEvent::MouseButtonDblClick, at, tree->viewport()->mapToGlobal(at),
-                             Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(tree->viewport(), &dblClick);
-        QTest::mouseRelease(tree->viewport(), Qt::LeftButton, {}, at);
-    }
     // Runs one step: "click:A1", "dclick:A", "label:A1", "space:A", "enter:A", "call:A".
+    // A double click comes as the platform delivers it: press, release,
+    // press, double click, release.
     void step(const QString &step)
     {
         const QString action = step.section(QLatin1Char(':'), 0, 0);
         QTreeWidgetItem *node = nodes.value(step.section(QLatin1Char(':'), 1));
         const QRect label = tree->visualItemRect(node);
-        if (action == QLatin1String("click"))
-            clickStateImage(node->text(0));
-        else if (action == QLatin1String("dclick"))
-            doubleClickStateImage(node->text(0));
-        else if (action == QLatin1String("label"))
-            QTest::mouseClick(tree->viewport(), Qt::LeftButton, {},
+        const QPoint image = tree->StateImageRect(node).center();
+        QWidget *viewport = tree->viewport();
+        if (action == QLatin1String("click") || action == QLatin1String("dclick"))
+            QTest::mouseClick(viewport, Qt::LeftButton, {}, image);
+        if (action == QLatin1String("dclick")) {
+            QTest::mousePress(viewport, Qt::LeftButton, {}, image);
+            QMouseEvent dblClick(QEvent::MouseButtonDblClick, image, viewport->mapToGlobal(image),
+                                 Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(viewport, &dblClick);
+            QTest::mouseRelease(viewport, Qt::LeftButton, {}, image);
+        } else if (action == QLatin1String("label")) {
+            QTest::mouseClick(viewport, Qt::LeftButton, {},
                               QPoint(label.right() - 4, label.center().y()));
-        else if (action == QLatin1String("call"))
+        } else if (action == QLatin1String("call")) {
             tree->StateImageClick(node);
-        else {
+        } else if (action != QLatin1String("click")) {
             tree->setCurrentItem(node);
             QTest::keyClick(tree,
                             action == QLatin1String("space") ? Qt::Key_Space : Qt::Key_Return);
@@ -106,23 +95,16 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("steps");
         QTest::addColumn<QStringList>("states"); // after each step, in pre-order
         // Children without a check box and their subtrees are left alone.
-        QTest::newRow("check and uncheck the root")
-            << QStringList{"click:Root", "click:Root"} << QStringList{"3333330101", "1111110101"};
         QTest::newRow("grey node becomes unchecked with its subtree")
             << QStringList{"click:A1", "click:A"} << QStringList{"2231110101", "1111110101"};
         QTest::newRow("last unchecked child completes the parent, upwards")
             << QStringList{"click:A1", "click:A2", "click:B1"}
             << QStringList{"2231110101", "2333110101", "3333330101"};
-        QTest::newRow("checked node within a checked tree")
-            << QStringList{"click:Root", "click:B1", "click:B1"}
-            << QStringList{"3333330101", "2333110101", "3333330101"};
         // The parent takes its child's state: it gains a check box.
         QTest::newRow("parent without a check box")
             << QStringList{"click:C1"} << QStringList{"2111110133"};
         QTest::newRow("space") << QStringList{"space:A", "space:A2"}
                                << QStringList{"2333110101", "2231110101"};
-        QTest::newRow("space on a node without a check box")
-            << QStringList{"space:Bn"} << QStringList{"1111110101"};
         QTest::newRow("a click beside the state image")
             << QStringList{"label:A1", "label:Root"} << QStringList{"1111110101", "1111110101"};
         // Two clicks, and the node stays expanded.
@@ -172,7 +154,6 @@ private Q_SLOTS:
             "1111230101");
         row("CTVSetParent skips it", "1111130101", "B1", 0, "2111330101");
         row("RefreshParent only the direct parent", "1131110101", "A1", 0, "1231110101");
-        row("RefreshParent on a root", "1111110101", "Root", 0, "1111110101");
         row("CTVSetParent keeps a parent of boxless children", "1111110130", "C1", 0, "2111110130");
         row("CTVSetParent gives a boxless parent a state", "1111110301", "Bn1", 0, "2111213301");
         row("CTVSetChild to grey", "1111110101", "B", 2, "1111220101");
@@ -196,48 +177,19 @@ private Q_SLOTS:
         QTEST(form.states(), "states");
     }
 
-    // Each node shows the picture of its state; a node without a check box
-    // shows none and its text starts where a state image would.
-    void stateImagesAreDrawn()
-    {
-        TreeForm<TCheckTreeView> form;
-        QVERIFY(form.Show(form.tree));
-        form.clickStateImage(QStringLiteral("A1"));
-        form.tree->setCurrentItem(nullptr);
-        form.tree->clearSelection();
-        const QImage shown = form.tree->viewport()->grab().toImage();
-        const char *const images[] = {"", "UNCHECKED", "GREYCHECKED", "CHECKED"};
-        for (const char *name : kNames) {
-            QTreeWidgetItem *node = form.nodes.value(QLatin1String(name));
-            const int state = TCheckTreeView::StateIndex(node);
-            const QRect rect = form.tree->StateImageRect(node);
-            QCOMPARE(rect.isValid(), state > 0);
-            if (!state)
-                continue;
-            QImage expected(rect.size(), QImage::Format_RGB32);
-            expected.fill(shown.pixel(rect.topLeft()));
-            QPainter(&expected).drawPixmap(
-                0, 0,
-                QPixmap(QStringLiteral(":/oxa/CheckTreeView/") + QLatin1String(images[state])));
-            QVERIFY2(shown.copy(rect).convertToFormat(QImage::Format_RGB32) == expected, name);
-        }
-    }
-
+    // Enter expands and collapses, not recursively: the children keep their own.
     void enterExpandsAndCollapses()
     {
         TreeForm<TCheckTreeView> form;
         QVERIFY(form.Show(form.tree));
         QTreeWidgetItem *a = form.nodes.value(QStringLiteral("A"));
         QTreeWidgetItem *root = form.nodes.value(QStringLiteral("Root"));
-        form.step(QStringLiteral("enter:A"));
-        QVERIFY(!a->isExpanded());
-        QVERIFY(root->isExpanded());
-        form.step(QStringLiteral("enter:A"));
-        QVERIFY(a->isExpanded());
-        // Not recursively: the children keep their own expansion.
-        form.step(QStringLiteral("enter:Root"));
-        QVERIFY(!root->isExpanded());
-        QVERIFY(a->isExpanded());
+        for (const auto &[node, aExpanded, rootExpanded] :
+             {std::tuple{"A", false, true}, {"A", true, true}, {"Root", true, false}}) {
+            form.step(QStringLiteral("enter:") + QLatin1String(node));
+            QCOMPARE((std::pair{a->isExpanded(), root->isExpanded()}),
+                     (std::pair{aExpanded, rootExpanded}));
+        }
         QCOMPARE(form.states(), QString::fromLatin1(kInitial));
     }
 
@@ -290,7 +242,6 @@ private Q_SLOTS:
         QTest::addColumn<QKeyCombination>("key");
         QTest::addColumn<bool>("left");
         QTest::addColumn<QString>("current");
-        QTest::newRow("down") << QKeyCombination(Qt::Key_Down) << false << "B1";
         QTest::newRow("ctrl down") << (Qt::ControlModifier | Qt::Key_Down) << true << "B";
         QTest::newRow("ctrl shift down")
             << (Qt::ControlModifier | Qt::ShiftModifier | Qt::Key_Down) << false << "B1";

@@ -31,6 +31,22 @@ inline void exec(const QSqlDatabase &db, const QString &sql)
         qFatal("%s: %s", qPrintable(sql), qPrintable(query.lastError().text()));
 }
 
+// Fills table with the rows id = 1..count, the other columns computed from
+// id by the expressions; a serial key goes on after the last id.
+inline void InsertNumbered(const QSqlDatabase &db, const QString &table, int count,
+                           const QString &expressions)
+{
+    exec(db,
+         QStringLiteral("INSERT INTO %1 WITH RECURSIVE n(id) AS (SELECT 1 UNION ALL "
+                        "SELECT id + 1 FROM n WHERE id < %2) SELECT id, %3 FROM n")
+             .arg(table, QString::number(count), expressions));
+    if (db.driverName() == QLatin1String("QPSQL"))
+        exec(db,
+             QStringLiteral("SELECT setval(pg_get_serial_sequence('%1', 'id'), %2)")
+                 .arg(table)
+                 .arg(count));
+}
+
 // The first value of a query on the second connection: what is committed.
 inline QVariant scalar(const QString &sql)
 {
@@ -40,17 +56,12 @@ inline QVariant scalar(const QString &sql)
     return query.value(0);
 }
 
-inline QStringList DatabaseKinds()
-{
-    return {QStringLiteral("sqlite"), QStringLiteral("postgresql")};
-}
-
 // The "database" column of a data-driven test: one row per kind.
 inline void AddDatabaseRows()
 {
     QTest::addColumn<QString>("database");
-    for (const QString &kind : DatabaseKinds())
-        QTest::newRow(qPrintable(kind)) << kind;
+    for (const char *kind : {"sqlite", "postgresql"})
+        QTest::newRow(kind) << QString::fromLatin1(kind);
 }
 
 // Closes and forgets the test's two connections.
@@ -62,26 +73,22 @@ inline void CloseTestConnections()
     }
 }
 
-// The socket directory of the test server, or why there is none.
-inline bool PostgresSocketDir(QString &dir, QString &why)
+// The socket directory of the test server; empty, with why, when there is none.
+inline QString PostgresSocketDir(QString &why)
 {
     const QString stateFile = qEnvironmentVariable("OXA_PG_STATE");
-    if (stateFile.isEmpty()) {
-        why = QStringLiteral("no PostgreSQL test server (OXA_PG_STATE not set)");
-        return false;
-    }
     QFile file(stateFile);
-    if (!file.open(QIODevice::ReadOnly)) {
-        why = QStringLiteral("no PostgreSQL test server (%1 missing)").arg(stateFile);
-        return false;
+    if (stateFile.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+        why = QStringLiteral("no PostgreSQL test server (%1)")
+                  .arg(stateFile.isEmpty() ? QStringLiteral("OXA_PG_STATE not set")
+                                           : stateFile + QStringLiteral(" missing"));
+        return {};
     }
     const QString line = QString::fromUtf8(file.readLine()).trimmed();
-    if (line.startsWith(QLatin1String("dir="))) {
-        dir = line.mid(4) + QLatin1String("/sock");
-        return true;
-    }
+    if (line.startsWith(QLatin1String("dir=")))
+        return line.mid(4) + QLatin1String("/sock");
     why = line.startsWith(QLatin1String("unavailable=")) ? line.mid(12) : line;
-    return false;
+    return {};
 }
 
 // Opens a new, empty database of the kind under the connection name;
@@ -101,32 +108,31 @@ inline QString OpenTestDatabase(const QString &kind, const QString &connection)
     }
     if (!QSqlDatabase::isDriverAvailable(QStringLiteral("QPSQL")))
         return QStringLiteral("Qt's PostgreSQL driver is missing (Debian package libqt6sql6-psql)");
-    QString dir;
     QString why;
-    if (!PostgresSocketDir(dir, why))
+    const QString dir = PostgresSocketDir(why);
+    if (dir.isEmpty())
         return why;
+    const auto connect = [&dir](const QString &name, const QString &database) {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), name);
+        db.setHostName(dir);
+        db.setUserName(QStringLiteral("oxa"));
+        db.setDatabaseName(database);
+        return db;
+    };
     const QString name = QStringLiteral("%1_%2_%3")
                              .arg(QCoreApplication::applicationName().toLower())
                              .arg(QCoreApplication::applicationPid())
                              .arg(serial);
     {
-        QSqlDatabase admin =
-            QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connection + "_admin");
-        admin.setHostName(dir);
-        admin.setUserName(QStringLiteral("oxa"));
-        admin.setDatabaseName(QStringLiteral("postgres"));
+        QSqlDatabase admin = connect(connection + "_admin", QStringLiteral("postgres"));
         if (!admin.open())
             return admin.lastError().text();
         QSqlQuery query(admin);
         if (!query.exec(QStringLiteral("CREATE DATABASE %1").arg(name)))
             return query.lastError().text();
-        admin.close();
     }
     QSqlDatabase::removeDatabase(connection + "_admin");
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connection);
-    db.setHostName(dir);
-    db.setUserName(QStringLiteral("oxa"));
-    db.setDatabaseName(name);
+    QSqlDatabase db = connect(connection, name);
     return db.open() ? QString() : db.lastError().text();
 }
 
@@ -146,11 +152,3 @@ inline QSqlDatabase CloneTestDatabase(const QString &connection, const QString &
 // command requires the PostgreSQL server, a skip with the reason elsewhere.
 #define OXA_REQUIRE_DATABASE(prepared, reason) \
     OXA_REQUIRE_OR_SKIP(prepared, "OXA_REQUIRE_POSTGRES", reason)
-
-// Opens the database of the test's "database" column, or skips with the
-// reason; when OXA_REQUIRE_POSTGRES is set a missing server fails instead.
-#define OXA_OPEN_TEST_DATABASE(kind, connection) \
-    do { \
-        const QString oxaWhy = oxa::test::OpenTestDatabase(kind, connection); \
-        OXA_REQUIRE_OR_SKIP(oxaWhy.isEmpty(), "OXA_REQUIRE_POSTGRES", oxaWhy); \
-    } while (false)

@@ -70,7 +70,6 @@ void TestDateUtils::isoWeekdayAndWeek_data()
     QTest::addColumn<QDate>("date");
     QTest::addColumn<int>("isoDay");
     QTest::addColumn<int>("week");
-    QTest::newRow("the epoch, a Saturday") << QDate(1899, 12, 30) << 6 << 52;
     QTest::newRow("1.1.2021 in week 53 of 2020") << QDate(2021, 1, 1) << 5 << 53;
     QTest::newRow("1.1.2017, a Sunday in week 52") << QDate(2017, 1, 1) << 7 << 52;
     QTest::newRow("31.12.2024 in week 1") << QDate(2024, 12, 31) << 2 << 1;
@@ -123,18 +122,12 @@ void TestDateUtils::formatStrToDate_data()
     } rows[] = {{"d.m.yyyy", "1.2.2019", "", QDate(2019, 2, 1)},
                 {"dd.mm.yy", "31.01.19", "", QDate(century + 19, 1, 31)},
                 {"ddmmyyyy", "31012019", "", QDate(2019, 1, 31)},
-                {"ddmmyy", "310119", "", QDate(century + 19, 1, 31)},
                 {"blanks and placeholders", " 1_. 2.2019 ", "", QDate(2019, 2, 1)},
                 {"format, toolkit separator", "3.1.2019", "dd/mm/yyyy", QDate(2019, 1, 3)},
-                {"format, fields abutting", "31012019", "ddmmyyyy", QDate(2019, 1, 31)},
                 {"format, year first", "2019-01-31", "yyyy-mm-dd", QDate(2019, 1, 31)},
-                {"32.13.", "32.13.2019", "", QDate()},
                 {"29.2. in a common year", "29.02.2019", "", QDate()},
-                {"empty", "", "", QDate()},
                 {"untouched mask", "  .  .    ", "", QDate()},
                 {"three-digit year", "1.1.201", "", QDate()},
-                {"five-digit year", "1.1.20197", "", QDate()},
-                {"year 0", "01.01.0000", "", QDate()},
                 {"format, extra digit", "310120197", "ddmmyyyy", QDate()}};
     for (const auto &row : rows)
         QTest::newRow(row.name) << QString(row.text) << QString(row.format) << row.expected;

@@ -30,13 +30,8 @@ void TestKeys::qtKeysMapToVirtualKeys_data()
     QTest::addColumn<int>("vk");
     QTest::newRow("keypad star") << int(Qt::Key_Asterisk) << int(Qt::KeypadModifier)
                                  << int(VK_MULTIPLY);
-    QTest::newRow("keypad plus") << int(Qt::Key_Plus) << int(Qt::KeypadModifier) << int(VK_ADD);
-    QTest::newRow("keypad minus") << int(Qt::Key_Minus) << int(Qt::KeypadModifier)
-                                  << int(VK_SUBTRACT);
     QTest::newRow("keypad 7") << int(Qt::Key_7) << int(Qt::KeypadModifier) << 0x67;
     QTest::newRow("main minus") << int(Qt::Key_Minus) << 0 << int(VK_OEM_MINUS);
-    QTest::newRow("letter") << int(Qt::Key_F) << 0 << 0x46;
-    QTest::newRow("F4") << int(Qt::Key_F4) << 0 << int(VK_F4);
     QTest::newRow("keypad arrow stays an arrow")
         << int(Qt::Key_Up) << int(Qt::KeypadModifier) << int(VK_UP);
 }
@@ -56,7 +51,6 @@ void TestKeys::qtKeysMapToVirtualKeys()
 
 void TestKeys::shiftStatesAndShortCuts()
 {
-    QCOMPARE(ShiftStateFromModifiers(Qt::ControlModifier | Qt::ShiftModifier), ssCtrl | ssShift);
     QCOMPARE(ShiftStateFromModifiers(Qt::KeypadModifier), TShiftState());
     QCOMPARE(ShiftStateFromMouse(Qt::AltModifier, Qt::LeftButton | Qt::RightButton, true),
              ssAlt | ssLeft | ssRight | ssDouble);
@@ -64,7 +58,6 @@ void TestKeys::shiftStatesAndShortCuts()
              QStringLiteral("Shift+Alt+A"));
     QCOMPARE(ShortCutToText(ShortCut(VK_DELETE, ssCtrl)), QStringLiteral("Ctrl+Del"));
     QCOMPARE(TextToShortCut(QStringLiteral("Ctrl+F1")), ShortCut(VK_F1, ssCtrl));
-    QCOMPARE(ShortCutToText(0), QString());
 }
 
 // Real key and focus events on a shown edit, through its published events: a
