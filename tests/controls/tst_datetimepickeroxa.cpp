@@ -1,4 +1,5 @@
 #include "oxa/controls/DateTimePickerOxa.h"
+#include "oxa/toolkit/Exceptions.h"
 #include "support/TestSupport.h"
 
 #include <QCalendarWidget>
@@ -165,6 +166,20 @@ private Q_SLOTS:
             m_picker->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_picker) - 9;
         QCOMPARE(m_picker->VyhodnotStisk(edge), 1);
         QCOMPARE(m_picker->VyhodnotStisk(edge + 1), 2);
+    }
+
+    // Without a form to measure in, a click tells the user so.
+    void noWindowNoMeasuring()
+    {
+        test::MessageRecorder messages;
+        TDateTimePickerOxa alone;
+        QCOMPARE(alone.VyhodnotStisk(1), 0);
+        QVERIFY_THROWS_EXCEPTION(Exception, alone.VyhodnotStisk(40));
+        alone.show();
+        const QPoint at(20, alone.height() / 2);
+        QWidget *target = alone.childAt(at) ? alone.childAt(at) : &alone;
+        QTest::mouseClick(target, Qt::LeftButton, {}, target->mapFrom(&alone, at));
+        QCOMPARE(messages.Texts(), QStringList{QStringLiteral("Neexistuje parent třídy TForm")});
     }
 
     void calendar()

@@ -165,6 +165,11 @@ private Q_SLOTS:
         QVERIFY(image.isNull());
         QCOMPARE(provider->ErrorCount(), 1);
         QCOMPARE(provider->BlickCount(), 1);
+
+        // A provider freed before its form frees its marks.
+        image = provider->ErrorImage("edPrijmeni");
+        delete provider;
+        QVERIFY(image.isNull());
     }
 };
 

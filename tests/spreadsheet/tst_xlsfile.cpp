@@ -3,6 +3,7 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -142,6 +143,7 @@ private Q_SLOTS:
     void writerHoldsNothingBack();
     void readLoop_data();
     void readLoop();
+    void readSurvivesDamagedStreams();
     void failedWriteKeepsCells_data();
     void failedWriteKeepsCells();
 };
@@ -356,6 +358,44 @@ void TestXLSfile::readLoop()
     xls.Dispatcher().SetStream(&buffer);
     QTEST(FailureOf<EReadError>([&] { xls.Dispatcher().Read(); }), "error");
     QTEST(xls.Dispatcher().SLError(), "messages");
+}
+
+// Truncated, mutated and made-up streams must end in a reported error, never
+// in a read past the buffer (the sanitizer run watches for that).
+void TestXLSfile::readSurvivesDamagedStreams()
+{
+    QRandomGenerator random(20240611);
+    TXLSfile source;
+    for (int i = 0; i < 40; ++i) {
+        source.AddWordCell(i % 7, i / 7, {}, quint16(i));
+        source.AddDoubleCell(i % 5, i / 3, acCenter, i / 3.0);
+        source.AddStrCell(i % 3, i, {}, QStringLiteral("Šťovík").left(i % 7));
+    }
+    const QByteArray valid = WriteToBuffer(source.Dispatcher());
+    TXLSfile sheet;
+    sheet.AddWordCell(1, 1, {}, 0);
+    sheet.AddDoubleCell(1, 1, {}, 0);
+    sheet.AddStrCell(1, 1, {}, {});
+    sheet.AddData(std::make_unique<TProbe>(5, 3));
+    for (int round = 0; round < 6000; ++round) {
+        QByteArray stream = valid;
+        if (round % 2) { // a few opcodes the sheet knows, with random lengths
+            stream.clear();
+            for (int n = random.bounded(1, 40); n > 0; --n)
+                stream += Bytes().u16(random.bounded(0, 12)).u16(random.bounded(0, 24)).b;
+        } else {
+            for (int n = random.bounded(0, 8); n > 0; --n)
+                stream[random.bounded(stream.size())] = char(random.bounded(256));
+            stream.truncate(random.bounded(stream.size() + 1));
+        }
+        QBuffer buffer(&stream);
+        buffer.open(QIODevice::ReadOnly);
+        sheet.Dispatcher().SetStream(&buffer);
+        FailureOf<EReadError>([&] { sheet.Dispatcher().Read(); });
+        sheet.Dispatcher().SetStream(nullptr);
+        QVERIFY(sheet.Dispatcher().SLError().size() <= stream.size() + 1);
+        sheet.Dispatcher().SLError().clear();
+    }
 }
 
 void TestXLSfile::failedWriteKeepsCells_data()
