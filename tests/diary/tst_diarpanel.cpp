@@ -162,11 +162,9 @@ private Q_SLOTS:
     void doubleClicks();
     void monthGrid();
     void dragAndDrop();
-    void keyboardMoveDeleteAndInsert();
     void selectionEvents();
     void oneSelection_data();
     void oneSelection();
-    void propertiesNotify_data();
     void propertiesNotify();
     void timeColumnHoldsTheTimes_data();
     void timeColumnHoldsTheTimes();
@@ -507,34 +505,6 @@ void TestDiarPanel::dragAndDrop()
     QCOMPARE(Ids(d.panel.GetDayGroupBox(Nov(19))), (QList<qint32>{3, 1}));
 }
 
-void TestDiarPanel::keyboardMoveDeleteAndInsert()
-{
-    Diar d(dsWeek);
-    QVERIFY(test::ShowAndActivate(&d.panel));
-    TDayListView *tuesday = d.List(Nov(17));
-    QTest::mouseClick(tuesday->viewport(), Qt::LeftButton, {}, ItemCenter(tuesday, 1));
-    QTest::keyClick(tuesday, Qt::Key_Right, Qt::ControlModifier);
-    QCOMPARE(d.keyMoves.first().second.Den, qint16(18));
-    QCOMPARE(d.panel.SelectedDay(), Nov(18));
-    QCOMPARE(d.panel.GetDayGroupBox(Nov(17))->title().right(6), QStringLiteral("  (1) "));
-
-    // Delete asks the host, unless read-only; a refusal keeps the entry.
-    TDayListView *wednesday = d.panel.DayListView();
-    d.panel.SetReadOnly(true);
-    QTest::keyClick(wednesday, Qt::Key_Delete);
-    QVERIFY(d.askedToDelete.isEmpty());
-    d.panel.SetReadOnly(false);
-    d.allow = false;
-    QTest::keyClick(wednesday, Qt::Key_Delete);
-    QCOMPARE(d.panel.getZaznamyCount(18), 1);
-    d.allow = true;
-    QTest::keyClick(wednesday, Qt::Key_Delete);
-    QCOMPARE(d.askedToDelete, (QList<qint32>{1, 1}));
-    QCOMPARE(wednesday->Count(), 0);
-    QTest::keyClick(wednesday, Qt::Key_Insert);
-    QCOMPARE(d.inserted, QList<TDate>{Nov(18)});
-}
-
 void TestDiarPanel::selectionEvents()
 {
     Diar d(dsDay);
@@ -626,55 +596,52 @@ void TestDiarPanel::oneSelection()
     QCOMPARE(test::Klice(d.edited), expected < 0 ? none : (QList<qint32>{expected, expected}));
     QCOMPARE(test::Klice(d.pacient), once);
 
+    const TDate day = d.panel.SelectedDay();
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right, Qt::ControlModifier);
     QList<qint32> moved;
-    for (const auto &move : std::as_const(d.keyMoves))
-        moved << move.first.ID_DIAR;
+    for (const auto &[old, moving] : std::as_const(d.keyMoves)) {
+        moved << old.ID_DIAR;
+        QCOMPARE(moving.Den, qint16(DateTimeToQDate(day).day() + 1));
+    }
     QCOMPARE(moved, once);
     CheckOneSelection(d.panel, expected);
     if (QTest::currentTestFailed())
         return;
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
-    QCOMPARE(d.askedToDelete, once);
+
+    // Delete asks the host, unless read-only; a refusal keeps the entry.
+    TDayListView *list = d.panel.DayListView();
+    d.panel.SetReadOnly(true);
+    QTest::keyClick(list, Qt::Key_Delete);
+    d.panel.SetReadOnly(false);
+    d.allow = false;
+    QTest::keyClick(list, Qt::Key_Delete);
+    d.allow = true;
+    QTest::keyClick(list, Qt::Key_Delete);
+    QCOMPARE(d.askedToDelete, expected < 0 ? none : (QList<qint32>{expected, expected}));
+    QCOMPARE(list->VratIndexPrvku(expected), -1);
+    QTest::keyClick(list, Qt::Key_Insert);
+    QCOMPARE(d.inserted, QList<TDate>{d.panel.SelectedDay()});
 }
 
-// Each published property that changes at run time reports a change once,
-// and a write of the value it already has reports nothing.
-void TestDiarPanel::propertiesNotify_data()
-{
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QVariant>("value");
-    const QList<std::tuple<const char *, const char *, QVariant>> rows = {
-        {"TDiarPanel", "MonthYear", 12701},
-        {"TMonthGrid", "CasOd", 8},
-        {"TDayGroupBox", "Date", Nov(3)},
-        {"TEnhancedMonthCalendar", "MinDate", Nov(3)}};
-    for (const auto &[type, property, value] : rows)
-        QTest::addRow("%s %s", type, property) << QByteArray(property) << value;
-}
-
+// A published property that changes at run time reports a change once, and
+// a write of the value it already has reports nothing.
 void TestDiarPanel::propertiesNotify()
 {
-    QFETCH(QByteArray, property);
-    QFETCH(QVariant, value);
-    const QByteArray type = QByteArray(QTest::currentDataTag()).split(' ').first();
-    std::unique_ptr<QObject> object;
-    if (type == "TDiarPanel")
-        object = std::make_unique<TDiarPanel>();
-    else if (type == "TMonthGrid")
-        object = std::make_unique<TMonthGrid>();
-    else if (type == "TDayGroupBox")
-        object = std::make_unique<TDayGroupBox>();
-    else
-        object = std::make_unique<TEnhancedMonthCalendar>();
-    const QMetaProperty p =
-        object->metaObject()->property(object->metaObject()->indexOfProperty(property));
-    QVERIFY(p.hasNotifySignal());
-    QSignalSpy spy(object.get(), p.notifySignal());
-    for (int round = 0; round < 2; ++round) { // the second write changes nothing
-        QVERIFY(p.write(object.get(), value));
-        QCOMPARE(p.read(object.get()), value);
-        QCOMPARE(spy.count(), 1);
+    TDiarPanel panel;
+    TMonthGrid grid;
+    TEnhancedMonthCalendar calendar;
+    const QList<std::tuple<QObject *, const char *, QVariant>> rows = {
+        {&panel, "MonthYear", 12701}, {&grid, "CasOd", 8}, {&calendar, "MinDate", Nov(3)}};
+    for (const auto &[object, name, value] : rows) {
+        const QMetaObject *meta = object->metaObject();
+        const QMetaProperty p = meta->property(meta->indexOfProperty(name));
+        QVERIFY2(p.hasNotifySignal(), name);
+        QSignalSpy spy(object, p.notifySignal());
+        for (int round = 0; round < 2; ++round) { // the second write changes nothing
+            QVERIFY(p.write(object, value));
+            QCOMPARE(p.read(object), value);
+            QCOMPARE(spy.count(), 1);
+        }
     }
 }
 
