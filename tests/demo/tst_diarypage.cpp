@@ -111,8 +111,6 @@ private Q_SLOTS:
         QTest::addColumn<QDate>("holiday");
         QTest::newRow("next: Christmas") << QDate(2026, 11, 24) << "qt_calendar_nextmonth"
                                          << QDate(2026, 12, 24) << QDate(2026, 12, 24);
-        QTest::newRow("previous: 28 October") << QDate(2026, 11, 24) << "qt_calendar_prevmonth"
-                                              << QDate(2026, 10, 24) << QDate(2026, 10, 28);
         QTest::newRow("shorter month, Easter Monday in March")
             << QDate(2027, 3, 31) << "qt_calendar_nextmonth" << QDate(2027, 4, 30)
             << QDate(2027, 3, 29);

