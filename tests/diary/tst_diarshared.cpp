@@ -13,7 +13,6 @@ class TestDiarShared : public QObject
 
 private Q_SLOTS:
     void shortStringsAndBounds();
-    void diarKonfigListOwnsItems();
     void storeSlots();
     void removingEntries();
     void findDayRecordBySpan_data();
@@ -35,24 +34,6 @@ void TestDiarShared::shortStringsAndBounds()
     dny[31] = 31;
     QVERIFY_THROWS_EXCEPTION(oxa::Exception, dny[0]);
     QVERIFY_THROWS_EXCEPTION(oxa::Exception, dny[32]);
-}
-
-void TestDiarShared::diarKonfigListOwnsItems()
-{
-    TDiarKonfigList list;
-    QVERIFY_THROWS_EXCEPTION(oxa::Exception, list.First());
-    for (int i = 1; i <= 3; ++i) {
-        list.Add(std::make_unique<TDiarKonfig>());
-        list.Last()->ID_DIARKONFIG = i;
-    }
-    list.SetItems(0, std::make_unique<TDiarKonfig>(*list.Last())); // frees the first one
-    QCOMPARE(list.First()->ID_DIARKONFIG, 3);
-    TDiarKonfig *druhy = list[1];
-    QCOMPARE(list.Extract(druhy).get(), druhy);
-    QVERIFY(!list.Extract(druhy));
-    QCOMPARE(list.Count(), 2);
-    QVERIFY_THROWS_EXCEPTION(oxa::Exception, list.Items(2));
-    QVERIFY_THROWS_EXCEPTION(oxa::Exception, list.SetItems(-1, nullptr));
 }
 
 void TestDiarShared::storeSlots()
