@@ -36,7 +36,6 @@ private Q_SLOTS:
     void columnsTextsAndLooks();
     void boxCaption_data();
     void boxCaption();
-    void boxColours();
     void boxWithoutPanel();
     void dragStartsFromTheItemUnderTheMouse();
 };
@@ -133,24 +132,6 @@ void TestDayListView::boxCaption()
     QCOMPARE(box.title(), caption);
     QCOMPARE(box.DayListView()->Den(), 15);
     QCOMPARE(months, QList<qint16>{11904});
-}
-
-void TestDayListView::boxColours()
-{
-    TDayGroupBox box;
-    box.resize(200, 150);
-    box.SetDate(EncodeDate(2019, 4, 15)); // Monday
-    QVERIFY(test::ShowAndActivate(&box));
-    // A point of the caption row right of the caption text.
-    auto background = [&box] { return box.grab().toImage().pixelColor(box.width() - 3, 2); };
-
-    QCOMPARE(background(), QColor(255, 255, 255));
-    box.SetActive(true);
-    box.SetDate(EncodeDate(2019, 4, 21));
-    QCOMPARE(background(), QColor(0, 0, 0x80));
-    QCOMPARE(box.DayListView()->palette().color(QPalette::Base), ColorToQColor(clInfoBk));
-    box.SetActive(false);
-    QCOMPARE(background(), QColor(0xE0, 0xE0, 0xE0));
 }
 
 void TestDayListView::boxWithoutPanel()

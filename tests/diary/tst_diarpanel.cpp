@@ -297,7 +297,6 @@ void TestDiarPanel::navigation_data()
         << int(dsWorkWeek) << Nov(16) << int(Qt::Key_Left) << 0 << Nov(13);
     QTest::newRow("month, left") << int(dsMonth) << Nov(1) << int(Qt::Key_Left) << 0 << Den(10, 31);
     QTest::newRow("wheel, two days") << int(dsWeek) << Nov(17) << 0 << -240 << Nov(19);
-    QTest::newRow("wheel back") << int(dsWeek) << Nov(17) << 0 << 120 << Nov(16);
     QTest::newRow("wheel, last day shown") << int(dsWeek) << Nov(22) << 0 << -120 << Nov(22);
     QTest::newRow("wheel, first of the month") << int(dsWeek) << Nov(1) << 0 << 120 << Nov(1);
 }

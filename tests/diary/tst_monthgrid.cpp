@@ -24,8 +24,8 @@ QDate EasterSunday(int y)
     return QDate(y, (h + l - 7 * m + 114) / 31, (h + l - 7 * m + 114) % 31 + 1);
 }
 
-constexpr TColor kPracDoba = 0xC0FFC0, kDovolena = 0xFF00FF, kObjednani = 0x00FFFF;
-constexpr TColor kVlastni = 0x404080;
+constexpr TColor kSvatek = 0x00FF00, kSoNe = 0x808000, kPracDoba = 0xC0FFC0;
+constexpr TColor kDovolena = 0xFF00FF, kObjednani = 0x00FFFF, kVlastni = 0x404080;
 
 TDiarNastaveni Nastaveni()
 {
@@ -69,6 +69,7 @@ private Q_SLOTS:
     void workingAndBookingHours();
     void leave();
     void konfigAndZaznamQuestions();
+    void drawnColours();
     void datumAndSelection();
     void hintAfterMouseRests();
 };
@@ -303,6 +304,33 @@ void TestMonthGrid::konfigAndZaznamQuestions()
         {4, 1, kDovolena},  {5, 1, kDovolena},  {5, 2, clNone}};
     for (const auto &[den, col, expected] : cases)
         QCOMPARE(konfig(den, col), expected);
+}
+
+// The colours of the cells' data, a done entry crossed out, the holiday
+// before the weekend, a selection over everything.
+void TestMonthGrid::drawnColours()
+{
+    // October 2023: the 28th is a Saturday and a holiday, the 1st a Sunday.
+    MonthWindow w(EncodeDate(2023, 10, 2));
+    TDiarNastaveni n = Nastaveni();
+    n.barvaSvatek = kSvatek;
+    n.barvaSoNe = kSoNe;
+    TDayRecord hotovy = Zaznam(3, Cas(9, 0), Cas(9, 15));
+    hotovy.SPLNENO = 100;
+    TDayRecord soukromy = Zaznam(3, Cas(9, 15), Cas(9, 30));
+    soukromy.Soukrome = true;
+    for (const TDayRecord &z : {hotovy, soukromy})
+        w.add(z);
+    w.settings(n);
+    QVERIFY(w.show());
+
+    QCOMPARE(w.pixel(37, 3), ColorToQColor(0x0000FF));
+    QCOMPARE(w.pixel(37, 3, {4, 6}), QColor(Qt::black));
+    QCOMPARE(w.pixel(38, 3), ColorToQColor(0xE0C545));
+    QCOMPARE(w.pixel(42, 28), ColorToQColor(kSvatek));
+    QCOMPARE(w.pixel(42, 1), ColorToQColor(kSoNe));
+    QTest::mouseClick(w.grid->viewport(), Qt::LeftButton, {}, w.centre(37, 3));
+    QCOMPARE(w.pixel(37, 3), w.grid->palette().color(QPalette::Highlight));
 }
 
 void TestMonthGrid::datumAndSelection()
