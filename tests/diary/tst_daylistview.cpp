@@ -36,7 +36,6 @@ private Q_SLOTS:
     void columnsTextsAndLooks();
     void boxCaption_data();
     void boxCaption();
-    void boxWithoutPanel();
     void dragStartsFromTheItemUnderTheMouse();
 };
 
@@ -132,30 +131,6 @@ void TestDayListView::boxCaption()
     QCOMPARE(box.title(), caption);
     QCOMPARE(box.DayListView()->Den(), 15);
     QCOMPARE(months, QList<qint16>{11904});
-}
-
-void TestDayListView::boxWithoutPanel()
-{
-    TDayGroupBox box;
-    box.resize(240, 200);
-    TDayListView *list = box.DayListView();
-    list->AddItem(Polozka(1, Cas(8, 0), Cas(9, 0)));
-    list->AddItem(Polozka(2, Cas(9, 0), Cas(10, 0)));
-    QList<int> selected;
-    QList<qint32> opened;
-    box.OnSelectDayItem = [&selected](QObject *, int index) { selected << index; };
-    box.OnDoubleClickDayItem = [&opened](QObject *, const TDayRecord &z) { opened << z.ID_DIAR; };
-    QVERIFY(test::ShowAndActivate(&box));
-
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, ItemCenter(list, 1));
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                      QPoint(10, list->viewport()->height() - 5));
-    QCOMPARE(selected, (QList<int>{1, -1}));
-    // Without a diary panel above it the box opens nothing and deletes nothing.
-    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, ItemCenter(list, 0));
-    QTest::keyClick(list, Qt::Key_Delete);
-    QVERIFY(opened.isEmpty());
-    QCOMPARE(list->Count(), 2);
 }
 
 void TestDayListView::dragStartsFromTheItemUnderTheMouse()
