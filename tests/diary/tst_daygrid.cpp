@@ -67,7 +67,6 @@ void TestDayGrid::selectionTimes_data()
     QTest::addColumn<QTime>("konec");
     QTest::addColumn<int>("to");
     // The end column is counted in slots per hour, not per day.
-    QTest::newRow("15 ten to eleven") << 15 << 41 << 44 << QTime(10, 0) << QTime(11, 0) << 2;
     QTest::newRow("15 eight to nine") << 15 << 33 << 36 << QTime(8, 0) << QTime(9, 0) << 2; // 1.5
     QTest::newRow("15 to three") << 15 << 57 << 60 << QTime(14, 0) << QTime(15, 0) << 2;    // 2.5
     QTest::newRow("15 first slot") << 15 << 1 << 1 << QTime(0, 0) << QTime(0, 15) << 0;

@@ -36,7 +36,6 @@ private Q_SLOTS:
     void columnsTextsAndLooks();
     void boxCaption_data();
     void boxCaption();
-    void dragStartsFromTheItemUnderTheMouse();
 };
 
 void TestDayListView::packedMonths()
@@ -131,28 +130,6 @@ void TestDayListView::boxCaption()
     QCOMPARE(box.title(), caption);
     QCOMPARE(box.DayListView()->Den(), 15);
     QCOMPARE(months, QList<qint16>{11904});
-}
-
-void TestDayListView::dragStartsFromTheItemUnderTheMouse()
-{
-    QCOMPARE(TTextDragObject().DragText(), QStringLiteral("- nevybráno -"));
-
-    TDayListView source;
-    source.resize(300, 200);
-    source.AddItem(Polozka(1, Cas(8, 0), Cas(9, 0)));
-    source.AddItem(Polozka(2, Cas(9, 15), Cas(10, 0)));
-    QStringList texts;
-    source.OnStartDrag = [&](QObject *, TTextDragObject &drag, bool &allow) {
-        texts << drag.DragText();
-        allow = false;
-    };
-    QVERIFY(test::ShowAndActivate(&source));
-    const QPoint start = ItemCenter(&source, 1);
-    QTest::mousePress(source.viewport(), Qt::LeftButton, {}, start);
-    QTest::mouseMove(source.viewport(), start + QPoint(5, 0));
-    QTest::mouseMove(source.viewport(), start + QPoint(40, 30));
-    QTest::mouseRelease(source.viewport(), Qt::LeftButton, {}, start + QPoint(40, 30));
-    QCOMPARE(texts, QStringList{"09:15-10:00"});
 }
 
 QTEST_MAIN(TestDayListView)

@@ -129,7 +129,6 @@ void TestMonthGrid::layoutAndSelectionTimes_data()
     QTest::addColumn<QTime>("konec");
     QTest::newRow("5 last") << 5 << 9 << 288 << 288 << QTime(23, 55) << QTime(23, 59);
     QTest::newRow("15 first") << 15 << 9 << 1 << 1 << QTime(0, 0) << QTime(0, 15);
-    QTest::newRow("15 last") << 15 << 9 << 96 << 96 << QTime(23, 45) << QTime(23, 59);
     QTest::newRow("15 reversed") << 15 << 9 << 44 << 41 << QTime(10, 0) << QTime(11, 0);
     QTest::newRow("20 past the end") << 20 << 12 << 70 << 500 << QTime(23, 0) << QTime(23, 59);
 }
