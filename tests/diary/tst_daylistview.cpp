@@ -8,7 +8,6 @@
 
 using namespace oxa;
 using test::Cas;
-using test::ItemCenter;
 using test::Polozka;
 
 namespace {

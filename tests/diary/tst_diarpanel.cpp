@@ -180,8 +180,6 @@ void TestDiarPanel::views_data()
     // The visible dates of a week start on the Sunday before it, those of a
     // month on the day before its first.
     QTest::newRow("day") << int(dsDay) << Nov(18) << Nov(18) << Nov(18) << 1 << Nov(18) << Nov(18);
-    QTest::newRow("work week") << int(dsWorkWeek) << Nov(18) << Nov(18) << Nov(16) << 5 << Nov(15)
-                               << Nov(20);
     QTest::newRow("work week, Sunday")
         << int(dsWorkWeek) << Nov(22) << Nov(20) << Nov(16) << 5 << Nov(15) << Nov(20);
     QTest::newRow("week across the year") << int(dsWeek) << Den(1, 1, 2027) << Den(1, 1, 2027)
@@ -420,9 +418,6 @@ void TestDiarPanel::dragAndDrop()
     TTextDragObject entry(tuesday->topLevelItem(1));
     std::unique_ptr<QDrag> drag(entry.CreateDrag(tuesday));
     d.panel.SetReadOnly(true);
-    bool started = true;
-    tuesday->OnStartDrag(tuesday, entry, started);
-    QVERIFY(!started);
     QVERIFY(!DragOnto(thursday, drag.get()));
     d.panel.SetReadOnly(false);
     QVERIFY(!DragOnto(tuesday, drag.get())); // its own day
