@@ -600,7 +600,6 @@ void TestDiarPanel::timeColumnHoldsTheTimes()
     const QFontMetrics metrics(item->font(0).resolve(list->font()));
     const int margin = list->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, list) + 1;
     QCOMPARE_LE(metrics.horizontalAdvance(item->text(0)) + 2 * margin, list->columnWidth(0));
-    QVERIFY(box->title().startsWith(QStringLiteral(" st 18. listopad")));
 }
 
 QTEST_MAIN(TestDiarPanel)

