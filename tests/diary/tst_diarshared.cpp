@@ -12,14 +12,14 @@ class TestDiarShared : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void shortStringsAndBounds();
+    void shortStrings();
     void storeSlots();
     void removingEntries();
     void findDayRecordBySpan_data();
     void findDayRecordBySpan();
 };
 
-void TestDiarShared::shortStringsAndBounds()
+void TestDiarShared::shortStrings()
 {
     TDayRecord z;
     z.Popis = QString(34, QChar(0x0159));
@@ -29,11 +29,6 @@ void TestDiarShared::shortStringsAndBounds()
     // A character outside the basic plane is never cut in half.
     z.Popis = QString(32, 'a') + QString::fromUtf8("\xF0\x9F\x98\x80");
     QCOMPARE(z.Popis.Text(), QString(32, 'a'));
-
-    TCalDaysArray dny;
-    dny[31] = 31;
-    QVERIFY_THROWS_EXCEPTION(oxa::Exception, dny[0]);
-    QVERIFY_THROWS_EXCEPTION(oxa::Exception, dny[32]);
 }
 
 void TestDiarShared::storeSlots()
