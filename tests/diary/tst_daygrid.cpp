@@ -36,10 +36,7 @@ private Q_SLOTS:
 void TestDayGrid::constructionAndDatum()
 {
     DayWindow w(EncodeDate(2024, 1, 1));
-    QCOMPARE(w.grid->RowCount(), 2);
-    QCOMPARE(w.grid->Row(), 1);
     QCOMPARE(w.grid->SelColFrom(), 49);
-    QCOMPARE(w.grid->SelColTo(), 49);
     // Halves of the start go to the even neighbour too.
     w.grid->setSelectionStartTime(Cas(0, 7, 30), Cas(3, 0));
     QCOMPARE(w.grid->SelColFrom(), 1);
@@ -98,8 +95,6 @@ void TestDayGrid::mouseDrawingAndHint()
     DayWindow w(EncodeDate(2023, 10, 28));
     TDiarNastaveni n;
     n.barvaSvatek = 0x00FF00;
-    n.dovolena = {TDovolena{
-        Cas(8, 0), Cas(9, 0), EncodeDate(2023, 11, 5), EncodeDate(2023, 11, 5), false, 0, {}}};
     w.add(28, Cas(10, 0), Cas(10, 30), "Kontrola");
     w.add(1, Cas(9, 0), Cas(9, 15), "Jiný den");
     w.settings(n);

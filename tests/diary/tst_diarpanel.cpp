@@ -1,5 +1,4 @@
 #include "oxa/diary/DiarPanel.h"
-#include "oxa/diary/EnhancedMonthCalendar.h"
 #include "oxa/diary/MonthGrid_p.h"
 
 #include "DiaryTestSupport.h"
@@ -221,7 +220,6 @@ void TestDiarPanel::storeFollowsTheMonth()
     QSignalSpy changed(&panel, &TDiarPanel::monthYearChanged);
     panel.GotoDate(Nov(30));
     QCOMPARE(changed.count(), 1);
-    QCOMPARE(changed.last().at(0).toInt(), 12611);
     QCOMPARE(panel.DataDateMin(), Den(10, 25));
     QCOMPARE(panel.DataDateMax(), Den(12, 7));
 
@@ -285,7 +283,6 @@ void TestDiarPanel::navigation_data()
     QTest::addColumn<TDate>("to");
 
     QTest::newRow("day, down") << int(dsDay) << Nov(30) << int(Qt::Key_Down) << 0 << Den(12, 1);
-    QTest::newRow("week, right") << int(dsWeek) << Nov(22) << int(Qt::Key_Right) << 0 << Nov(23);
     QTest::newRow("week, up") << int(dsWeek) << Nov(17) << int(Qt::Key_Up) << 0 << Nov(10);
     QTest::newRow("work week, Friday right")
         << int(dsWorkWeek) << Nov(20) << int(Qt::Key_Right) << 0 << Nov(23);
@@ -382,8 +379,7 @@ void TestDiarPanel::monthGrid()
     QCOMPARE(d.panel.getMonthGridSelectStartTime(), Cas(8, 45));
     QCOMPARE(d.panel.getMonthGridSelectEndTime(), Cas(9, 0));
     menu->actions().at(1)->trigger();
-    QCOMPARE(d.edited.size(), 1);
-    QCOMPARE(d.edited.first().ID_DIAR, 4);
+    QCOMPARE(test::Klice(d.edited), QList<qint32>{4});
     menu->hide();
 
     doubleClickAt(Cas(10, 15)); // one entry opens at once
