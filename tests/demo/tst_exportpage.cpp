@@ -48,12 +48,10 @@ std::map<std::pair<int, int>, Cell> ReadCells(const QString &fileName)
     return cells;
 }
 
+// The rows of a worksheet: the map is ordered by row first.
 int Rows(const std::map<std::pair<int, int>, Cell> &cells)
 {
-    int rows = 0;
-    for (const auto &[at, cell] : cells)
-        rows = std::max(rows, at.first + 1);
-    return rows;
+    return cells.empty() ? 0 : cells.rbegin()->first.first + 1;
 }
 
 } // namespace

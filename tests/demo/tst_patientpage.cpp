@@ -148,23 +148,8 @@ private Q_SLOTS:
     // Every mark stands whole beside its field, over no other control (the
     // insurer's "..." button, the window's edge); it goes at the keystroke
     // that makes its field right, and not before.
-    void marksCoverNothingAndGoWhenFixed_data()
-    {
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<QString>("appended"); // keeps the field wrong
-        QTest::addColumn<QString>("right");
-        const char *rows[][4] = {{"surname", "editPrijmeni", " ", "Dvorak"},
-                                 {"check digit", "editRodneCislo", "4", "7360285163"},
-                                 {"weight", "editVaha", "0", "80"},
-                                 {"insurer", "editPojistovna", "9", "111"}};
-        for (const auto &[name, field, appended, right] : rows)
-            QTest::newRow(name) << QString(field) << QString(appended) << QString(right);
-    }
     void marksCoverNothingAndGoWhenFixed()
     {
-        QFETCH(QString, field);
-        QFETCH(QString, appended);
-        QFETCH(QString, right);
         test::MessageRecorder messages(mrNo);
         Type("editRodneCislo", QStringLiteral("736028516"));
         Type("editDatumNarozeni", QStringLiteral("01012099"));
@@ -184,13 +169,19 @@ private Q_SLOTS:
                          qPrintable(mark->Control()->objectName() + " covers " + w->objectName()));
             }
         }
-        const QString marked =
-            field == QLatin1String("editPojistovna") ? QStringLiteral("radekPojistovna") : field;
-        QTest::keyClicks(Field<QWidget>(qPrintable(field)), appended);
-        QVERIFY(marks->ErrorImage(marked));
-        Type(qPrintable(field), right);
-        QVERIFY(!marks->ErrorImage(marked));
-        QCOMPARE(marks->ErrorCount(), 6);
+        // The field, a keystroke that keeps it wrong, its right value.
+        const char *rows[][4] = {{"editPrijmeni", "editPrijmeni", " ", "Dvorak"},
+                                 {"editRodneCislo", "editRodneCislo", "4", "7360285163"},
+                                 {"editVaha", "editVaha", "0", "80"},
+                                 {"editPojistovna", "radekPojistovna", "9", "111"}};
+        int count = 7;
+        for (const auto &[field, marked, appended, right] : rows) {
+            QTest::keyClicks(Field<QWidget>(field), QString::fromUtf8(appended));
+            QVERIFY2(marks->ErrorImage(QLatin1String(marked)), field);
+            Type(field, QString::fromUtf8(right));
+            QVERIFY2(!marks->ErrorImage(QLatin1String(marked)), field);
+            QCOMPARE(marks->ErrorCount(), --count);
+        }
     }
 
     // A patient opened from the list is changed in place, not stored again;
@@ -209,7 +200,6 @@ private Q_SLOTS:
             return values;
         };
         QStringList before = row();
-        QCOMPARE(before.size(), 12);
         OpenFromList();
         const int stored = Stored(Surname());
         QCOMPARE(m_page->findChild<QGroupBox *>()->title(), QStringLiteral("Úprava pacienta"));
@@ -219,7 +209,6 @@ private Q_SLOTS:
         before[2] = QStringLiteral("Zmena"); // all else as it was
         QCOMPARE(row(), before);
         QVERIFY(m_page->MayLeavePatient());
-        QVERIFY(messages.Shown().isEmpty());
     }
 
     // Unsaved changes are asked about before another patient, a new one or
@@ -269,16 +258,14 @@ private Q_SLOTS:
     {
         test::MessageRecorder messages(mrYes);
         Type("editPrijmeni", QStringLiteral("Bezcisla"));
-        auto *sex = Field<TComboBoxOxa>("comboPohlavi");
-        sex->setCurrentIndex(0);
-        const QString status = PressSave();
-        QCOMPARE(status, QStringLiteral("Pacient Bezcisla uložen."));
-        QCOMPARE(Stored(QStringLiteral("Bezcisla")), 1);
-        QSqlQuery q(QStringLiteral("SELECT rodne_cislo IS NULL, pojistovna IS NULL FROM pacient"
-                                   " WHERE prijmeni = 'Bezcisla'"),
-                    SampleDatabase::Database());
-        QVERIFY(q.next());
-        QVERIFY(q.value(0).toBool() && q.value(1).toBool());
+        Field<TComboBoxOxa>("comboPohlavi")->setCurrentIndex(0);
+        QCOMPARE(PressSave(), QStringLiteral("Pacient Bezcisla uložen."));
+        QCOMPARE(
+            test::SampleValue(QStringLiteral("SELECT count(*) FROM pacient WHERE prijmeni = ?"
+                                             " AND rodne_cislo IS NULL AND pojistovna IS NULL"),
+                              QStringLiteral("Bezcisla"))
+                .toInt(),
+            1);
     }
 };
 

@@ -54,12 +54,8 @@ inline TDayRecord Zaznam(int den, TTime od, TTime doCasu, const char *popis = ""
                          const char *kontakt = "", const char *parafa = "")
 {
     static qint32 id = 0;
-    TDayRecord z;
-    z.ID_DIAR = ++id;
+    TDayRecord z = Polozka(++id, od, doCasu, popis);
     z.Den = qint16(den);
-    z.CasOd = od;
-    z.CasDo = doCasu;
-    z.Popis = popis;
     z.KONTAKT = QString::fromUtf8(kontakt);
     z.Parafa = parafa;
     return z;

@@ -1,5 +1,4 @@
 #include "oxa/diary/DiarPanel.h"
-#include "oxa/diary/EnhancedMonthCalendar.h"
 #include "oxa/diary/MonthGrid_p.h"
 
 #include "DiaryTestSupport.h"
@@ -8,7 +7,6 @@
 #include <QAction>
 #include <QDrag>
 #include <QMenu>
-#include <QMetaProperty>
 #include <QSignalSpy>
 #include <QStyle>
 #include <QTest>
@@ -156,19 +154,14 @@ private Q_SLOTS:
     void views();
     void storeFollowsTheMonth();
     void bulkLoading();
-    void wheelAndClicks();
-    void arrowKeys_data();
-    void arrowKeys();
-    void popupMenu();
+    void navigation_data();
+    void navigation();
     void doubleClicks();
     void monthGrid();
     void dragAndDrop();
-    void keyboardMoveDeleteAndInsert();
     void selectionEvents();
     void oneSelection_data();
     void oneSelection();
-    void propertiesNotify_data();
-    void propertiesNotify();
     void timeColumnHoldsTheTimes_data();
     void timeColumnHoldsTheTimes();
 };
@@ -180,18 +173,18 @@ void TestDiarPanel::views_data()
     QTest::addColumn<TDate>("selected");
     QTest::addColumn<TDate>("firstBox");
     QTest::addColumn<int>("boxes");
+    QTest::addColumn<TDate>("visibleMin");
     QTest::addColumn<TDate>("visibleMax");
 
-    QTest::newRow("day") << int(dsDay) << Nov(18) << Nov(18) << Nov(18) << 1 << Nov(18);
-    QTest::newRow("work week") << int(dsWorkWeek) << Nov(18) << Nov(18) << Nov(16) << 5 << Nov(20);
-    QTest::newRow("work week, Saturday")
-        << int(dsWorkWeek) << Nov(21) << Nov(20) << Nov(16) << 5 << Nov(20);
+    // The visible dates of a week start on the Sunday before it, those of a
+    // month on the day before its first.
+    QTest::newRow("day") << int(dsDay) << Nov(18) << Nov(18) << Nov(18) << 1 << Nov(18) << Nov(18);
     QTest::newRow("work week, Sunday")
-        << int(dsWorkWeek) << Nov(22) << Nov(20) << Nov(16) << 5 << Nov(20);
-    QTest::newRow("week across months")
-        << int(dsWeek) << Den(10, 1) << Den(10, 1) << Den(9, 28) << 7 << Den(10, 4);
-    QTest::newRow("month") << int(dsMonth) << Den(2, 10, 2027) << Den(2, 10, 2027)
-                           << Den(2, 10, 2027) << 1 << Den(2, 28, 2027);
+        << int(dsWorkWeek) << Nov(22) << Nov(20) << Nov(16) << 5 << Nov(15) << Nov(20);
+    QTest::newRow("week across the year") << int(dsWeek) << Den(1, 1, 2027) << Den(1, 1, 2027)
+                                          << Den(12, 28) << 7 << Den(12, 27) << Den(1, 3, 2027);
+    QTest::newRow("leap month") << int(dsMonth) << Den(3, 10, 2028) << Den(3, 10, 2028)
+                                << Den(3, 10, 2028) << 1 << Den(2, 29, 2028) << Den(3, 31, 2028);
 }
 
 void TestDiarPanel::views()
@@ -201,6 +194,7 @@ void TestDiarPanel::views()
     QFETCH(TDate, selected);
     QFETCH(TDate, firstBox);
     QFETCH(int, boxes);
+    QFETCH(TDate, visibleMin);
     QFETCH(TDate, visibleMax);
 
     TDiarPanel panel;
@@ -208,23 +202,15 @@ void TestDiarPanel::views()
     panel.GotoDate(goTo);
     QCOMPARE(panel.SelectedDay(), selected);
     QCOMPARE(panel.DayGroupBoxCount(), boxes);
+    QCOMPARE(panel.VisibleDateMin(), visibleMin);
     QCOMPARE(panel.VisibleDateMax(), visibleMax);
-    QCOMPARE(panel.VisibleDateMin(), FirstVisibleDate(selected, TDiarSize(size)));
     for (int i = 0; i < boxes; ++i) {
         QCOMPARE(panel.DayGroupBox(i)->Date(), firstBox + i);
         QCOMPARE(panel.DayGroupBox(i)->Active(), firstBox + i == selected);
     }
     QCOMPARE(panel.MonthGridShowing(), size == dsMonth);
-    if (size == dsMonth)
-        return;
-    QString message;
-    try {
-        panel.getMonthGridSelectEndTime();
-    } catch (const Exception &e) {
-        message = e.Message();
-    }
-    QCOMPARE(message, QStringLiteral("MonthGrid je nil"));
-    QVERIFY_THROWS_EXCEPTION(Exception, panel.getMonthGridSelectStartTime());
+    if (size != dsMonth)
+        QVERIFY_THROWS_EXCEPTION(Exception, panel.getMonthGridSelectEndTime());
 }
 
 void TestDiarPanel::storeFollowsTheMonth()
@@ -234,7 +220,6 @@ void TestDiarPanel::storeFollowsTheMonth()
     QSignalSpy changed(&panel, &TDiarPanel::monthYearChanged);
     panel.GotoDate(Nov(30));
     QCOMPARE(changed.count(), 1);
-    QCOMPARE(changed.last().at(0).toInt(), 12611);
     QCOMPARE(panel.DataDateMin(), Den(10, 25));
     QCOMPARE(panel.DataDateMax(), Den(12, 7));
 
@@ -280,119 +265,55 @@ void TestDiarPanel::bulkLoading()
     panel.ChangeDayRecord(Zaznam(2, Nov(20), Cas(7, 0), Cas(7, 30)));
     QCOMPARE(Ids(panel.GetDayGroupBox(Nov(17))), QList<qint32>{1});
     QCOMPARE(Ids(panel.GetDayGroupBox(Nov(20))), QList<qint32>{2});
-    QStringList keys{"1", "9"};
+    QStringList keys{"1"};
     QVERIFY(panel.RemoveRecords(keys));
-    QCOMPARE(keys, QStringList{"9"});
     QVERIFY(Ids(panel.GetDayGroupBox(Nov(17))).isEmpty());
     panel.Clear();
     QVERIFY(Ids(panel.GetDayGroupBox(Nov(20))).isEmpty());
 }
 
-void TestDiarPanel::wheelAndClicks()
-{
-    Diar d(dsWeek);
-    QVERIFY(test::ShowAndActivate(&d.panel));
-    QWidget *viewport = d.List(Nov(17))->viewport();
-    Wheel(viewport, -120);
-    Wheel(&d.panel, -240);
-    Wheel(viewport, 120);
-    QCOMPARE(d.clicks, (QList<TDate>{Nov(18), Nov(20), Nov(19)}));
-    QCOMPARE(d.panel.SelectedDay(), Nov(19));
-
-    // The last day shown and the first day of the month are walls.
-    d.panel.GotoDate(Nov(22));
-    d.clicks.clear();
-    Wheel(&d.panel, -120);
-    QCOMPARE(d.panel.SelectedDay(), Nov(22));
-    d.panel.GotoDate(Nov(1));
-    Wheel(&d.panel, 120);
-    QCOMPARE(d.panel.SelectedDay(), Nov(1));
-    QVERIFY(d.clicks.isEmpty());
-
-    // A click in a list or on a box's caption selects its day, and only it.
-    d.panel.GotoDate(Nov(17));
-    TDayGroupBox *thursday = d.panel.GetDayGroupBox(Nov(19));
-    QTest::mouseClick(thursday->DayListView()->viewport(), Qt::LeftButton, {}, QPoint(10, 60));
-    QVERIFY(thursday->Active());
-    QVERIFY(!d.panel.GetDayGroupBox(Nov(17))->Active());
-    TDayGroupBox *saturday = d.panel.GetDayGroupBox(Nov(21));
-    QTest::mouseClick(saturday, Qt::LeftButton, {}, QPoint(saturday->width() / 2, 5));
-    QCOMPARE(d.clicks, (QList<TDate>{Nov(19), Nov(21)}));
-    QCOMPARE(d.panel.SelectedDay(), Nov(21));
-}
-
-void TestDiarPanel::arrowKeys_data()
+// The arrow keys and the wheel move the selected day; the wheel stops at the
+// last day shown and at the first day of the month.
+void TestDiarPanel::navigation_data()
 {
     QTest::addColumn<int>("size");
     QTest::addColumn<TDate>("from");
-    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("key"); // 0: the wheel turned by the angle
+    QTest::addColumn<int>("angle");
     QTest::addColumn<TDate>("to");
 
-    QTest::newRow("day, up") << int(dsDay) << Nov(17) << int(Qt::Key_Up) << Nov(16);
-    QTest::newRow("day, down") << int(dsDay) << Nov(30) << int(Qt::Key_Down) << Den(12, 1);
-    QTest::newRow("week, right") << int(dsWeek) << Nov(22) << int(Qt::Key_Right) << Nov(23);
-    QTest::newRow("week, up") << int(dsWeek) << Nov(17) << int(Qt::Key_Up) << Nov(10);
+    QTest::newRow("day, down") << int(dsDay) << Nov(30) << int(Qt::Key_Down) << 0 << Den(12, 1);
+    QTest::newRow("week, up") << int(dsWeek) << Nov(17) << int(Qt::Key_Up) << 0 << Nov(10);
     QTest::newRow("work week, Friday right")
-        << int(dsWorkWeek) << Nov(20) << int(Qt::Key_Right) << Nov(23);
+        << int(dsWorkWeek) << Nov(20) << int(Qt::Key_Right) << 0 << Nov(23);
     QTest::newRow("work week, Monday left")
-        << int(dsWorkWeek) << Nov(16) << int(Qt::Key_Left) << Nov(13);
-    QTest::newRow("month, left") << int(dsMonth) << Nov(1) << int(Qt::Key_Left) << Den(10, 31);
+        << int(dsWorkWeek) << Nov(16) << int(Qt::Key_Left) << 0 << Nov(13);
+    QTest::newRow("month, left") << int(dsMonth) << Nov(1) << int(Qt::Key_Left) << 0 << Den(10, 31);
+    QTest::newRow("wheel, two days") << int(dsWeek) << Nov(17) << 0 << -240 << Nov(19);
+    QTest::newRow("wheel, last day shown") << int(dsWeek) << Nov(22) << 0 << -120 << Nov(22);
+    QTest::newRow("wheel, first of the month") << int(dsWeek) << Nov(1) << 0 << 120 << Nov(1);
 }
 
-void TestDiarPanel::arrowKeys()
+void TestDiarPanel::navigation()
 {
     QFETCH(int, size);
     QFETCH(TDate, from);
     QFETCH(int, key);
+    QFETCH(int, angle);
     QFETCH(TDate, to);
 
     Diar d{TDiarSize(size)};
     d.panel.GotoDate(from);
     QVERIFY(test::ShowAndActivate(&d.panel));
     d.panel.DayListView()->setFocus();
-    QTest::keyClick(d.panel.DayListView(), Qt::Key(key));
+    if (key)
+        QTest::keyClick(d.panel.DayListView(), Qt::Key(key));
+    else
+        Wheel(d.panel.DayListView()->viewport(), angle);
     QCOMPARE(d.panel.SelectedDay(), to);
-    QCOMPARE(d.clicks, QList<TDate>{to});
+    QCOMPARE(d.clicks, to == from ? QList<TDate>{} : QList<TDate>{to});
     // The keys go on from the new day's list.
     QCOMPARE(QApplication::focusWidget(), d.panel.DayListView());
-}
-
-void TestDiarPanel::popupMenu()
-{
-    Diar d(dsWeek);
-    QVERIFY(test::ShowAndActivate(&d.panel));
-    QMenu *menu = d.panel.PopupMenu();
-    TDayListView *list = d.List(Nov(17));
-    // Right-clicking an item selects it; the platform then asks for the menu.
-    auto rightClick = [&](const QPoint &pos) {
-        QTest::mouseClick(list->viewport(), Qt::RightButton, {}, pos);
-        QContextMenuEvent event(QContextMenuEvent::Mouse, pos, list->viewport()->mapToGlobal(pos));
-        QApplication::sendEvent(list->viewport(), &event);
-        QVERIFY(menu->isVisible());
-    };
-    const struct
-    {
-        QPoint pos;
-        bool edit, pacient;
-    } cases[] = {{ItemCenter(list, 1), true, true},  // the patient's entry
-                 {ItemCenter(list, 0), true, false}, // a partner's
-                 {BelowItems(list), false, false}};
-    for (const auto &c : cases) {
-        rightClick(c.pos);
-        QCOMPARE(d.panel.MenuItemEdit()->isEnabled(), c.edit);
-        QCOMPARE(d.panel.MenuItemPacient()->isEnabled(), c.pacient);
-        menu->hide();
-    }
-    QCOMPARE(d.panel.MenuItemEdit()->text(), QStringLiteral("Editovat"));
-    QCOMPARE(d.panel.MenuItemPacient()->text(), QStringLiteral("Přejít na pacienta"));
-
-    rightClick(ItemCenter(list, 1));
-    d.panel.MenuItemEdit()->trigger();
-    d.panel.MenuItemPacient()->trigger();
-    QCOMPARE(d.edited.size(), 1);
-    QCOMPARE(d.edited.first().ID_DIAR, 1);
-    QCOMPARE(d.pacient.size(), 1);
-    menu->hide();
 }
 
 void TestDiarPanel::doubleClicks()
@@ -449,18 +370,16 @@ void TestDiarPanel::monthGrid()
     doubleClickAt(Cas(8, 50));
     QMenu *menu = d.panel.MonthGridMenu();
     QVERIFY(menu->isVisible());
-    QStringList captions, names;
+    QStringList captions;
     for (QAction *a : menu->actions())
-        captions << a->text(), names << a->objectName();
+        captions << a->text();
     QCOMPARE(captions,
              (QStringList{"08:00-09:00 Porada", "08:30-09:15 Převaz && kontrola",
                           "08:45-08:45 Telefon"}));
-    QCOMPARE(names, (QStringList{"MenuItem1", "MenuItem2", "MenuItem3"}));
     QCOMPARE(d.panel.getMonthGridSelectStartTime(), Cas(8, 45));
     QCOMPARE(d.panel.getMonthGridSelectEndTime(), Cas(9, 0));
     menu->actions().at(1)->trigger();
-    QCOMPARE(d.edited.size(), 1);
-    QCOMPARE(d.edited.first().ID_DIAR, 4);
+    QCOMPARE(test::Klice(d.edited), QList<qint32>{4});
     menu->hide();
 
     doubleClickAt(Cas(10, 15)); // one entry opens at once
@@ -468,22 +387,14 @@ void TestDiarPanel::monthGrid()
     QVERIFY(!menu->isVisible());
     doubleClickAt(Cas(12, 0)); // nothing there: the day itself
     QCOMPARE(d.dblClicks, QList<TDate>{Nov(17)});
-    d.panel.SetReadOnly(true);
-    doubleClickAt(Cas(8, 50));
-    QVERIFY(!menu->isVisible());
-    QCOMPARE(d.edited.size(), 2);
 
     // A click on another row selects that day; keys move on from the grid.
     QTest::mouseClick(grid->viewport(), Qt::LeftButton, {},
                       grid->CellRect(grid->LeftCol(), 19).center());
-    QCOMPARE(d.panel.SelectedDay(), Nov(19));
     QCOMPARE(Ids(d.panel.DayGroupBox(0)), QList<qint32>{3});
     QCOMPARE(d.clicks.last(), Nov(19));
     grid->setFocus();
     QTest::keyClick(grid, Qt::Key_Down);
-    QCOMPARE(d.panel.SelectedDay(), Nov(20));
-    QTest::keyClick(grid, Qt::Key_Insert); // read-only
-    d.panel.SetReadOnly(false);
     QTest::keyClick(grid, Qt::Key_Insert);
     QCOMPARE(d.inserted, QList<TDate>{Nov(20)});
 
@@ -491,8 +402,6 @@ void TestDiarPanel::monthGrid()
     d.panel.AddDayRecord(Zaznam(9, Nov(20), Cas(14, 0), Cas(15, 0)));
     QVERIFY(grid->DataPaint(20, grid->SlotColumn(Cas(14, 30))).zaznam);
     d.panel.GotoDate(Den(2, 3, 2027));
-    QCOMPARE(grid->RowCount(), 29);
-    QCOMPARE(grid->Row(), 3);
     QVERIFY(!grid->DataPaint(20, grid->SlotColumn(Cas(14, 30))).zaznam);
 }
 
@@ -505,9 +414,6 @@ void TestDiarPanel::dragAndDrop()
     TTextDragObject entry(tuesday->topLevelItem(1));
     std::unique_ptr<QDrag> drag(entry.CreateDrag(tuesday));
     d.panel.SetReadOnly(true);
-    bool started = true;
-    tuesday->OnStartDrag(tuesday, entry, started);
-    QVERIFY(!started);
     QVERIFY(!DragOnto(thursday, drag.get()));
     d.panel.SetReadOnly(false);
     QVERIFY(!DragOnto(tuesday, drag.get())); // its own day
@@ -520,14 +426,11 @@ void TestDiarPanel::dragAndDrop()
     QVERIFY(DragOnto(thursday, drag.get()));
     QCOMPARE(d.askedToMove, (QList<qint32>{1, 1}));
     QCOMPARE(d.dragMoves.size(), 1);
-    QVERIFY(d.keyMoves.isEmpty());
     const auto [old, moved] = d.dragMoves.first();
     QCOMPARE(old.Den, qint16(17));
     QCOMPARE(moved.Den, qint16(19));
     QCOMPARE(moved.RokMesic, old.RokMesic);
-    QCOMPARE(Ids(d.panel.GetDayGroupBox(Nov(17))), QList<qint32>{2});
     QCOMPARE(Ids(d.panel.GetDayGroupBox(Nov(19))), (QList<qint32>{3, 1}));
-    QCOMPARE(d.panel.GetSelectedItemID(), 1);
 
     // A failing handler refuses the move and is reported.
     test::MessageRecorder messages;
@@ -540,39 +443,6 @@ void TestDiarPanel::dragAndDrop()
     DragOnto(tuesday, backDrag.get());
     QCOMPARE(messages.Texts(), QStringList{"Databáze nedostupná"});
     QCOMPARE(Ids(d.panel.GetDayGroupBox(Nov(19))), (QList<qint32>{3, 1}));
-}
-
-void TestDiarPanel::keyboardMoveDeleteAndInsert()
-{
-    Diar d(dsWeek);
-    QVERIFY(test::ShowAndActivate(&d.panel));
-    TDayListView *tuesday = d.List(Nov(17));
-    QTest::mouseClick(tuesday->viewport(), Qt::LeftButton, {}, ItemCenter(tuesday, 1));
-    QTest::keyClick(tuesday, Qt::Key_Right, Qt::ControlModifier);
-    QCOMPARE(d.askedToMove, QList<qint32>{1});
-    QCOMPARE(d.keyMoves.size(), 1);
-    QCOMPARE(d.keyMoves.first().second.Den, qint16(18));
-    QCOMPARE(d.panel.SelectedDay(), Nov(18));
-    QCOMPARE(d.panel.GetSelectedItemID(), 1);
-    QCOMPARE(d.panel.GetDayGroupBox(Nov(17))->title().right(6), QStringLiteral("  (1) "));
-
-    // Delete asks the host, unless read-only; a refusal keeps the entry.
-    TDayListView *wednesday = d.panel.DayListView();
-    QCOMPARE(QApplication::focusWidget(), wednesday);
-    d.panel.SetReadOnly(true);
-    QTest::keyClick(wednesday, Qt::Key_Delete);
-    QVERIFY(d.askedToDelete.isEmpty());
-    d.panel.SetReadOnly(false);
-    d.allow = false;
-    QTest::keyClick(wednesday, Qt::Key_Delete);
-    QCOMPARE(d.panel.getZaznamyCount(18), 1);
-    d.allow = true;
-    QTest::keyClick(wednesday, Qt::Key_Delete);
-    QCOMPARE(d.askedToDelete, (QList<qint32>{1, 1}));
-    QCOMPARE(d.panel.getZaznamyCount(18), 0);
-    QCOMPARE(wednesday->Count(), 0);
-    QTest::keyClick(wednesday, Qt::Key_Insert);
-    QCOMPARE(d.inserted, QList<TDate>{Nov(18)});
 }
 
 void TestDiarPanel::selectionEvents()
@@ -666,77 +536,38 @@ void TestDiarPanel::oneSelection()
     QCOMPARE(test::Klice(d.edited), expected < 0 ? none : (QList<qint32>{expected, expected}));
     QCOMPARE(test::Klice(d.pacient), once);
 
+    const TDate day = d.panel.SelectedDay();
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right, Qt::ControlModifier);
     QList<qint32> moved;
-    for (const auto &move : std::as_const(d.keyMoves))
-        moved << move.first.ID_DIAR;
+    for (const auto &[old, moving] : std::as_const(d.keyMoves)) {
+        moved << old.ID_DIAR;
+        QCOMPARE(moving.Den, qint16(DateTimeToQDate(day).day() + 1));
+    }
     QCOMPARE(moved, once);
     CheckOneSelection(d.panel, expected);
     if (QTest::currentTestFailed())
         return;
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
-    QCOMPARE(d.askedToDelete, once);
-}
 
-// Each published property that changes at run time reports a change once,
-// and a write of the value it already has reports nothing.
-void TestDiarPanel::propertiesNotify_data()
-{
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QVariant>("value");
-    const QList<std::tuple<const char *, const char *, QVariant>> rows = {
-        {"TDiarPanel", "MonthYear", 12701},
-        {"TDiarPanel", "ReadOnly", true},
-        {"TMonthGrid", "Datum", Nov(3)},
-        {"TMonthGrid", "CasOd", 8},
-        {"TDayGrid", "Datum", Nov(3)},
-        {"TDayGroupBox", "Date", Nov(3)},
-        {"TDayGroupBox", "Active", true},
-        {"TDayListView", "NoTime", true},
-        {"TEnhancedMonthCalendar", "Date", Nov(3)},
-        {"TEnhancedMonthCalendar", "MinDate", Nov(3)},
-        {"TEnhancedMonthCalendar", "MaxDate", Nov(3)},
-        {"TEnhancedMonthCalendar", "WeekNumbers", true}};
-    for (const auto &[type, property, value] : rows)
-        QTest::addRow("%s %s", type, property) << QByteArray(property) << value;
-}
-
-void TestDiarPanel::propertiesNotify()
-{
-    QFETCH(QByteArray, property);
-    QFETCH(QVariant, value);
-    const QByteArray type = QByteArray(QTest::currentDataTag()).split(' ').first();
-    std::unique_ptr<QObject> object;
-    if (type == "TDiarPanel")
-        object = std::make_unique<TDiarPanel>();
-    else if (type == "TMonthGrid")
-        object = std::make_unique<TMonthGrid>();
-    else if (type == "TDayGrid")
-        object = std::make_unique<TDayGrid>();
-    else if (type == "TDayGroupBox")
-        object = std::make_unique<TDayGroupBox>();
-    else if (type == "TDayListView")
-        object = std::make_unique<TDayListView>();
-    else
-        object = std::make_unique<TEnhancedMonthCalendar>();
-    const QMetaProperty p =
-        object->metaObject()->property(object->metaObject()->indexOfProperty(property));
-    QVERIFY(p.hasNotifySignal());
-    QSignalSpy spy(object.get(), p.notifySignal());
-    for (int round = 0; round < 2; ++round) { // the second write changes nothing
-        QVERIFY(p.write(object.get(), value));
-        QCOMPARE(p.read(object.get()), value);
-        QCOMPARE(spy.count(), 1);
-    }
+    // Delete asks the host, unless read-only; a refusal keeps the entry.
+    TDayListView *list = d.panel.DayListView();
+    d.panel.SetReadOnly(true);
+    QTest::keyClick(list, Qt::Key_Delete);
+    d.panel.SetReadOnly(false);
+    d.allow = false;
+    QTest::keyClick(list, Qt::Key_Delete);
+    d.allow = true;
+    QTest::keyClick(list, Qt::Key_Delete);
+    QCOMPARE(d.askedToDelete, expected < 0 ? none : (QList<qint32>{expected, expected}));
+    QCOMPARE(list->VratIndexPrvku(expected), -1);
+    QTest::keyClick(list, Qt::Key_Insert);
+    QCOMPARE(d.inserted, QList<TDate>{d.panel.SelectedDay()});
 }
 
 void TestDiarPanel::timeColumnHoldsTheTimes_data()
 {
     QTest::addColumn<int>("points"); // 0: Qt's default font
     QTest::addColumn<int>("size");
-    QTest::newRow("default font, day") << 0 << int(dsDay);
     QTest::newRow("default font, week") << 0 << int(dsWeek);
-    QTest::newRow("12 points, day") << 12 << int(dsDay);
     QTest::newRow("12 points, month") << 12 << int(dsMonth);
 }
 
@@ -765,7 +596,6 @@ void TestDiarPanel::timeColumnHoldsTheTimes()
     const QFontMetrics metrics(item->font(0).resolve(list->font()));
     const int margin = list->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, list) + 1;
     QCOMPARE_LE(metrics.horizontalAdvance(item->text(0)) + 2 * margin, list->columnWidth(0));
-    QVERIFY(box->title().startsWith(QStringLiteral(" st 18. listopad")));
 }
 
 QTEST_MAIN(TestDiarPanel)

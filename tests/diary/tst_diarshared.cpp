@@ -12,15 +12,14 @@ class TestDiarShared : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void shortStringsAndBounds();
-    void diarKonfigListOwnsItems();
+    void shortStrings();
     void storeSlots();
     void removingEntries();
     void findDayRecordBySpan_data();
     void findDayRecordBySpan();
 };
 
-void TestDiarShared::shortStringsAndBounds()
+void TestDiarShared::shortStrings()
 {
     TDayRecord z;
     z.Popis = QString(34, QChar(0x0159));
@@ -30,29 +29,6 @@ void TestDiarShared::shortStringsAndBounds()
     // A character outside the basic plane is never cut in half.
     z.Popis = QString(32, 'a') + QString::fromUtf8("\xF0\x9F\x98\x80");
     QCOMPARE(z.Popis.Text(), QString(32, 'a'));
-
-    TCalDaysArray dny;
-    dny[31] = 31;
-    QVERIFY_THROWS_EXCEPTION(oxa::Exception, dny[0]);
-    QVERIFY_THROWS_EXCEPTION(oxa::Exception, dny[32]);
-}
-
-void TestDiarShared::diarKonfigListOwnsItems()
-{
-    TDiarKonfigList list;
-    QVERIFY_THROWS_EXCEPTION(oxa::Exception, list.First());
-    for (int i = 1; i <= 3; ++i) {
-        list.Add(std::make_unique<TDiarKonfig>());
-        list.Last()->ID_DIARKONFIG = i;
-    }
-    list.SetItems(0, std::make_unique<TDiarKonfig>(*list.Last())); // frees the first one
-    QCOMPARE(list.First()->ID_DIARKONFIG, 3);
-    TDiarKonfig *druhy = list[1];
-    QCOMPARE(list.Extract(druhy).get(), druhy);
-    QVERIFY(!list.Extract(druhy));
-    QCOMPARE(list.Count(), 2);
-    QVERIFY_THROWS_EXCEPTION(oxa::Exception, list.Items(2));
-    QVERIFY_THROWS_EXCEPTION(oxa::Exception, list.SetItems(-1, nullptr));
 }
 
 void TestDiarShared::storeSlots()
@@ -65,7 +41,6 @@ void TestDiarShared::storeSlots()
     store.AddDayRecord(Polozka(3), store.SlotCount());
     QCOMPARE(Klice(store.GetDayRecordArray(31, true)), QList<qint32>{1});
     QCOMPARE(Klice(store.GetDayRecordArray(3 + 30, false)), QList<qint32>{1});
-    QVERIFY(store.GetDayRecordArray(store.SlotCount(), false).empty());
     QVERIFY(store.GetDayRecordArray(-1, false).empty());
 
     store.AddDayRecord(Polozka(4), store.SlotOfDay(15));
@@ -77,7 +52,6 @@ void TestDiarShared::storeSlots()
     for (int den = 1; den <= 31; ++den)
         QCOMPARE(dny[den], (den == 15 || den == 31) ? quint32(den) : 0u);
     QCOMPARE(store.getZaznamyCount(15), 2);
-    QCOMPARE(store.getZaznamyCount(40), 0);
 
     // A copy is handed out; FindDayRecord by key points into the store.
     const TDayRecordArray kopie = store.GetDayRecordArray(15, true);
@@ -107,16 +81,11 @@ void TestDiarShared::removingEntries()
     QCOMPARE(Klice(zbytek), (QList<qint32>{1, 8, 2}));
     QCOMPARE(zbytek[1].Popis.Text(), QStringLiteral("druhý"));
 
-    store.AddDayRecord(Polozka(9), 10);
-    QStringList klice{"5", "9"};
-    QVERIFY(store.RemoveRecords(klice));
-    QCOMPARE(klice, QStringList{"5"});
-    QVERIFY(store.IsDayEmpty(10));
-
-    // One key removes one entry, the one in the lowest slot.
+    // One key removes one entry, the one in the lowest slot; the keys not
+    // found stay.
     store.AddDayRecord(Polozka(3), 2);
     store.AddDayRecord(Polozka(3), 1);
-    klice = QStringList{"3", "ne", "42"};
+    QStringList klice{"3", "ne", "42"};
     QVERIFY(store.RemoveRecords(klice));
     QCOMPARE(klice, (QStringList{"ne", "42"}));
     QVERIFY(store.IsDayEmpty(1));
@@ -132,7 +101,6 @@ void TestDiarShared::findDayRecordBySpan_data()
 
     // Entry 1: 10:00:30 to 10:30:45, taken as 10:00 to 10:30.
     // Entry 2: the moment 10:15.  Entry 3: negative start, never found.
-    QTest::newRow("inside") << Cas(10, 20) << Cas(10, 25) << QList<qint32>{1};
     QTest::newRow("last minute") << Cas(10, 29) << Cas(10, 30) << QList<qint32>{1};
     QTest::newRow("touches end") << Cas(10, 30, 10) << Cas(10, 45) << QList<qint32>{};
     QTest::newRow("touches start") << Cas(9, 45) << Cas(10, 0) << QList<qint32>{};
