@@ -14,6 +14,8 @@
 #include <QUrlQuery>
 #include <QVariant>
 
+#include <functional>
+
 namespace {
 
 const char *const kConnection = "oxa-demo";
@@ -313,57 +315,66 @@ bool Run(QSqlQuery &q, QString *error)
     return false;
 }
 
-} // namespace
-
-bool SampleDatabase::EnsureCodeLists(QSqlDatabase &db, QString *error)
+// Adds tables to a database made by an earlier version of the demo: when the
+// marker table is missing, fill creates and fills them in one transaction, so
+// that a failure leaves the database as it was.
+bool AddTablesOnce(QSqlDatabase &db, const char *marker,
+                   const std::function<bool(QSqlQuery &)> &fill)
 {
-    QSqlQuery q(db);
-    if (db.tables().contains(QStringLiteral("diagnoza")))
+    if (db.tables().contains(QLatin1String(marker)))
         return true;
-    const QStringList statements = {
-        QStringLiteral("CREATE TABLE diagnoza (kod TEXT PRIMARY KEY, nazev TEXT NOT NULL)"),
-        QStringLiteral(
-            "CREATE TABLE vysetreni_skupina (id INTEGER PRIMARY KEY, nazev TEXT NOT NULL)"),
-        QStringLiteral(
-            "CREATE TABLE vysetreni (id INTEGER PRIMARY KEY AUTOINCREMENT,"
-            " skupina INTEGER NOT NULL REFERENCES vysetreni_skupina(id), nazev TEXT NOT NULL)"),
-        QStringLiteral(
-            "CREATE TABLE pacient_diagnoza (pacient INTEGER NOT NULL REFERENCES pacient(id),"
-            " diagnoza TEXT NOT NULL REFERENCES diagnoza(kod), PRIMARY KEY (pacient, diagnoza))"),
-    };
     if (!db.transaction())
         return false;
-    for (const QString &sql : statements) {
-        if (!exec(q, sql, error)) {
-            db.rollback();
-            return false;
-        }
-    }
-    bool ok = q.prepare(QStringLiteral("INSERT INTO diagnoza (kod, nazev) VALUES (?, ?)"));
-    for (const auto &row : kDiagnozy) {
-        q.addBindValue(QString::fromUtf8(row[0]));
-        q.addBindValue(QString::fromUtf8(row[1]));
-        ok = ok && Run(q, error);
-    }
-    ok = ok && q.prepare(QStringLiteral("INSERT INTO vysetreni_skupina (id, nazev) VALUES (?, ?)"));
-    for (int i = 0; i < int(std::size(kSkupiny)); ++i) {
-        q.addBindValue(i + 1);
-        q.addBindValue(QString::fromUtf8(kSkupiny[i]));
-        ok = ok && Run(q, error);
-    }
-    ok = ok &&
-        q.prepare(QStringLiteral("INSERT INTO vysetreni (skupina, nazev)"
-                                 " SELECT id, ? FROM vysetreni_skupina WHERE nazev = ?"));
-    for (const auto &row : kVysetreni) {
-        q.addBindValue(QString::fromUtf8(row[1]));
-        q.addBindValue(QString::fromUtf8(row[0]));
-        ok = ok && Run(q, error);
-    }
-    if (!ok) {
+    QSqlQuery q(db);
+    if (!fill(q)) {
         db.rollback();
         return false;
     }
     return db.commit();
+}
+
+} // namespace
+
+bool SampleDatabase::EnsureCodeLists(QSqlDatabase &db, QString *error)
+{
+    return AddTablesOnce(db, "diagnoza", [error](QSqlQuery &q) {
+        const QStringList statements = {
+            QStringLiteral("CREATE TABLE diagnoza (kod TEXT PRIMARY KEY, nazev TEXT NOT NULL)"),
+            QStringLiteral(
+                "CREATE TABLE vysetreni_skupina (id INTEGER PRIMARY KEY, nazev TEXT NOT NULL)"),
+            QStringLiteral(
+                "CREATE TABLE vysetreni (id INTEGER PRIMARY KEY AUTOINCREMENT,"
+                " skupina INTEGER NOT NULL REFERENCES vysetreni_skupina(id), nazev TEXT NOT NULL)"),
+            QStringLiteral("CREATE TABLE pacient_diagnoza (pacient INTEGER NOT NULL REFERENCES "
+                           "pacient(id), diagnoza TEXT NOT NULL REFERENCES diagnoza(kod), PRIMARY "
+                           "KEY (pacient, diagnoza))"),
+        };
+        bool ok = true;
+        for (const QString &sql : statements)
+            ok = ok && exec(q, sql, error);
+        ok = ok && q.prepare(QStringLiteral("INSERT INTO diagnoza (kod, nazev) VALUES (?, ?)"));
+        for (const auto &row : kDiagnozy) {
+            q.addBindValue(QString::fromUtf8(row[0]));
+            q.addBindValue(QString::fromUtf8(row[1]));
+            ok = ok && Run(q, error);
+        }
+        ok = ok &&
+            q.prepare(QStringLiteral("INSERT INTO vysetreni_skupina (id, nazev) VALUES (?, ?)"));
+        for (int i = 0; i < int(std::size(kSkupiny)); ++i) {
+            q.addBindValue(i + 1);
+            q.addBindValue(QString::fromUtf8(kSkupiny[i]));
+            ok = ok && Run(q, error);
+        }
+        ok = ok &&
+            q.prepare(QStringLiteral("INSERT INTO vysetreni (skupina, nazev)"
+                                     " SELECT id, ? FROM vysetreni_skupina WHERE nazev = ?"));
+        for (const auto &row : kVysetreni) {
+            q.addBindValue(QString::fromUtf8(row[1]));
+            q.addBindValue(QString::fromUtf8(row[0]));
+            ok = ok && Run(q, error);
+        }
+        return ok;
+    });
 }
 
 bool SampleDatabase::EnsureReportSchema(QSqlDatabase &db, QString *error)
@@ -472,80 +483,67 @@ const char *const kOsobniSlovnik[] = {
 
 bool SampleDatabase::EnsureReportInsertions(QSqlDatabase &db, QString *error)
 {
-    if (db.tables().contains(QStringLiteral("textovy_blok")))
-        return true;
-    QSqlQuery q(db);
-    if (!db.transaction())
-        return false;
-    bool ok = true;
-    for (const char *table : {"trvaly_lek", "anamneza", "trvala_diagnoza"})
+    return AddTablesOnce(db, "textovy_blok", [error](QSqlQuery &q) {
+        bool ok = true;
+        for (const char *table : {"trvaly_lek", "anamneza", "trvala_diagnoza"})
+            ok = ok &&
+                exec(q,
+                     QStringLiteral("CREATE TABLE %1 (pacient INTEGER NOT NULL REFERENCES "
+                                    "pacient(id), poradi INTEGER NOT NULL, text TEXT NOT NULL,"
+                                    " PRIMARY KEY (pacient, poradi))")
+                         .arg(QLatin1String(table)),
+                     error);
         ok = ok &&
             exec(q,
-                 QStringLiteral("CREATE TABLE %1 (pacient INTEGER NOT NULL REFERENCES pacient(id),"
-                                " poradi INTEGER NOT NULL, text TEXT NOT NULL,"
-                                " PRIMARY KEY (pacient, poradi))")
-                     .arg(QLatin1String(table)),
+                 QStringLiteral("CREATE TABLE textovy_blok (id INTEGER PRIMARY KEY,"
+                                " nazev TEXT NOT NULL, text TEXT NOT NULL)"),
                  error);
-    ok = ok &&
-        exec(q,
-             QStringLiteral("CREATE TABLE textovy_blok (id INTEGER PRIMARY KEY,"
-                            " nazev TEXT NOT NULL, text TEXT NOT NULL)"),
-             error);
-    QList<int> patients;
-    ok = ok && exec(q, QStringLiteral("SELECT id FROM pacient ORDER BY id"), error);
-    while (ok && q.next())
-        patients << q.value(0).toInt();
-    QRandomGenerator rng(20261124);
-    const auto fill = [&](const char *table, const QStringList &pieces, int patient) {
+        QList<int> patients;
+        ok = ok && exec(q, QStringLiteral("SELECT id FROM pacient ORDER BY id"), error);
+        while (ok && q.next())
+            patients << q.value(0).toInt();
+        QRandomGenerator rng(20261124);
+        const auto fill = [&](const char *table, const QStringList &pieces, int patient) {
+            ok = ok &&
+                q.prepare(QStringLiteral("INSERT INTO %1 (pacient, poradi, text) VALUES (?, ?, ?)")
+                              .arg(QLatin1String(table)));
+            for (int i = 0; ok && i < pieces.size(); ++i) {
+                q.addBindValue(patient);
+                q.addBindValue(i + 1);
+                q.addBindValue(pieces.at(i));
+                ok = Run(q, error);
+            }
+        };
+        for (int patient : std::as_const(patients)) {
+            fill("trvaly_lek", Pick(rng, kLeky), patient);
+            fill("anamneza", Pick(rng, kAnamnezy), patient);
+            fill("trvala_diagnoza", Pick(rng, kDiagnozyText), patient);
+        }
         ok = ok &&
-            q.prepare(QStringLiteral("INSERT INTO %1 (pacient, poradi, text) VALUES (?, ?, ?)")
-                          .arg(QLatin1String(table)));
-        for (int i = 0; ok && i < pieces.size(); ++i) {
-            q.addBindValue(patient);
+            q.prepare(
+                QStringLiteral("INSERT INTO textovy_blok (id, nazev, text) VALUES (?, ?, ?)"));
+        for (int i = 0; ok && i < int(std::size(kBloky)); ++i) {
             q.addBindValue(i + 1);
-            q.addBindValue(pieces.at(i));
+            q.addBindValue(QString::fromUtf8(kBloky[i][0]));
+            q.addBindValue(QString::fromUtf8(kBloky[i][1]));
             ok = Run(q, error);
         }
-    };
-    for (int patient : std::as_const(patients)) {
-        fill("trvaly_lek", Pick(rng, kLeky), patient);
-        fill("anamneza", Pick(rng, kAnamnezy), patient);
-        fill("trvala_diagnoza", Pick(rng, kDiagnozyText), patient);
-    }
-    ok = ok &&
-        q.prepare(QStringLiteral("INSERT INTO textovy_blok (id, nazev, text) VALUES (?, ?, ?)"));
-    for (int i = 0; ok && i < int(std::size(kBloky)); ++i) {
-        q.addBindValue(i + 1);
-        q.addBindValue(QString::fromUtf8(kBloky[i][0]));
-        q.addBindValue(QString::fromUtf8(kBloky[i][1]));
-        ok = Run(q, error);
-    }
-    if (!ok) {
-        db.rollback();
-        return false;
-    }
-    return db.commit();
+        return ok;
+    });
 }
 
 bool SampleDatabase::EnsurePersonalWords(QSqlDatabase &db, QString *error)
 {
-    if (db.tables().contains(QStringLiteral("osobni_slovnik")))
-        return true;
-    QSqlQuery q(db);
-    if (!db.transaction())
-        return false;
-    bool ok =
-        exec(q, QStringLiteral("CREATE TABLE osobni_slovnik (slovo TEXT PRIMARY KEY)"), error);
-    ok = ok && q.prepare(QStringLiteral("INSERT INTO osobni_slovnik (slovo) VALUES (?)"));
-    for (const char *word : kOsobniSlovnik) {
-        q.addBindValue(QString::fromUtf8(word));
-        ok = ok && Run(q, error);
-    }
-    if (!ok) {
-        db.rollback();
-        return false;
-    }
-    return db.commit();
+    return AddTablesOnce(db, "osobni_slovnik", [error](QSqlQuery &q) {
+        bool ok =
+            exec(q, QStringLiteral("CREATE TABLE osobni_slovnik (slovo TEXT PRIMARY KEY)"), error);
+        ok = ok && q.prepare(QStringLiteral("INSERT INTO osobni_slovnik (slovo) VALUES (?)"));
+        for (const char *word : kOsobniSlovnik) {
+            q.addBindValue(QString::fromUtf8(word));
+            ok = ok && Run(q, error);
+        }
+        return ok;
+    });
 }
 
 QStringList SampleDatabase::PersonalWords()
